@@ -1,0 +1,47 @@
+# Options, warnings and sanitizers that every target of the project shares.
+
+if(ANDROID)
+  set(lumora_default_platform android)
+else()
+  set(lumora_default_platform linux)
+endif()
+set(LUMORA_PLATFORM ${lumora_default_platform} CACHE STRING "Body of the platform seam: linux or android")
+
+option(LUMORA_BUILD_PIPELINE "Build libLumoraPipeline, the friendly front" ON)
+option(LUMORA_BUILD_TOOLS "Build the lumora command" ON)
+option(LUMORA_BUILD_TESTS "Build the tests" ON)
+option(LUMORA_WERROR "Treat warnings as errors" OFF)
+set(LUMORA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+# One compiler cache hit is worth a minute on a small machine; it is optional.
+find_program(LUMORA_CCACHE ccache)
+if(LUMORA_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${LUMORA_CCACHE}")
+endif()
+
+add_library(lumora_warnings INTERFACE)
+target_compile_options(lumora_warnings INTERFACE -Wall -Wextra -Wshadow -Wconversion)
+if(LUMORA_WERROR)
+  target_compile_options(lumora_warnings INTERFACE -Werror)
+endif()
+
+if(LUMORA_SANITIZE)
+  add_compile_options(-fsanitize=${LUMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  if(LUMORA_SANITIZE MATCHES undefined)
+    add_compile_options(-fno-sanitize=vptr)  # the core is built without RTTI
+  endif()
+  add_link_options(-fsanitize=${LUMORA_SANITIZE})
+endif()
