@@ -1,0 +1,47 @@
+// The kinds of memory behind a graphic buffer, as each platform body provides them.
+#ifndef LUMORA_PLATFORM_BUFFER_BACKING_H_
+#define LUMORA_PLATFORM_BUFFER_BACKING_H_
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+
+#include <memory>
+
+#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/graphic_buffer.h"
+
+namespace lumora::platform {
+
+/// Memory of one image and its GL side, which exists from createImage on.
+/// Thread and context: GL work happens only while the context of createImage is current.
+class BufferBacking {
+ public:
+  virtual ~BufferBacking() = default;
+
+  /// How CPU and GPU share the memory; may turn to Staged in createImage.
+  virtual BufferKind kind() const = 0;
+
+  /// CPU address of the first pixel; fixed.
+  virtual unsigned char* address() const = 0;
+
+  /// Makes an EGL image over the memory; EGL_NO_IMAGE_KHR on failure, reason in eglGetError. A
+  /// further call makes a new GL side. The context's bindings are as before afterwards.
+  virtual EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes) = 0;
+
+  /// Waits until the GPU has finished with memory that the CPU is about to write. True and false as
+  /// below.
+  virtual bool beginAccess() = 0;
+
+  /// Makes the CPU's bytes of `part` visible to the GPU, or the GPU's results in `part` visible to
+  /// the CPU. True also while there is no GL side; false when its context is not current. The
+  /// context's bindings, pixel-store state and pending errors are left as they are.
+  virtual bool publish(const PixelRectangle& part) = 0;
+  virtual bool fetch(const PixelRectangle& part) = 0;
+};
+
+/// Zeroed memory for `geometry`, of the best kind for the current context; null when there is none.
+std::unique_ptr<BufferBacking> MakeBacking(const BufferGeometry& geometry);
+
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_BUFFER_BACKING_H_

@@ -1,0 +1,39 @@
+// Sizes of a graphic buffer's rows and memory.
+#ifndef LUMORA_PLATFORM_BUFFER_GEOMETRY_H_
+#define LUMORA_PLATFORM_BUFFER_GEOMETRY_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace lumora::platform {
+
+/// Bytes of one RGBA pixel.
+constexpr uint32_t kPixelBytes = 4;
+
+/// A part of an image, in pixels from its first pixel.
+struct PixelRectangle {
+  int x;
+  int y;
+  int width;
+  int height;
+};
+
+struct BufferGeometry {
+  uint32_t width;   ///< pixels
+  uint32_t height;  ///< pixels
+  uint32_t stride;  ///< pixels from one row to the next: the width rounded up to 32
+  size_t size;      ///< bytes, slack included; 0 when no memory can be that large
+
+  size_t rowBytes() const { return size_t{stride} * kPixelBytes; }
+  PixelRectangle whole() const { return {0, 0, static_cast<int>(width), static_cast<int>(height)}; }
+};
+
+/// Lays out an image. The memory holds rows as if the width were rounded up to 128 pixels, and as
+/// many of them as the height rounded up to 2 and two more: the frame expansion works in blocks of
+/// pixels and pairs of rows and may overrun by that much. An empty image gets the memory of one
+/// pixel.
+BufferGeometry LayOut(uint32_t width, uint32_t height);
+
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_BUFFER_GEOMETRY_H_

@@ -1,0 +1,65 @@
+#include "lumora/platform/buffer_registry.h"
+
+#include <algorithm>
+
+namespace lumora::platform {
+
+BufferRegistry& BufferRegistry::Instance() {
+  // Never destroyed: buffers of static objects may outlive any other static.
+  static auto* const registry = new BufferRegistry;
+  return *registry;
+}
+
+void BufferRegistry::add(GraphicBuffer* buffer, const void* base, Coherence* coherence) {
+  const std::lock_guard<std::mutex> guard(mutex_);
+  entries_.push_back({buffer, base, coherence, EGL_NO_CONTEXT, 0});
+}
+
+void BufferRegistry::remove(const GraphicBuffer* buffer) {
+  const std::lock_guard<std::mutex> guard(mutex_);
+  entries_.erase(std::remove_if(entries_.begin(), entries_.end(),
+                                [&](const Entry& entry) { return entry.buffer == buffer; }),
+                 entries_.end());
+}
+
+void BufferRegistry::attach(const GraphicBuffer* buffer, EGLContext context, GLuint texture) {
+  const std::lock_guard<std::mutex> guard(mutex_);
+  for (Entry& entry : entries_) {
+    if (entry.context == context && entry.texture == texture) entry.context = EGL_NO_CONTEXT;
+  }
+  if (Entry* entry = find(buffer)) {
+    entry->context = context;
+    entry->texture = texture;
+  }
+}
+
+void BufferRegistry::detach(const GraphicBuffer* buffer) {
+  const std::lock_guard<std::mutex> guard(mutex_);
+  if (Entry* entry = find(buffer)) entry->context = EGL_NO_CONTEXT;
+}
+
+GraphicBuffer* BufferRegistry::findByBase(const void* base) {
+  const std::lock_guard<std::mutex> guard(mutex_);
+  for (const Entry& entry : entries_) {
+    if (entry.base == base) return entry.buffer;
+  }
+  return nullptr;
+}
+
+Coherence* BufferRegistry::findByTexture(EGLContext context, GLuint texture) {
+  if (context == EGL_NO_CONTEXT) return nullptr;
+  const std::lock_guard<std::mutex> guard(mutex_);
+  for (const Entry& entry : entries_) {
+    if (entry.context == context && entry.texture == texture) return entry.coherence;
+  }
+  return nullptr;
+}
+
+BufferRegistry::Entry* BufferRegistry::find(const GraphicBuffer* buffer) {
+  for (Entry& entry : entries_) {
+    if (entry.buffer == buffer) return &entry;
+  }
+  return nullptr;
+}
+
+}  // namespace lumora::platform

@@ -1,0 +1,77 @@
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <string_view>
+
+#include "lumora/platform/buffer_backing.h"
+#include "lumora/platform/linux/memory_object.h"
+#include "lumora/platform/linux/memory_object_proof.h"
+#include "lumora/platform/linux/staged.h"
+#include "lumora/platform/log.h"
+
+namespace lumora::platform {
+namespace {
+
+// A way to share an image's memory between CPU and GPU.
+struct Candidate {
+  BufferKind kind;
+  /// Whether the current context can share memory in this way.
+  bool (*offered)();
+  /// Null where an image of this geometry cannot have it.
+  std::unique_ptr<BufferBacking> (*make)(const BufferGeometry& geometry);
+};
+
+// In the order of preference; the last one works everywhere.
+constexpr std::array<Candidate, 2> kCandidates = {{
+    {BufferKind::MemoryObject, [] { return ProvenMemoryDevice() != nullptr; },
+     [](const BufferGeometry& geometry) {
+       return MakeMemoryObjectBacking(*ProvenMemoryDevice(), geometry);
+     }},
+    {BufferKind::Staged, [] { return true; }, MakeStagedBacking},
+}};
+
+constexpr const Candidate& kFallback = kCandidates.back();
+
+// Once a process: a forced kind that is missing is missing for every buffer.
+void ReportMissingKind(const char* name) {
+  static std::atomic<bool> reported{false};
+  if (reported.exchange(true)) return;
+  constexpr int kError = 6;
+  constexpr const char* kTag = "LumoraPlatform";
+  unsigned char mask = 0;
+  if ((__korvolog_init_mask(kTag, -1, &mask) & (1u << (kError - 2))) == 0) return;
+  __android_log_print(kError, kTag, "LUMORA_BUFFER=%s is not available here, using staged buffers",
+                      name);
+}
+
+const Candidate& ForcedCandidate(const char* name) {
+  for (const Candidate& candidate : kCandidates) {
+    if (std::string_view(name) == BufferKindName(candidate.kind) && candidate.offered()) {
+      return candidate;
+    }
+  }
+  ReportMissingKind(name);
+  return kFallback;
+}
+
+const Candidate& PreferredCandidate() {
+  const char* const forced = std::getenv("LUMORA_BUFFER");
+  if (forced != nullptr && forced[0] != '\0') return ForcedCandidate(forced);
+  for (const Candidate& candidate : kCandidates) {
+    if (candidate.offered()) return candidate;
+  }
+  return kFallback;
+}
+
+}  // namespace
+
+BufferKind PreferredBufferKind() {
+  return PreferredCandidate().kind;
+}
+
+std::unique_ptr<BufferBacking> MakeBacking(const BufferGeometry& geometry) {
+  std::unique_ptr<BufferBacking> backing = PreferredCandidate().make(geometry);
+  return backing != nullptr ? std::move(backing) : kFallback.make(geometry);
+}
+
+}  // namespace lumora::platform

@@ -1,0 +1,197 @@
+#include "lumora/platform/display.h"
+
+#include <array>
+#include <mutex>
+#include <vector>
+
+#include "lumora/platform/gl_api.h"
+
+namespace lumora::platform {
+namespace {
+
+// What the library has to do with one display.
+struct Display {
+  EGLDisplay handle;
+  int references;
+  bool initialised_here;  ///< by the library, so that the library may terminate it
+};
+
+// The displays that the library touched, and the one that GetDisplay chose.
+struct Displays {
+  std::mutex mutex;
+  std::vector<Display> known;
+  EGLDisplay chosen = EGL_NO_DISPLAY;
+  const char* origin = "none";
+
+  Display& entry(EGLDisplay handle) {
+    for (Display& display : known) {
+      if (display.handle == handle) return display;
+    }
+    known.push_back({handle, 0, false});
+    return known.back();
+  }
+};
+
+Displays& TheDisplays() {
+  // Never destroyed: engines of static objects may end after any other static has gone.
+  static auto* const displays = new Displays;
+  return *displays;
+}
+
+bool IsInitialised(EGLDisplay handle) {
+  return eglQueryString(handle, EGL_VERSION) != nullptr;
+}
+
+// eglInitialize, remembering whether somebody else had been there before.
+EGLBoolean Start(Display& display, EGLint* major, EGLint* minor) {
+  const bool foreign = !display.initialised_here && IsInitialised(display.handle);
+  const EGLBoolean started = eglInitialize(display.handle, major, minor);
+  if (started == EGL_TRUE && !foreign) display.initialised_here = true;
+  return started;
+}
+
+EGLBoolean Stop(Display& display) {
+  if (!display.initialised_here) return EGL_TRUE;
+  display.initialised_here = false;
+  return eglTerminate(display.handle);
+}
+
+bool OffersPbuffers(EGLDisplay handle) {
+  constexpr std::array<EGLint, 5> kAttributes = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT,
+                                                 EGL_RENDERABLE_TYPE, EGL_OPENGL_ES2_BIT, EGL_NONE};
+  EGLConfig config = nullptr;
+  EGLint count = 0;
+  return eglChooseConfig(handle, kAttributes.data(), &config, 1, &count) == EGL_TRUE && count > 0;
+}
+
+// Whether the display can be used. A usable one is left initialised for the Initialize that
+// follows; another one is left as it was found.
+bool Works(Displays& displays, EGLDisplay handle) {
+  if (handle == EGL_NO_DISPLAY) return false;
+  Display& display = displays.entry(handle);
+  if (Start(display, nullptr, nullptr) != EGL_TRUE) return false;
+  if (OffersPbuffers(handle)) return true;
+  if (display.references == 0) Stop(display);
+  return false;
+}
+
+// The displays of the EGL devices, software or hardware ones.
+std::vector<EGLDisplay> DeviceDisplays(bool software) {
+  const gl::ExtensionApi& api = gl::Extensions();
+  std::vector<EGLDisplay> found;
+  std::array<EGLDeviceEXT, 16> devices{};
+  EGLint count = 0;
+  if (api.eglQueryDevicesEXT(static_cast<EGLint>(devices.size()), devices.data(), &count) !=
+      EGL_TRUE) {
+    return found;
+  }
+  for (EGLint i = 0; i < count; ++i) {
+    EGLDeviceEXT const device = devices[static_cast<size_t>(i)];
+    const char* const extensions = api.eglQueryDeviceStringEXT(device, EGL_EXTENSIONS);
+    if (gl::HasExtension(extensions, "EGL_MESA_device_software") != software) continue;
+    found.push_back(api.eglGetPlatformDisplayEXT(EGL_PLATFORM_DEVICE_EXT, device, nullptr));
+  }
+  return found;
+}
+
+struct Candidate {
+  const char* origin;
+  bool (*offered)(const char* client_extensions);
+  std::vector<EGLDisplay> (*displays)();
+};
+
+bool OffersDevices(const char* client_extensions) {
+  return gl::HasExtension(client_extensions, "EGL_EXT_platform_device") &&
+         (gl::HasExtension(client_extensions, "EGL_EXT_device_base") ||
+          (gl::HasExtension(client_extensions, "EGL_EXT_device_enumeration") &&
+           gl::HasExtension(client_extensions, "EGL_EXT_device_query")));
+}
+
+// In the order of preference.
+constexpr std::array<Candidate, 4> kCandidates = {{
+    {"default display", [](const char*) { return true; },
+     [] { return std::vector<EGLDisplay>{eglGetDisplay(EGL_DEFAULT_DISPLAY)}; }},
+    {"EGL device", OffersDevices, [] { return DeviceDisplays(false); }},
+    {"EGL device (software)", OffersDevices, [] { return DeviceDisplays(true); }},
+    {"surfaceless platform",
+     [](const char* client_extensions) {
+       return gl::HasExtension(client_extensions, "EGL_MESA_platform_surfaceless");
+     },
+     [] {
+       return std::vector<EGLDisplay>{gl::Extensions().eglGetPlatformDisplayEXT(
+           EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr)};
+     }},
+}};
+
+// The attribute list with `bits` removed from the surface type. A list that names none asks for
+// windows, so it gets an entry of its own.
+std::vector<EGLint> WithoutSurfaceBits(const EGLint* attributes, EGLint bits) {
+  std::vector<EGLint> list;
+  bool named = false;
+  for (const EGLint* at = attributes; at != nullptr && *at != EGL_NONE; at += 2) {
+    const bool surface_type = at[0] == EGL_SURFACE_TYPE;
+    named = named || surface_type;
+    list.push_back(at[0]);
+    list.push_back(surface_type ? at[1] & ~bits : at[1]);
+  }
+  if (!named) list.insert(list.end(), {EGL_SURFACE_TYPE, EGL_WINDOW_BIT & ~bits});
+  list.push_back(EGL_NONE);
+  return list;
+}
+
+}  // namespace
+
+EGLDisplay GetDisplay() {
+  Displays& displays = TheDisplays();
+  const std::lock_guard<std::mutex> guard(displays.mutex);
+  if (Works(displays, displays.chosen)) return displays.chosen;
+
+  const char* const client_extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
+  for (const Candidate& candidate : kCandidates) {
+    if (!candidate.offered(client_extensions)) continue;
+    for (EGLDisplay const handle : candidate.displays()) {
+      if (!Works(displays, handle)) continue;
+      displays.chosen = handle;
+      displays.origin = candidate.origin;
+      return handle;
+    }
+  }
+  displays.chosen = EGL_NO_DISPLAY;
+  displays.origin = "none";
+  return EGL_NO_DISPLAY;
+}
+
+EGLBoolean Initialize(EGLDisplay display, EGLint* major, EGLint* minor) {
+  Displays& displays = TheDisplays();
+  const std::lock_guard<std::mutex> guard(displays.mutex);
+  if (display == EGL_NO_DISPLAY) return eglInitialize(display, major, minor);
+  Display& entry = displays.entry(display);
+  const EGLBoolean started = Start(entry, major, minor);
+  if (started == EGL_TRUE) ++entry.references;
+  return started;
+}
+
+EGLBoolean ChooseConfig(EGLDisplay display, const EGLint* attributes, EGLConfig* configs,
+                        EGLint capacity, EGLint* count) {
+  const EGLBoolean answered = eglChooseConfig(display, attributes, configs, capacity, count);
+  if (answered != EGL_TRUE || *count > 0) return answered;
+  const std::vector<EGLint> list = WithoutSurfaceBits(attributes, EGL_WINDOW_BIT);
+  return eglChooseConfig(display, list.data(), configs, capacity, count);
+}
+
+EGLBoolean Terminate(EGLDisplay display) {
+  Displays& displays = TheDisplays();
+  const std::lock_guard<std::mutex> guard(displays.mutex);
+  if (display == EGL_NO_DISPLAY) return eglTerminate(display);
+  Display& entry = displays.entry(display);
+  if (entry.references > 0 && --entry.references > 0) return EGL_TRUE;
+  return Stop(entry);
+}
+
+const char* DisplayOrigin() {
+  Displays& displays = TheDisplays();
+  const std::lock_guard<std::mutex> guard(displays.mutex);
+  return displays.origin;
+}
+
+}  // namespace lumora::platform

@@ -1,0 +1,126 @@
+#include "lumora/platform/linux/memory_object.h"
+
+#include <unistd.h>
+
+#include <optional>
+
+#include "lumora/platform/gl_api.h"
+#include "lumora/platform/linux/owned_texture.h"
+#include "lumora/platform/linux/staged.h"
+
+namespace lumora::platform {
+namespace {
+
+// A texture whose pixels are imported memory.
+// Context: the one that is current at construction.
+class ImportedTexture {
+ public:
+  // Takes `descriptor` over. Leaves the texture bound.
+  ImportedTexture(int descriptor, size_t size, const BufferGeometry& geometry) {
+    const gl::ExtensionApi& api = gl::Extensions();
+    const PixelRectangle whole = geometry.whole();
+    api.glCreateMemoryObjectsEXT(1, &memory_object_);
+    api.glImportMemoryFdEXT(memory_object_, size, GL_HANDLE_TYPE_OPAQUE_FD_EXT, descriptor);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_TILING_EXT, GL_LINEAR_TILING_EXT);
+    api.glTexStorageMem2DEXT(GL_TEXTURE_2D, 1, GL_RGBA8_OES, whole.width, whole.height,
+                             memory_object_, 0);
+  }
+  ~ImportedTexture() {
+    if (!texture_.isHere()) return;
+    // Mesa's llvmpipe unmaps imported memory with its texture, also under draws that still sample
+    // it.
+    glFinish();
+    gl::Extensions().glDeleteMemoryObjectsEXT(1, &memory_object_);
+  }
+  ImportedTexture(const ImportedTexture&) = delete;
+  ImportedTexture& operator=(const ImportedTexture&) = delete;
+
+  const OwnedTexture& texture() const { return texture_; }
+
+ private:
+  OwnedTexture texture_;
+  GLuint memory_object_ = 0;
+};
+
+class MemoryObjectBacking final : public BufferBacking {
+ public:
+  MemoryObjectBacking(const VulkanMemory& device, const VulkanAllocation& allocation,
+                      const BufferGeometry& geometry)
+      : device_(device), allocation_(allocation), geometry_(geometry) {}
+
+  ~MemoryObjectBacking() override {
+    imported_.reset();
+    device_.release(allocation_);
+  }
+
+  BufferKind kind() const override {
+    return staged_ ? BufferKind::Staged : BufferKind::MemoryObject;
+  }
+  unsigned char* address() const override { return allocation_.address; }
+
+  EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes) override {
+    imported_.reset();
+    staged_.reset();
+    if (eglGetCurrentContext() == EGL_NO_CONTEXT) return EGL_NO_IMAGE_KHR;
+    const EGLImageKHR image = importImage(display, attributes);
+    if (image != EGL_NO_IMAGE_KHR) return image;
+    imported_.reset();
+    staged_.emplace(address(), geometry_);
+    return staged_->createImage(display, attributes);
+  }
+
+  bool publish(const PixelRectangle& part) override { return !staged_ || staged_->upload(part); }
+
+  bool beginAccess() override { return staged_ || finish(); }
+
+  bool fetch(const PixelRectangle& part) override {
+    return staged_ ? staged_->readBack(part) : finish();
+  }
+
+ private:
+  bool finish() {
+    if (!imported_) return true;
+    if (!imported_->texture().contextIsCurrent()) return false;
+    glFinish();
+    return true;
+  }
+
+  EGLImageKHR importImage(EGLDisplay display, const EGLint* attributes) {
+    if (CurrentMemoryDevice() != &device_ || !FitsTexture(geometry_)) return EGL_NO_IMAGE_KHR;
+    const int descriptor = device_.exportDescriptor(allocation_);
+    if (descriptor < 0) return EGL_NO_IMAGE_KHR;
+    const TextureBindingScope binding;
+    imported_.emplace(descriptor, allocation_.size, geometry_);
+    return CreateTextureImage(display, imported_->texture().name(), attributes);
+  }
+
+  const VulkanMemory& device_;
+  const VulkanAllocation allocation_;
+  const BufferGeometry geometry_;
+  std::optional<ImportedTexture> imported_;
+  std::optional<StagedTexture> staged_;  ///< in a context that cannot import
+};
+
+}  // namespace
+
+const VulkanMemory* CurrentMemoryDevice() {
+  if (eglGetCurrentContext() == EGL_NO_CONTEXT) return nullptr;
+  if (!gl::ContextHasExtension("GL_EXT_memory_object") ||
+      !gl::ContextHasExtension("GL_EXT_memory_object_fd")) {
+    return nullptr;
+  }
+  DeviceIdentity identity{};
+  gl::Extensions().glGetUnsignedBytei_vEXT(GL_DEVICE_UUID_EXT, 0, identity.device.data());
+  gl::Extensions().glGetUnsignedBytevEXT(GL_DRIVER_UUID_EXT, identity.driver.data());
+  return VulkanMemory::Find(identity);
+}
+
+std::unique_ptr<BufferBacking> MakeMemoryObjectBacking(const VulkanMemory& device,
+                                                       const BufferGeometry& geometry) {
+  const std::optional<VulkanAllocation> allocation = device.allocate(geometry);
+  if (!allocation) return nullptr;
+  return std::make_unique<MemoryObjectBacking>(device, *allocation, geometry);
+}
+
+}  // namespace lumora::platform

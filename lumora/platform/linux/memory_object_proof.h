@@ -1,0 +1,17 @@
+// Proof that images in imported memory really are one memory for CPU and GPU here.
+#ifndef LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_PROOF_H_
+#define LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_PROOF_H_
+
+#include "lumora/platform/linux/vulkan_memory.h"
+
+namespace lumora::platform {
+
+/// The Vulkan device of the current context when images in its memory passed the proof, else null.
+/// GL cannot tell how it lays out imported memory, so a picture is written by the CPU, drawn from
+/// one such image into another and read by the CPU, in a context of its own; once a display.
+/// Thread-safe; the current context is as before afterwards.
+const VulkanMemory* ProvenMemoryDevice();
+
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_PROOF_H_

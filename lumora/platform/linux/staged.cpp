@@ -1,0 +1,113 @@
+#include "lumora/platform/linux/staged.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "lumora/platform/gl_api.h"
+
+namespace lumora::platform {
+namespace {
+
+struct FreeMemory {
+  void operator()(unsigned char* memory) const { std::free(memory); }
+};
+using HeapMemory = std::unique_ptr<unsigned char, FreeMemory>;
+
+// Zeroed and aligned to a cache line, for the vector stores of the frame expansion.
+HeapMemory AllocateZeroed(size_t size) {
+  void* memory = nullptr;
+  constexpr size_t kCacheLine = 64;
+  if (posix_memalign(&memory, kCacheLine, size) != 0) return nullptr;
+  std::memset(memory, 0, size);
+  return HeapMemory(static_cast<unsigned char*>(memory));
+}
+
+class StagedBacking final : public BufferBacking {
+ public:
+  StagedBacking(HeapMemory memory, const BufferGeometry& geometry)
+      : memory_(std::move(memory)), geometry_(geometry) {}
+
+  BufferKind kind() const override { return BufferKind::Staged; }
+  unsigned char* address() const override { return memory_.get(); }
+
+  EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes) override {
+    if (eglGetCurrentContext() == EGL_NO_CONTEXT) return EGL_NO_IMAGE_KHR;
+    texture_.emplace(address(), geometry_);
+    return texture_->createImage(display, attributes);
+  }
+
+  bool beginAccess() override { return true; }  // GL has its own copy of what it uses
+  bool publish(const PixelRectangle& part) override { return !texture_ || texture_->upload(part); }
+  bool fetch(const PixelRectangle& part) override { return !texture_ || texture_->readBack(part); }
+
+ private:
+  const HeapMemory memory_;
+  const BufferGeometry geometry_;
+  std::optional<StagedTexture> texture_;
+};
+
+}  // namespace
+
+bool FitsTexture(const BufferGeometry& geometry) {
+  GLint largest = 0;
+  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
+  return std::max(geometry.width, geometry.height) <= static_cast<GLuint>(largest);
+}
+
+EGLImageKHR CreateTextureImage(EGLDisplay display, GLuint texture, const EGLint* attributes) {
+  const gl::ExtensionApi& api = gl::Extensions();
+  if (api.eglCreateImageKHR == nullptr) return EGL_NO_IMAGE_KHR;
+  const auto client_buffer = reinterpret_cast<EGLClientBuffer>(static_cast<uintptr_t>(texture));
+  return api.eglCreateImageKHR(display, eglGetCurrentContext(), EGL_GL_TEXTURE_2D_KHR,
+                               client_buffer, attributes);
+}
+
+StagedTexture::StagedTexture(unsigned char* pixels, const BufferGeometry& geometry)
+    : image_{pixels, static_cast<int>(geometry.stride)}, features_(QueryTransferFeatures()) {
+  const TextureBindingScope binding;
+  texture_.emplace();
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);  // one level is complete
+  // A texture without storage makes the EGL image fail with a reason of EGL's own.
+  if (!FitsTexture(geometry)) return;
+  const PixelRectangle whole = geometry.whole();
+  AllocatePixels(whole.width, whole.height, features_);
+  Upload(texture_->name(), image_, whole, features_);
+}
+
+StagedTexture::~StagedTexture() {
+  if (framebuffer_ != 0 && texture_->isHere()) glDeleteFramebuffers(1, &framebuffer_);
+}
+
+EGLImageKHR StagedTexture::createImage(EGLDisplay display, const EGLint* attributes) {
+  const EGLImageKHR image = CreateTextureImage(display, texture_->name(), attributes);
+  shown_ = image != EGL_NO_IMAGE_KHR;
+  return image;
+}
+
+bool StagedTexture::upload(const PixelRectangle& part) {
+  if (!shown_) return true;
+  if (!texture_->contextIsCurrent()) return false;
+  Upload(texture_->name(), image_, part, features_);
+  return true;
+}
+
+bool StagedTexture::readBack(const PixelRectangle& part) {
+  if (!shown_) return true;
+  if (!texture_->contextIsCurrent()) return false;
+  if (framebuffer_ == 0) {
+    glGenFramebuffers(1, &framebuffer_);
+    AttachColor(framebuffer_, texture_->name(), features_);
+  }
+  ReadBack(framebuffer_, image_, part, features_);
+  return true;
+}
+
+std::unique_ptr<BufferBacking> MakeStagedBacking(const BufferGeometry& geometry) {
+  HeapMemory memory = AllocateZeroed(geometry.size);
+  if (memory == nullptr) return nullptr;
+  return std::make_unique<StagedBacking>(std::move(memory), geometry);
+}
+
+}  // namespace lumora::platform

@@ -1,0 +1,53 @@
+// Staged images: private CPU memory and a texture, kept equal by copies.
+#ifndef LUMORA_PLATFORM_LINUX_STAGED_H_
+#define LUMORA_PLATFORM_LINUX_STAGED_H_
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+
+#include <memory>
+#include <optional>
+
+#include "lumora/platform/buffer_backing.h"
+#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/linux/owned_texture.h"
+#include "lumora/platform/linux/pixel_transfer.h"
+
+namespace lumora::platform {
+
+/// Whether a texture of the current context can be that large.
+bool FitsTexture(const BufferGeometry& geometry);
+
+/// An EGL image over `texture` of the current context; EGL_NO_IMAGE_KHR on failure.
+EGLImageKHR CreateTextureImage(EGLDisplay display, GLuint texture, const EGLint* attributes);
+
+/// The texture side of a staged image, over CPU memory that somebody else owns.
+/// Context: the one that is current at construction; operations elsewhere return false.
+class StagedTexture {
+ public:
+  /// Takes the CPU memory's pixels over. Bindings of the context are restored.
+  StagedTexture(unsigned char* pixels, const BufferGeometry& geometry);
+  ~StagedTexture();
+  StagedTexture(const StagedTexture&) = delete;
+  StagedTexture& operator=(const StagedTexture&) = delete;
+
+  /// As BufferBacking's. Without an image there is nothing to copy, and copies succeed.
+  EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes);
+
+  bool upload(const PixelRectangle& part);
+  bool readBack(const PixelRectangle& part);
+
+ private:
+  const CpuImage image_;
+  TransferFeatures features_;
+  std::optional<OwnedTexture> texture_;
+  GLuint framebuffer_ = 0;  ///< made by the first read-back
+  bool shown_ = false;      ///< by an EGL image
+};
+
+/// Null when there is not enough memory.
+std::unique_ptr<BufferBacking> MakeStagedBacking(const BufferGeometry& geometry);
+
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_LINUX_STAGED_H_

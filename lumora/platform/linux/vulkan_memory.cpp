@@ -1,0 +1,137 @@
+#include "lumora/platform/linux/vulkan_memory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+#include <vector>
+
+#include "lumora/platform/linux/vulkan_loader.h"
+
+namespace lumora::platform {
+namespace {
+
+// Uncached memory would be slower to read than any copy.
+constexpr VkMemoryPropertyFlags kWantedMemory = VK_MEMORY_PROPERTY_HOST_VISIBLE_BIT |
+                                                VK_MEMORY_PROPERTY_HOST_COHERENT_BIT |
+                                                VK_MEMORY_PROPERTY_HOST_CACHED_BIT;
+
+// The answer for one identity: a device, or none.
+struct Known {
+  DeviceIdentity identity;
+  const VulkanMemory* device;
+};
+
+}  // namespace
+
+const VulkanMemory* VulkanMemory::Find(const DeviceIdentity& identity) {
+  // Never destroyed, like the devices: buffers of static objects may outlive any other static.
+  static auto* const mutex = new std::mutex;
+  static auto* const answers = new std::vector<Known>;
+  const std::lock_guard<std::mutex> guard(*mutex);
+  for (const Known& known : *answers) {
+    if (known.identity.device == identity.device && known.identity.driver == identity.driver) {
+      return known.device;
+    }
+  }
+  auto* device = new VulkanMemory;
+  if (!device->open(identity)) {
+    delete device;
+    device = nullptr;
+  }
+  answers->push_back({identity, device});
+  return device;
+}
+
+bool VulkanMemory::open(const DeviceIdentity& identity) {
+  const std::optional<OpenedVulkanDevice> opened = OpenVulkanDevice(identity);
+  if (!opened) return false;
+  device_ = opened->device;
+  types_ = opened->memory_types;
+  bool complete = true;
+  const auto look = [&](auto& function, const char* name) {
+    function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(
+        opened->get_proc_address(device_, name));
+    complete = complete && function != nullptr;
+  };
+  look(call_.CreateImage, "vkCreateImage");
+  look(call_.DestroyImage, "vkDestroyImage");
+  look(call_.GetImageMemoryRequirements, "vkGetImageMemoryRequirements");
+  look(call_.GetImageSubresourceLayout, "vkGetImageSubresourceLayout");
+  look(call_.AllocateMemory, "vkAllocateMemory");
+  look(call_.FreeMemory, "vkFreeMemory");
+  look(call_.MapMemory, "vkMapMemory");
+  look(call_.GetMemoryFdKHR, "vkGetMemoryFdKHR");
+  return complete;
+}
+
+std::optional<VulkanAllocation> VulkanMemory::allocate(const BufferGeometry& geometry) const {
+  const std::optional<VkMemoryRequirements> needed = requirements(geometry);
+  if (!needed) return std::nullopt;
+  const std::optional<uint32_t> type = memoryType(needed->memoryTypeBits);
+  if (!type) return std::nullopt;
+
+  VkExportMemoryAllocateInfo exported{};
+  exported.sType = VK_STRUCTURE_TYPE_EXPORT_MEMORY_ALLOCATE_INFO;
+  exported.handleTypes = VK_EXTERNAL_MEMORY_HANDLE_TYPE_OPAQUE_FD_BIT;
+  VkMemoryAllocateInfo info{};
+  info.sType = VK_STRUCTURE_TYPE_MEMORY_ALLOCATE_INFO;
+  info.pNext = &exported;
+  info.allocationSize = std::max<VkDeviceSize>(needed->size, geometry.size);
+  info.memoryTypeIndex = *type;
+  VulkanAllocation allocation{};
+  allocation.size = static_cast<size_t>(info.allocationSize);
+  if (call_.AllocateMemory(device_, &info, nullptr, &allocation.memory) != VK_SUCCESS) {
+    return std::nullopt;
+  }
+  void* address = nullptr;
+  if (call_.MapMemory(device_, allocation.memory, 0, VK_WHOLE_SIZE, 0, &address) != VK_SUCCESS) {
+    call_.FreeMemory(device_, allocation.memory, nullptr);
+    return std::nullopt;
+  }
+  allocation.address = static_cast<unsigned char*>(address);
+  std::memset(allocation.address, 0, allocation.size);
+  return allocation;
+}
+
+void VulkanMemory::release(const VulkanAllocation& allocation) const {
+  call_.FreeMemory(device_, allocation.memory, nullptr);  // unmaps as well
+}
+
+int VulkanMemory::exportDescriptor(const VulkanAllocation& allocation) const {
+  VkMemoryGetFdInfoKHR info{};
+  info.sType = VK_STRUCTURE_TYPE_MEMORY_GET_FD_INFO_KHR;
+  info.memory = allocation.memory;
+  info.handleType = VK_EXTERNAL_MEMORY_HANDLE_TYPE_OPAQUE_FD_BIT;
+  int descriptor = -1;
+  return call_.GetMemoryFdKHR(device_, &info, &descriptor) == VK_SUCCESS ? descriptor : -1;
+}
+
+// What memory an image of this size needs; nothing when its rows do not lie as the geometry says.
+std::optional<VkMemoryRequirements> VulkanMemory::requirements(
+    const BufferGeometry& geometry) const {
+  if (geometry.width == 0 || geometry.height == 0) return std::nullopt;
+  VkExternalMemoryImageCreateInfo external{};
+  external.sType = VK_STRUCTURE_TYPE_EXTERNAL_MEMORY_IMAGE_CREATE_INFO;
+  external.handleTypes = VK_EXTERNAL_MEMORY_HANDLE_TYPE_OPAQUE_FD_BIT;
+  const VkImageCreateInfo info = SharedImage(geometry.width, geometry.height, &external);
+  VkImage image = VK_NULL_HANDLE;
+  if (call_.CreateImage(device_, &info, nullptr, &image) != VK_SUCCESS) return std::nullopt;
+  constexpr VkImageSubresource kColor = {VK_IMAGE_ASPECT_COLOR_BIT, 0, 0};
+  VkSubresourceLayout layout{};
+  VkMemoryRequirements needed{};
+  call_.GetImageSubresourceLayout(device_, image, &kColor, &layout);
+  call_.GetImageMemoryRequirements(device_, image, &needed);
+  call_.DestroyImage(device_, image, nullptr);
+  if (layout.offset != 0 || layout.rowPitch != geometry.rowBytes()) return std::nullopt;
+  return needed;
+}
+
+std::optional<uint32_t> VulkanMemory::memoryType(uint32_t allowed) const {
+  for (uint32_t type = 0; type < types_.memoryTypeCount; ++type) {
+    const VkMemoryPropertyFlags offered = types_.memoryTypes[type].propertyFlags;
+    if ((allowed & (1u << type)) != 0 && (offered & kWantedMemory) == kWantedMemory) return type;
+  }
+  return std::nullopt;
+}
+
+}  // namespace lumora::platform

@@ -1,0 +1,69 @@
+// CPU-visible memory of a Vulkan device that OpenGL ES can import: the device that GL itself draws
+// with, found by its identifiers. The Vulkan loader is opened at run time; without it there is
+// none.
+#ifndef LUMORA_PLATFORM_LINUX_VULKAN_MEMORY_H_
+#define LUMORA_PLATFORM_LINUX_VULKAN_MEMORY_H_
+
+#define VK_NO_PROTOTYPES
+#include <vulkan/vulkan_core.h>
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+#include "lumora/platform/buffer_geometry.h"
+
+namespace lumora::platform {
+
+/// What tells that two drivers speak of one device and understand each other's memory.
+struct DeviceIdentity {
+  std::array<unsigned char, VK_UUID_SIZE> device;
+  std::array<unsigned char, VK_UUID_SIZE> driver;
+};
+
+/// Memory mapped for the CPU for its whole life.
+struct VulkanAllocation {
+  VkDeviceMemory memory;
+  unsigned char* address;
+  size_t size;  ///< bytes
+};
+
+/// One Vulkan device. Lives as long as the process. Thread-safe.
+class VulkanMemory {
+ public:
+  /// The device with this identity; null when there is none or it cannot export memory.
+  static const VulkanMemory* Find(const DeviceIdentity& identity);
+
+  /// Zeroed memory that holds an RGBA image with the geometry's size, rows and slack. Nothing where
+  /// the device lays out rows in another way, or has no such memory left.
+  std::optional<VulkanAllocation> allocate(const BufferGeometry& geometry) const;
+  void release(const VulkanAllocation& allocation) const;
+
+  /// A file descriptor of the memory, owned by the caller; -1 on failure.
+  int exportDescriptor(const VulkanAllocation& allocation) const;
+
+ private:
+  struct Functions {
+    PFN_vkCreateImage CreateImage;
+    PFN_vkDestroyImage DestroyImage;
+    PFN_vkGetImageMemoryRequirements GetImageMemoryRequirements;
+    PFN_vkGetImageSubresourceLayout GetImageSubresourceLayout;
+    PFN_vkAllocateMemory AllocateMemory;
+    PFN_vkFreeMemory FreeMemory;
+    PFN_vkMapMemory MapMemory;
+    PFN_vkGetMemoryFdKHR GetMemoryFdKHR;
+  };
+
+  VulkanMemory() = default;
+  bool open(const DeviceIdentity& identity);
+  std::optional<VkMemoryRequirements> requirements(const BufferGeometry& geometry) const;
+  std::optional<uint32_t> memoryType(uint32_t allowed) const;
+
+  VkDevice device_ = VK_NULL_HANDLE;
+  VkPhysicalDeviceMemoryProperties types_{};
+  Functions call_{};
+};
+
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_LINUX_VULKAN_MEMORY_H_

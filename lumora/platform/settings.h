@@ -1,0 +1,48 @@
+// Settings of the running system: properties, the program cache directory, the system root.
+// Everything is read when needed, never at load.
+#ifndef LUMORA_PLATFORM_SETTINGS_H_
+#define LUMORA_PLATFORM_SETTINGS_H_
+
+#include <string>
+
+#include "lumora/export.h"
+
+extern "C" {
+
+/// The system property `name`, with Bionic's contract: copies at most 91 bytes and a terminator to
+/// `value`, returns the length; an absent property gives 0 and an empty value. On Linux the value
+/// is the environment variable LUMORA_PROP_<name, dots as underscores>, else the line "name=value"
+/// of the file that LUMORA_PROP_FILE names. A host program may define its own in place of this one.
+LUMORA_API int __system_property_get(const char* name, char* value);
+
+}  // extern "C"
+
+namespace lumora::platform {
+
+/// The longest property value, terminator included.
+constexpr int kPropertyValueMax = 92;
+
+/// The directory of the program binary cache, without a trailing slash: what SetCacheDirectory set,
+/// else LUMORA_CACHE_DIR, else the platform's default (Linux: "lumora" below the user's cache home;
+/// Android: "/data/GPU"). Empty where the platform knows no such place. Thread-safe.
+LUMORA_API std::string CacheDirectory();
+
+/// Sets the cache directory of this process; an empty text goes back to the environment and
+/// default.
+LUMORA_API void SetCacheDirectory(const std::string& directory);
+
+/// Creates the cache directory with its missing parents (Linux: mode 0700; Android: the directory
+/// alone, mode 0755). An existing one is left as it is. The result is not reported: a failure shows
+/// when a file in it cannot be written.
+void MakeCacheDirectory();
+
+/// The text put before "/sys" and "/system" paths: what SetSystemRoot set, else LUMORA_SYSTEM_ROOT,
+/// else empty. Thread-safe.
+LUMORA_API std::string SystemRoot();
+
+/// Sets the system root of this process; an empty text goes back to the environment and default.
+LUMORA_API void SetSystemRoot(const std::string& root);
+
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_SETTINGS_H_

@@ -1,0 +1,22 @@
+# Sources and libraries of the platform seam, for the body that LUMORA_PLATFORM names.
+#   lumora_platform_sources    paths relative to the folder of the library's CMakeLists.txt
+#   lumora_platform_libraries  what the body links to
+#   lumora_platform_rpath      run-time directories of libraries outside the loader's path
+
+set(lumora_platform_sources
+  platform/buffer_geometry.cpp
+  platform/buffer_registry.cpp
+  platform/coherence.cpp
+  platform/gl_api.cpp
+  platform/gralloc.cpp
+  platform/graphic_buffer.cpp
+  platform/pixel_digest.cpp
+  platform/settings.cpp)
+set(lumora_platform_libraries "")
+set(lumora_platform_rpath "")
+
+if(LUMORA_PLATFORM STREQUAL "linux")
+  include(${CMAKE_CURRENT_LIST_DIR}/linux/body.cmake)
+else()
+  message(FATAL_ERROR "LUMORA_PLATFORM=${LUMORA_PLATFORM}: there is no such platform body")
+endif()
