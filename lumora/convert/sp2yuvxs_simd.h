@@ -1,0 +1,22 @@
+// The texel expansion on the best vector unit of the processor at hand.
+#ifndef LUMORA_CONVERT_SP2YUVXS_SIMD_H_
+#define LUMORA_CONVERT_SP2YUVXS_SIMD_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace lumora {
+
+// How texels reach memory. Streaming stores go around the cache: better for a destination that
+// would push everything else out of it, worse for one that stays there until it is read. They
+// become visible to other threads only after hwy::FlushStream().
+enum class Stores { kCached, kStreaming };
+
+// Same arguments and same bytes as ExpandRowScalar(). Rows whose address is not a multiple of the
+// vector size are written with cached stores whatever `stores` says.
+void ExpandRow(std::uint8_t* dst, const std::uint8_t* luma, const std::uint8_t* chroma,
+               std::ptrdiff_t blocks, Stores stores);
+
+}  // namespace lumora
+
+#endif  // LUMORA_CONVERT_SP2YUVXS_SIMD_H_
