@@ -1,0 +1,50 @@
+// Logging for the library's own sources.
+//
+// A source file declares its tag once, at the top, and every log site is a priority and the exact
+// text:
+//
+//   LUMORA_LOG_TAG("Lumora");
+//   ...
+//   LOGI("FaceProcess++");
+//
+// The tag's level mask is one byte a file. It starts with bit 7 set ("not asked yet"); the first
+// log site asks the platform and keeps the answer.
+#ifndef LUMORA_GL_LOG_H_
+#define LUMORA_GL_LOG_H_
+
+#include "lumora/platform/log.h"
+
+namespace lumora {
+
+enum LogPriority : int { kLogDebug = 3, kLogInfo = 4, kLogError = 6 };
+
+/// A file's tag and its level mask.
+struct LogChannel {
+  const char* tag;  ///< null is a tag of its own
+  unsigned char mask = 0x80;
+
+  /// Whether `priority` is to be printed; asks the platform while the mask is unset.
+  bool enabled(LogPriority priority) {
+    const unsigned char levels = (mask & 0x80) != 0 ? __korvolog_init_mask(tag, -1, &mask) : mask;
+    return (levels & (1u << (priority - 2))) != 0;
+  }
+};
+
+}  // namespace lumora
+
+#define LUMORA_LOG_TAG(tag_text)                \
+  namespace {                                   \
+  ::lumora::LogChannel g_log_channel{tag_text}; \
+  }                                             \
+  static_assert(true, "")
+
+#define LUMORA_LOG(priority, ...)                                                         \
+  (g_log_channel.enabled(priority)                                                        \
+       ? static_cast<void>(__android_log_print(priority, g_log_channel.tag, __VA_ARGS__)) \
+       : static_cast<void>(0))
+
+#define LOGD(...) LUMORA_LOG(::lumora::kLogDebug, __VA_ARGS__)
+#define LOGI(...) LUMORA_LOG(::lumora::kLogInfo, __VA_ARGS__)
+#define LOGE(...) LUMORA_LOG(::lumora::kLogError, __VA_ARGS__)
+
+#endif  // LUMORA_GL_LOG_H_
