@@ -1,0 +1,2 @@
+//   g_degree  the rectification setting, -3 .. 3
+uniform float	g_degree;

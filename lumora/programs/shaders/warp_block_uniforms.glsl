@@ -1,0 +1,2 @@
+uniform vec2 u_shift;
+uniform vec2 u_scale;

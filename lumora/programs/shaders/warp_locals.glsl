@@ -1,0 +1,2 @@
+  vec2 sftCoord, twistCoord, sftCoord2, heartCoord;
+  float dist, scaledLength, dist2, ratio, closeCoord;
