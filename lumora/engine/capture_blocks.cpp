@@ -1,0 +1,190 @@
+// Blocks of a capture: copies between block and frame, and the loop that brings the processed
+// blocks back to the caller's planes.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "lumora/engine/frame_sizes.h"
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/gl/log.h"
+#include "lumora/gl/offscreen_context.h"
+#include "lumora/gl/quad.h"
+#include "lumora/platform/gl_api.h"
+
+LUMORA_LOG_TAG("Lumora");
+
+namespace android {
+namespace {
+
+constexpr size_t kPixelBytes = 4;
+constexpr int kMaxFaces = 10;
+
+constexpr uint32_t kSoftwareReadWrite =
+    lumora::platform::GRALLOC_USAGE_SW_READ_OFTEN | lumora::platform::GRALLOC_USAGE_SW_WRITE_OFTEN;
+
+/// Calls copy_row(full_offset, block_offset, bytes) for each row of a block at (x, y) of an image
+/// of full_width pixels a row; columns beyond the right edge are left out.
+template <typename CopyRow>
+void ForEachBlockRow(int x, int y, int block_width, int block_height, int full_width,
+                     CopyRow copy_row) {
+  const int columns = std::min(full_width - x, block_width);
+  if (columns <= 0) return;
+  for (int row = 0; row < block_height; ++row) {
+    const size_t full_row = static_cast<size_t>(y + row) * static_cast<size_t>(full_width);
+    const size_t block_row = static_cast<size_t>(row) * static_cast<size_t>(block_width);
+    copy_row((full_row + static_cast<size_t>(x)) * kPixelBytes, block_row * kPixelBytes,
+             static_cast<size_t>(columns) * kPixelBytes);
+  }
+}
+
+/// The part of a face's rectangle that lies in the frame, from even to exclusive coordinates.
+struct BlockRange {
+  int x0, y0, x1, y1;
+};
+
+BlockRange ClipToFrame(const FaceProcessRect& face, int frame_width, int frame_height) {
+  const auto end = [](int start, int length, int limit) {
+    return static_cast<int>(std::min<int64_t>(int64_t{start} + length, limit));
+  };
+  // Even origins keep chroma pairs and rows whole.
+  const auto start = [](int position) {
+    return static_cast<int>((int64_t{std::max(position, 0)} + 1) & ~int64_t{1});
+  };
+  return {start(face.X), start(face.Y), end(face.X, face.Width, frame_width),
+          end(face.Y, face.Height, frame_height)};
+}
+
+}  // namespace
+
+void GPUBeautyFace::BlockCopyRGBA8888(const unsigned char* pBlock, unsigned char* pFull, int x,
+                                      int y, int blockWidth, int blockHeight, int fullWidth,
+                                      int /*unused*/) {
+  ForEachBlockRow(x, y, blockWidth, blockHeight, fullWidth,
+                  [=](size_t full, size_t block, size_t bytes) {
+                    std::memcpy(pFull + full, pBlock + block, bytes);
+                  });
+}
+
+void GPUBeautyFace::BlockCopyRGBA8888DrawBack(const unsigned char* pFull, unsigned char* pBlock,
+                                              int x, int y, int blockWidth, int blockHeight,
+                                              int fullWidth, int /*unused*/) {
+  ForEachBlockRow(x, y, blockWidth, blockHeight, fullWidth,
+                  [=](size_t full, size_t block, size_t bytes) {
+                    std::memcpy(pBlock + block, pFull + full, bytes);
+                  });
+}
+
+int GPUBeautyFace::BlockCopyYUV(unsigned char* pDstYStart, unsigned char* pDstUVStart, int stride,
+                                int /*unused*/, int x, int y, int width, int rows) {
+  if (m_pYYYYImage == nullptr || m_pUVUVImage == nullptr) {
+    LOGE("[%s] program or image is missing", "BlockCopyYUV");
+    return 0;
+  }
+  m_pYYYYImage->Unlock();
+  m_pUVUVImage->Unlock();
+  if (pDstYStart == nullptr || pDstUVStart == nullptr) {
+    LOGE("[%s] pDstYStart (%u) or pDstUVStart (%u) is NULL\n", "BlockCopyYUV",
+         static_cast<unsigned>(reinterpret_cast<uintptr_t>(pDstYStart)),
+         static_cast<unsigned>(reinterpret_cast<uintptr_t>(pDstUVStart)));
+    return 0;
+  }
+  const unsigned char* luma = m_pYYYYImage->Lock();
+  const unsigned char* chroma = m_pUVUVImage->Lock();
+  if (luma == nullptr || chroma == nullptr) return 0;
+
+  const int columns = std::min(width, m_nYYYYWidth);
+  if (columns <= 0) return 1;
+  const auto bytes = static_cast<size_t>(columns);
+  const int last_row = std::min(rows, m_nYYYYHeight);
+  const int chroma_rows =
+      m_nFullHeight / 2;  // a frame of odd height has no chroma for its last row
+  for (int row = 0; row < last_row; ++row) {
+    const ptrdiff_t frame_row = y + row;
+    std::memcpy(pDstYStart + frame_row * stride + x,
+                luma + static_cast<ptrdiff_t>(row) * m_nYYYYWidth, bytes);
+    if (frame_row % 2 == 0 && frame_row / 2 < chroma_rows) {
+      std::memcpy(pDstUVStart + (frame_row / 2) * stride + x,
+                  chroma + static_cast<ptrdiff_t>(row / 2) * m_nUVUVWidth, bytes);
+    }
+  }
+  return 1;
+}
+
+int GPUBeautyFace::CopyMemYUVfromSrcTextureLarge(void* pDstY, void* pDstUV, int /*unused*/,
+                                                 int nFaces) {
+  if (nFaces > kMaxFaces) {
+    LOGE("[%s] %d faces, only %d are processed", "CopyMemYUVfromSrcTextureLarge", nFaces,
+         kMaxFaces);
+    nFaces = kMaxFaces;
+  }
+  for (int i = 0; i < nFaces; ++i) {
+    if (!m_bColorCvtMode) return 0;
+    const FaceProcessRect& face = m_rcFaceProcess[i];
+    const int twentieth = m_nFullHeight / 20;
+    if (face.Width / twentieth == 0 || face.Height / twentieth == 0) continue;
+    if (!CopyFaceBlocks(static_cast<unsigned char*>(pDstY), static_cast<unsigned char*>(pDstUV),
+                        face)) {
+      return 0;
+    }
+  }
+  return 1;
+}
+
+bool GPUBeautyFace::CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV,
+                                   const FaceProcessRect& face) {
+  if (m_bLargeCapture) {
+    if (m_spLargeBuffer) m_spLargeBuffer->unlock();
+  } else if (m_pWorkImage[1] != nullptr) {
+    m_pWorkImage[1]->Unlock();
+  }
+  m_nResultIdx = m_bLargeCapture ? 2 : 1;
+  LOGD("[CopyMemYUVfromSrcTextureLarge]process block");
+
+  const BlockRange range = ClipToFrame(face, m_nFullWidth, m_nFullHeight);
+  for (int y = range.y0; y < range.y1; y += m_nSrcHeight) {
+    const int rows = std::min(m_nFullHeight - y, m_nSrcHeight);
+    for (int x = range.x0; x < range.x1; x += m_nSrcWidth) {
+      const int columns = std::min(m_nFullWidth - x, m_nSrcWidth);
+      if (!PrepareBlockSource(x, y, rows)) return false;
+      if (DrawColorConvertHSI2YUV() == 0 || DrawRGBtoYY(-1) == 0 || DrawRGBtoUV(-1) == 0) {
+        return false;
+      }
+      glFlush();
+      glFinish();
+      if (BlockCopyYUV(pDstY, pDstUV, m_nFullWidth, m_nFullHeight, x, y, columns, rows) == 0) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+bool GPUBeautyFace::PrepareBlockSource(int x, int y, int rows) {
+  const int full_stride = lumora::RoundUpTo32(m_nFullWidth);
+  if (!m_bLargeCapture) {
+    // The whole frame is a texture: the block is a rectangle of it.
+    const auto width = static_cast<float>(full_stride);
+    const auto height = static_cast<float>(m_nFullHeight);
+    lumora::quad::SetTextureRectangle(static_cast<float>(x) / width, static_cast<float>(y) / height,
+                                      static_cast<float>(x + m_nSrcWidth) / width,
+                                      static_cast<float>(y + m_nSrcHeight) / height);
+    return true;
+  }
+  void* store = nullptr;
+  if (!m_spLargeBuffer || m_pWorkImage[2] == nullptr ||
+      m_spLargeBuffer->lock(kSoftwareReadWrite, &store) < 0 || store == nullptr) {
+    LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
+    return false;
+  }
+  if (unsigned char* block = m_pWorkImage[2]->Lock()) {
+    BlockCopyRGBA8888DrawBack(static_cast<const unsigned char*>(store), block, x, y,
+                              lumora::RoundUpTo32(m_nSrcWidth), rows, full_stride, m_nFullHeight);
+    m_pWorkImage[2]->Unlock();
+  }
+  m_spLargeBuffer->unlock();
+  lumora::quad::ResetTextureCoordinates();
+  return true;
+}
+
+}  // namespace android

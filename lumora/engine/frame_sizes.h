@@ -1,0 +1,52 @@
+// Sizes that follow from a frame's size.
+#ifndef LUMORA_ENGINE_FRAME_SIZES_H_
+#define LUMORA_ENGINE_FRAME_SIZES_H_
+
+namespace lumora {
+
+/// Rows of graphic buffers are multiples of 32 pixels.
+constexpr int RoundUpTo32(int value) {
+  return (value + 31) & ~31;
+}
+
+constexpr int RoundUpToEven(int value) {
+  return (value + 1) & ~1;
+}
+
+/// Width of the packed targets in samples: four samples a texel, rows of whole 32 texels.
+constexpr int PackedWidth(int frame_width) {
+  return RoundUpTo32(frame_width >> 2) * 4;
+}
+
+/// The size that a capture is processed at.
+struct WorkingSize {
+  int width;
+  int height;
+};
+
+/// Captures above 1280 pixels across go in square blocks, smaller ones at once as far as they fit.
+constexpr WorkingSize CaptureWorkingSize(int width, int height) {
+  constexpr int kWholeFrameLimit = 1280;
+  constexpr int kBlock = 384;
+  constexpr int kMaxWidth = 2048;
+  constexpr int kMaxHeight = 1536;
+  if (width > kWholeFrameLimit) return {kBlock, kBlock};
+  return {width < kMaxWidth ? width : kMaxWidth, height < kMaxHeight ? height : kMaxHeight};
+}
+
+/// Whether a capture is too large for one texture of the whole frame.
+constexpr bool IsLargeCapture(int width, int height) {
+  constexpr unsigned kMaxTexture = 4096;
+  return static_cast<unsigned>(width) > kMaxTexture || static_cast<unsigned>(height) > kMaxTexture;
+}
+
+/// Whether the frame is laid across: the source is narrower in shape than the result.
+inline bool LiesAcross(int src_width, int src_height, int proc_width, int proc_height) {
+  const float source = static_cast<float>(src_width) / static_cast<float>(src_height);
+  const float result = static_cast<float>(proc_width) / static_cast<float>(proc_height);
+  return source - result < 0;
+}
+
+}  // namespace lumora
+
+#endif  // LUMORA_ENGINE_FRAME_SIZES_H_

@@ -1,0 +1,257 @@
+// Construction and destruction of the engine, set-up and release of its two paths.
+#include <cstdlib>
+#include <initializer_list>
+
+#include "lumora/engine/frame_sizes.h"
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/gl/log.h"
+#include "lumora/gl/offscreen_context.h"
+#include "lumora/platform/gl_api.h"
+#include "lumora/platform/settings.h"
+
+LUMORA_LOG_TAG("Lumora");
+
+namespace android {
+namespace {
+
+constexpr GLuint kNoName = static_cast<GLuint>(-1);
+
+/// Whether the programs are to paint their diagnostic marks: the property's value is exactly 1.
+bool ReadShowMask() {
+  char value[lumora::platform::kPropertyValueMax] = {};
+  if (__system_property_get("persist.debug.camera.showmask", value) <= 0) return false;
+  return std::strtol(value, nullptr, 10) == 1;
+}
+
+void DeleteFramebuffer(GLuint& fbo) {
+  if (fbo == kNoName) return;
+  glDeleteFramebuffers(1, &fbo);
+  fbo = kNoName;
+}
+
+void DeleteProgram(GLProgram*& program) {
+  delete program;
+  program = nullptr;
+}
+
+/// Destroys the images that exist, then deletes them.
+void DestroyImages(std::initializer_list<SEGLImage**> images) {
+  for (SEGLImage** image : images) {
+    if (*image != nullptr) (*image)->Destroy();
+  }
+  for (SEGLImage** image : images) {
+    delete *image;
+    *image = nullptr;
+  }
+}
+
+void DeletePlaneTexture(GLuint& texture) {
+  if (texture == kNoName) return;
+  glDeleteTextures(1, &texture);
+  texture = kNoName;
+}
+
+}  // namespace
+
+GPUBeautyFace::GPUBeautyFace()
+    : m_eglDisplay(EGL_NO_DISPLAY),
+      m_eglConfig(nullptr),
+      m_eglSurface(EGL_NO_SURFACE),
+      m_eglContext(EGL_NO_CONTEXT),
+      m_bEGLReady(false),
+      m_nSrcWidth(-1),
+      m_nSrcHeight(-1),
+      m_nProcWidth(-1),
+      m_nProcHeight(-1),
+      m_nYYYYWidth(-1),
+      m_nYYYYHeight(-1),
+      m_nUVUVWidth(-1),
+      m_nUVUVHeight(-1),
+      m_nAlignedWidth(-1),
+      m_nAlignedHeight(-1),
+      m_nFullWidth(-1),
+      m_nFullHeight(-1),
+      m_hYYYYFbo(kNoName),
+      m_hUVUVFbo(kNoName),
+      m_hWorkFbo{kNoName, kNoName, kNoName},
+      m_hRGBFbo(kNoName),
+      m_pWorkImage{},
+      m_pRGBImage(nullptr),
+      m_pYYYYImage(nullptr),
+      m_pUVUVImage(nullptr),
+      m_nResultIdx(0),
+      m_pProgRGBtoY(nullptr),
+      m_pProgRGBtoUV(nullptr),
+      m_pProgCheekSlimmer(nullptr),
+      m_pProgYUV2RGB(nullptr),
+      m_pProgRGB2HSI(nullptr),
+      m_pProgHSI2YUV(nullptr),
+      m_pProgFaceWhitening(nullptr),
+      m_pProgYUV2HSI(nullptr),
+      m_pProgRectification(nullptr),
+      m_pProgRadialDistortion(nullptr),
+      m_bColorCvtMode(false),
+      m_bRotate(true),
+      m_bIsInit(false),
+      m_bLargeCapture(false),
+      m_hYTexture(kNoName),
+      m_hCbCrTexture(kNoName),
+      m_bShowMask(false),
+      m_bDisplayReferenced(false) {
+  LOGI("GPUBeautyFace()+");
+  const bool ready = lumora::CreateOffscreenContext(
+      EglHandles(), [](const char* step) { LOGD("[%s] %s successfully", "GPUBeautyFace", step); });
+  if (!ready) return;
+  m_bEGLReady = true;
+  LOGI("GPUBeautyFace()-");
+}
+
+GPUBeautyFace::~GPUBeautyFace() {
+  LOGI("~GPUBeautyFace()+");
+  if (m_bIsInit) DeInit();
+  lumora::DestroyOffscreenContext(
+      EglHandles(), [](const char* step) { LOGI("[%s] %s", "~GPUBeautyFace", step); });
+  m_bEGLReady = false;
+  LOGI("~GPUBeautyFace()-");
+  m_spLargeBuffer.clear();
+}
+
+lumora::OffscreenHandles GPUBeautyFace::EglHandles() {
+  return {m_eglDisplay, m_eglConfig, m_eglSurface, m_eglContext, m_bDisplayReferenced};
+}
+
+void GPUBeautyFace::SetSizes(int src_width, int src_height, int proc_width, int proc_height) {
+  m_nSrcWidth = src_width;
+  m_nSrcHeight = src_height;
+  m_nProcWidth = proc_width;
+  m_nProcHeight = proc_height;
+  m_nYYYYWidth = m_nUVUVWidth = lumora::PackedWidth(proc_width);
+  m_nYYYYHeight = proc_height;
+  m_nUVUVHeight = proc_height / 2;
+  m_nAlignedHeight = proc_height;
+}
+
+int GPUBeautyFace::Init(int nSrcImageWidth, int nSrcImageHeight, int procWidth, int procHeight,
+                        int* pStride, bool colorCvt) {
+  LOGD("[CAMIN] Lumora 2012/05/17 Init+");
+  LOGD("(nSrcImageWidth, nSrcImageHeight) = (%d, %d)", nSrcImageWidth, nSrcImageHeight);
+  if (m_bIsInit) DeInit();
+  m_bShowMask = ReadShowMask();
+
+  SetSizes(nSrcImageWidth, nSrcImageHeight, procWidth, procHeight);
+  m_nAlignedWidth = lumora::RoundUpTo32(procWidth);
+  m_nFullWidth = nSrcImageWidth;
+  m_nFullHeight = nSrcImageHeight;
+  m_bRotate = lumora::LiesAcross(nSrcImageWidth, nSrcImageHeight, procWidth, procHeight);
+
+  InitTexture();
+  m_bColorCvtMode = colorCvt;
+  if (colorCvt) {
+    if (pStride != nullptr) *pStride = lumora::RoundUpTo32(nSrcImageWidth);
+    InitColorCvtShader();
+  }
+  InitShader();
+
+  m_bLargeCapture = false;
+  m_nResultIdx = 2;
+  m_bIsInit = true;
+  LOGD("[CAMIN] Lumora 2012/05/17 Init-");
+  return 1;
+}
+
+int GPUBeautyFace::InitCapture(void* pY, void* pCbCr, int width, int height, int* pStride,
+                               bool blockMode) {
+  LOGI("[CAMIN] Lumora 2012/05/17 InitCapture+");
+  m_bShowMask = ReadShowMask();
+
+  const lumora::WorkingSize working = lumora::CaptureWorkingSize(width, height);
+  SetSizes(working.width, working.height, working.width, working.height);
+  m_nAlignedWidth = working.width;
+  m_nFullWidth = width;
+  m_nFullHeight = height;
+  // A capture is compared with itself, so it is never laid across.
+  m_bRotate = lumora::LiesAcross(width, height, width, height);
+  m_bLargeCapture = lumora::IsLargeCapture(width, height);
+
+  m_bColorCvtMode = blockMode;
+  if (blockMode) {
+    if (pStride != nullptr) *pStride = lumora::RoundUpTo32(width);
+    InitTextureLarge(width, height);
+  } else {
+    InitTextureLarge(pY, pCbCr, width, height);
+  }
+  InitShaderLarge();
+  m_bIsInit = true;
+  LOGI("[CAMIN] Lumora 2012/05/17 InitCapture-");
+  return 1;
+}
+
+int GPUBeautyFace::DeInit() {
+  LOGD("[CAMIN] Lumora 2012/05/17 DeInit+");
+  DeleteFramebuffer(m_hYYYYFbo);
+  DeleteFramebuffer(m_hUVUVFbo);
+  for (GLuint& fbo : m_hWorkFbo) DeleteFramebuffer(fbo);
+  DeleteFramebuffer(m_hRGBFbo);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+
+  DeleteProgram(m_pProgRGBtoY);
+  DeleteProgram(m_pProgRGBtoUV);
+  DeleteProgram(m_pProgCheekSlimmer);
+  DeleteProgram(m_pProgFaceWhitening);
+  DeleteProgram(m_pProgRectification);
+  DeleteProgram(m_pProgRadialDistortion);
+  if (m_bColorCvtMode) {
+    DeleteProgram(m_pProgHSI2YUV);
+    DeleteProgram(m_pProgYUV2RGB);
+    DeleteProgram(m_pProgRGB2HSI);
+  }
+
+  DestroyImages({&m_pRGBImage});
+  for (SEGLImage*& image : m_pWorkImage) DestroyImages({&image});
+  DestroyImages({&m_pYYYYImage, &m_pUVUVImage});
+
+  glFlush();
+  glFinish();
+  m_bLargeCapture = false;
+  m_bIsInit = false;
+  LOGD("[CAMIN] Lumora 2012/05/17 DeInit-");
+  return 1;
+}
+
+int GPUBeautyFace::DeInitCapture() {
+  LOGD("[CAMIN] Lumora 2012/05/17  DeInitCapture+");
+  DeleteFramebuffer(m_hYYYYFbo);
+  DeleteFramebuffer(m_hUVUVFbo);
+  DeleteFramebuffer(m_hWorkFbo[0]);
+  if (m_bColorCvtMode) {
+    DeleteFramebuffer(m_hRGBFbo);
+    DeleteFramebuffer(m_hWorkFbo[1]);
+    DeleteFramebuffer(m_hWorkFbo[2]);
+  }
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+
+  DeleteProgram(m_pProgRGBtoY);
+  DeleteProgram(m_pProgRGBtoUV);
+  DeleteProgram(m_pProgCheekSlimmer);
+  DeleteProgram(m_pProgFaceWhitening);
+  DeleteProgram(m_pProgYUV2HSI);
+  DeleteProgram(m_pProgHSI2YUV);
+
+  if (m_bColorCvtMode) {
+    DestroyImages({&m_pRGBImage, &m_pWorkImage[1], &m_pWorkImage[2]});
+  } else {
+    DeletePlaneTexture(m_hYTexture);
+    DeletePlaneTexture(m_hCbCrTexture);
+  }
+  DestroyImages({&m_pWorkImage[0], &m_pYYYYImage, &m_pUVUVImage});
+
+  glFlush();
+  glFinish();
+  m_bColorCvtMode = false;
+  m_bLargeCapture = false;
+  m_bIsInit = false;
+  LOGD("[CAMIN] Lumora 2012/05/17 DeInitCapture-");
+  return 1;
+}
+
+}  // namespace android

@@ -1,0 +1,29 @@
+// One drawing pass of the engine, as named fields.
+#ifndef LUMORA_ENGINE_PASS_H_
+#define LUMORA_ENGINE_PASS_H_
+
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/gl/quad.h"
+
+namespace android {
+
+/// A full-screen quad from one image into a framebuffer. The exceptions are the fields with
+/// defaults.
+struct GPUBeautyFace::Pass {
+  const char* name;  ///< the function that draws it, for the log
+  GLProgram* program;
+  const SEGLImage* source;
+  GLuint target;  ///< framebuffer
+  int width;      ///< viewport, pixels
+  int height;
+  const float* positions = lumora::quad::kPositions;
+  /// Filter to set on whatever texture is bound before the program binds its input; 0 sets none. It
+  /// therefore takes effect on that texture's next use, not on this pass's own source.
+  GLint filter = 0;
+  /// Draw at the texture coordinates of the moment instead of the whole texture.
+  bool keep_coordinates = false;
+};
+
+}  // namespace android
+
+#endif  // LUMORA_ENGINE_PASS_H_

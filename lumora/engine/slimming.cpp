@@ -1,0 +1,112 @@
+// Face slimming of preview frames.
+#include "lumora/engine/pass.h"
+#include "lumora/engine/warp_parameters.h"
+#include "lumora/gl/log.h"
+#include "lumora/gl/offscreen_context.h"
+#include "lumora/platform/gl_api.h"
+#include "lumora/programs/cheek_slimmer_programs.h"
+
+LUMORA_LOG_TAG("Lumora");
+
+namespace android {
+
+int GPUBeautyFace::SetParameters(int loc_x, int loc_y, int dist, int roll, int chin_dist,
+                                 int Beauty_Level, int shapetype, bool bLarge,
+                                 float dist_level_ratio) {
+  auto* program = static_cast<GLProgWarp*>(m_pProgCheekSlimmer);
+  if (program == nullptr) {
+    LOGE("[%s] program or image is missing", "SetParameters");
+    return 0;
+  }
+  const lumora::FaceMeasures face{loc_x, loc_y, dist, chin_dist, roll, shapetype};
+  const lumora::WarpRequest request{bLarge ? m_nFullWidth : m_nSrcWidth,
+                                    bLarge ? m_nFullHeight : m_nSrcHeight,
+                                    Beauty_Level,
+                                    dist_level_ratio,
+                                    bLarge,
+                                    m_bColorCvtMode};
+  const lumora::WarpParameters warp = lumora::ComputeWarp(face, request);
+  LOGI("dist_level = %.2f, dist_level_ratio = %.2f", static_cast<double>(warp.told_strength),
+       static_cast<double>(dist_level_ratio));
+
+  // A face without measures leaves the previous warp in place.
+  if (warp.valid) {
+    program->m_fvController[0] = warp.centre_x;
+    program->m_fvController[1] = warp.centre_y;
+    program->m_fvController[2] = warp.strength;
+    program->m_fvController[3] = warp.radius;
+    program->m_fvAngleLimiter[0] = warp.limiter_direction;
+    program->m_fvAngleLimiter[1] = warp.limiter_distance;
+    program->m_fvAngleLimiter[2] = warp.limiter_scale;
+  }
+  if (!bLarge) {
+    program->m_fAspectRatio = static_cast<float>(m_nSrcHeight) / static_cast<float>(m_nSrcWidth);
+  }
+  LOGI(
+      "loc_x = %d, loc_y = %d, dist = %d, roll =%d, chin_dist = %d, Beauty_Level = %d, "
+      "shapetype = %d",
+      loc_x, loc_y, dist, roll, chin_dist, Beauty_Level, shapetype);
+  return 1;
+}
+
+int GPUBeautyFace::SetCheekSlimmerParameters(FACE_INFO_t face, int level, bool bLarge) {
+  const bool measured = face.dist_valid >= 1;
+  const int dist = measured ? face.dist : -1;
+  const int chin_dist = measured ? face.chin_dist : -1;
+  LOGI("dist = %d, chin_dist = %d, chin_dist / dist = %f", dist, chin_dist,
+       static_cast<double>(static_cast<float>(chin_dist) / static_cast<float>(dist)));
+  return SetParameters(face.loc_x, face.loc_y, dist, face.roll, chin_dist, level, face.shapetype,
+                       bLarge, face.dist_level_ratio);
+}
+
+int GPUBeautyFace::DrawFaceDist(int index) {
+  if (index < 0) return 0;
+  return RunPass({"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index), m_hWorkFbo[index % 2],
+                  m_nAlignedWidth, m_nAlignedHeight});
+}
+
+int GPUBeautyFace::BeginPreviewFrame(void* in) {
+  if (m_pRGBImage == nullptr) {
+    LOGE("[SetSrcImage]g_pSrcTexture is not initiated");
+    return 0;
+  }
+  if (!m_bIsInit) {
+    LOGI("!m_bIsInit");
+    return 0;
+  }
+  // In colour-convert mode the input image is filled already.
+  if (m_bColorCvtMode) return 1;
+  return LoadPreviewFrameBuffer(in);
+}
+
+int GPUBeautyFace::FinishPreviewFrame(void* in, void* out, int packed_source) {
+  if (DrawRGBtoYY(packed_source) == 0 || DrawRGBtoUV(packed_source) == 0) return 0;
+  glFlush();
+  glFinish();
+  return MemcpyYUV(in, out);
+}
+
+int GPUBeautyFace::FaceProcess(void* in, void* out, int level, FACE_INFO_t face, int /*unused*/) {
+  LOGI("FaceProcess++");
+  if (BeginPreviewFrame(in) == 0) return 0;
+  if (SetCheekSlimmerParameters(face, level, false) == 0 || DrawFaceDist(0) == 0 ||
+      FinishPreviewFrame(in, out, 1) == 0) {
+    return 0;
+  }
+  LOGI("FaceProcess--");
+  return 1;
+}
+
+int GPUBeautyFace::FaceProcessMultiface(void* in, void* out, int level, FACE_INFO_t* faces,
+                                        int count, int /*unused*/) {
+  LOGI("FaceProcess+");
+  if (BeginPreviewFrame(in) == 0) return 0;
+  for (int i = 0; i < count; ++i) {
+    if (SetCheekSlimmerParameters(faces[i], level, false) == 0 || DrawFaceDist(i) == 0) return 0;
+  }
+  if (FinishPreviewFrame(in, out, count) == 0) return 0;
+  LOGI("FaceProcess-");
+  return 1;
+}
+
+}  // namespace android
