@@ -1,0 +1,38 @@
+// A slow model of sp2yuvxs() that follows its row arithmetic one byte at a time.
+#ifndef TESTS_CONVERT_SP2YUVXS_MODEL_H_
+#define TESTS_CONVERT_SP2YUVXS_MODEL_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <vector>
+
+// Bytes on both sides of an origin. Offsets outside throw std::out_of_range.
+class Arena {
+ public:
+  explicit Arena(std::size_t bytes_on_each_side)
+      : bytes_(2 * bytes_on_each_side), origin_(bytes_on_each_side) {}
+
+  std::uint8_t& operator[](long offset) {
+    return bytes_.at(origin_ + static_cast<std::size_t>(offset));
+  }
+  std::uint8_t* origin() { return bytes_.data() + origin_; }
+  std::vector<std::uint8_t>& bytes() { return bytes_; }
+
+ private:
+  std::vector<std::uint8_t> bytes_;
+  std::size_t origin_;
+};
+
+enum class Form { kA, kB, kC };
+
+// The arguments of a call, in the order of form C; dstHeight is not used by form A.
+struct Geometry {
+  int dstStride, dstHeight, srcStride, srcHeight, x, y, w, h;
+};
+std::ostream& operator<<(std::ostream& out, const Geometry& g);
+
+// What the call does to `dst`. In forms A and B, `chroma` is the same arena as `luma`.
+void ModelSp2yuvxs(Form form, Arena& dst, Arena& luma, Arena& chroma, const Geometry& g);
+
+#endif  // TESTS_CONVERT_SP2YUVXS_MODEL_H_

@@ -1,0 +1,84 @@
+// A graphic buffer with its EGL image, texture and framebuffer, as the library's images have them.
+#ifndef LUMORA_TESTS_PLATFORM_TEST_IMAGE_H_
+#define LUMORA_TESTS_PLATFORM_TEST_IMAGE_H_
+
+#include <GLES2/gl2.h>
+
+#include <cstdint>
+#include <string>
+
+#include "lumora/platform/gl_api.h"
+#include "lumora/platform/graphic_buffer.h"
+#include "reference/image.h"
+#include "support/gl_test.h"
+#include "support/scoped.h"
+
+namespace lumora::test {
+
+/// Needs a current context; leaves its texture and framebuffer bound.
+class TestImage {
+ public:
+  TestImage(int width, int height);
+  ~TestImage();
+  TestImage(const TestImage&) = delete;
+  TestImage& operator=(const TestImage&) = delete;
+
+  platform::GraphicBuffer& buffer() { return *buffer_; }
+  GLuint texture() const { return texture_; }
+  GLuint framebuffer() const { return framebuffer_; }
+
+  /// Writes the picture through `address`, which has the buffer's rows.
+  void write(unsigned char* address, const reference::Image& picture) const;
+  /// Locks, writes, unlocks.
+  void upload(const reference::Image& picture);
+  /// Locks and reads.
+  reference::Image read();
+
+  /// Ends the EGL image and forgets texture and framebuffer, as when their context has gone.
+  void abandonContext(EGLDisplay display);
+  /// The buffer's last reference goes.
+  void dropBuffer() { buffer_.clear(); }
+
+ private:
+  const int width_;
+  const int height_;
+  platform::sp<platform::GraphicBuffer> buffer_;
+  EGLImageKHR image_ = EGL_NO_IMAGE_KHR;
+  GLuint texture_ = 0;
+  GLuint framebuffer_ = 0;
+};
+
+/// Whether a draw is announced by BeforeDraw.
+enum class Notice { Announced, Silent };
+
+/// Fills the image's framebuffer with one colour.
+void Clear(const TestImage& image, unsigned char level, Notice notice = Notice::Announced);
+
+/// Draws `texture` over the whole image; texture coordinates run from `first` to `last`.
+void Draw(GLuint texture, const TestImage& image, int width, int height, float first = 0.0f,
+          float last = 1.0f);
+
+/// A picture whose every pixel is different from its neighbours; `seed` gives another one.
+reference::Image Pattern(int width, int height, unsigned seed);
+/// A picture of one level in all four channels.
+reference::Image Plain(int width, int height, unsigned char level);
+
+/// A context, with one kind of buffers forced. Skipped where the kind is not available.
+class BufferTest : public GlTest, public testing::WithParamInterface<platform::BufferKind> {
+ protected:
+  void SetUp() override;
+
+ private:
+  const ScopedEnvironment forced_{"LUMORA_BUFFER", platform::BufferKindName(GetParam())};
+};
+
+inline const auto kBufferKinds =
+    testing::Values(platform::BufferKind::Staged, platform::BufferKind::MemoryObject);
+
+inline std::string KindName(const testing::TestParamInfo<platform::BufferKind>& info) {
+  return platform::BufferKindName(info.param);
+}
+
+}  // namespace lumora::test
+
+#endif  // LUMORA_TESTS_PLATFORM_TEST_IMAGE_H_
