@@ -1,0 +1,76 @@
+// Faces as the pipeline takes them: plain values in pixels of the frame.
+#ifndef LUMORA_PIPELINE_FACE_H_
+#define LUMORA_PIPELINE_FACE_H_
+
+#include "pipeline/export.h"
+
+namespace lumora {
+
+/// A point in pixels: x to the right, y down, (0, 0) the outer corner of the first pixel.
+struct PointF {
+  float x = 0;
+  float y = 0;
+};
+
+/// A rectangle in pixels.
+struct RectF {
+  float x = 0;
+  float y = 0;
+  float width = 0;
+  float height = 0;
+};
+
+/// Four points that span an ellipse around a feature: the ends of its two axes.
+struct FeatureBox {
+  PointF left, right, top, bottom;
+};
+
+/// The landmarks of one face. "Left" and "right" are the viewer's, for an upright face; for a
+/// turned face they turn with it.
+struct FaceLandmarks {
+  FeatureBox left_eye, right_eye;
+  FeatureBox left_brow, right_brow;
+  FeatureBox mouth;
+  PointF nasion;  ///< root of the nose, between the eyes
+  PointF nose_tip;
+  PointF chin;                       ///< lowest point of the chin
+  PointF left_temple, right_temple;  ///< edge of the face at the height of the eyes
+  PointF left_jaw, right_jaw;        ///< edge of the face at the height of the mouth
+};
+
+/// One detected face.
+struct Face {
+  RectF box;               ///< as the detector gave it
+  float roll_degrees = 0;  ///< rotation in the image plane, clockwise as seen; 0 is upright
+  FaceLandmarks landmarks;
+};
+
+/// A face from the centres of its eyes alone: the canonical face, moved, turned and scaled so that
+/// its eyes fall on the given ones. `box` becomes the bounds of the landmarks.
+LUMORA_PIPELINE_API Face FaceFromEyes(PointF left_eye, PointF right_eye);
+
+/// A face from an upright box as face detectors give it (about from the middle of the forehead
+/// to the chin), with the eyes at their usual places inside.
+LUMORA_PIPELINE_API Face FaceFromBox(const RectF& box);
+
+/// A face from the 68 points of the iBUG annotation.
+LUMORA_PIPELINE_API Face FaceFromIbug68(const PointF (&points)[68]);
+
+/// A face from the first 468 points of a face mesh (meshes of 468 and 478 points share them).
+LUMORA_PIPELINE_API Face FaceFromMesh468(const PointF (&points)[468]);
+
+/// The circle in which slimming moves pixels, in pixels of the frame.
+struct WarpCircle {
+  PointF centre;
+  float radius = 0;
+  PointF towards;  ///< unit vector from the face centre to the chin: the side that is moved most
+};
+
+/// Where slimming will act for this face in a frame of that size. Pixels farther from the centre
+/// than the radius keep their values. The radius is 0 for a face that cannot be slimmed: one whose
+/// centre lies outside the frame, or whose cheeks or chin coincide with it.
+LUMORA_PIPELINE_API WarpCircle SlimmingCircle(const Face& face, int frame_width, int frame_height);
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_FACE_H_

@@ -1,0 +1,83 @@
+#include "pipeline/frame_check.h"
+
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "pipeline/frame_layout.h"
+#include "pipeline/landmarks.h"
+#include "pipeline/status.h"
+
+namespace lumora {
+namespace {
+
+Status Invalid(std::string message) {
+  return Failure(StatusCode::InvalidArgument, std::move(message));
+}
+
+std::string SizeText(int width, int height) {
+  return std::to_string(width) + " x " + std::to_string(height);
+}
+
+/// `which` is "input" or "output".
+template <typename Byte>
+Status CheckFrame(const BasicFrameView<Byte>& frame, const std::string& which) {
+  const std::string subject = "the " + which + " frame";
+  switch (frame.format) {
+    case PixelFormat::NV21:
+    case PixelFormat::NV12:
+    case PixelFormat::I420:
+      break;
+    default:
+      return Invalid(subject + " has an unknown pixel format (" +
+                     std::to_string(static_cast<int>(frame.format)) + ")");
+  }
+  if (frame.width < kSmallestSide || frame.height < kSmallestSide) {
+    return Invalid(subject + " is " + SizeText(frame.width, frame.height) +
+                   " pixels, but at least " + SizeText(kSmallestSide, kSmallestSide) +
+                   " are needed");
+  }
+  if (frame.width > kLargestSide || frame.height > kLargestSide) {
+    return Failure(StatusCode::TooLarge, subject + " is " + SizeText(frame.width, frame.height) +
+                                             " pixels, but at most " +
+                                             std::to_string(kLargestSide) +
+                                             " are possible in each direction");
+  }
+  for (size_t plane = 0; plane < PlaneCount(frame.format); ++plane) {
+    const std::string part = "plane " + std::to_string(plane) + " of " + subject;
+    if (frame.planes[plane] == nullptr) return Invalid(part + " is null");
+    const int row_bytes = RowBytes(frame.format, plane, frame.width);
+    if (frame.strides[plane] < row_bytes) {
+      return Invalid(part + " has a stride of " + std::to_string(frame.strides[plane]) +
+                     " bytes, but its rows hold " + std::to_string(row_bytes));
+    }
+    if (frame.strides[plane] > std::numeric_limits<int>::max()) {
+      return Invalid(part + " has a stride of " + std::to_string(frame.strides[plane]) +
+                     " bytes, which is more than can be addressed");
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+Status CheckArguments(const ConstFrameView& in, const FrameView& out,
+                      const std::vector<Face>& faces, const Look& look) {
+  if (Status status = CheckFrame(in, "input"); !status.ok()) return status;
+  if (Status status = CheckFrame(out, "output"); !status.ok()) return status;
+  if (in.width != out.width || in.height != out.height) {
+    return Invalid("the input frame is " + SizeText(in.width, in.height) +
+                   " pixels, but the output frame is " + SizeText(out.width, out.height));
+  }
+  if (look.slim < 0 || look.slim > 100) {
+    return Invalid("slim is " + std::to_string(look.slim) + ", but its range is 0 to 100");
+  }
+  for (size_t i = 0; i < faces.size(); ++i) {
+    if (!IsFinite(faces[i])) {
+      return Invalid("face " + std::to_string(i) + " holds a number that is not finite");
+    }
+  }
+  return {};
+}
+
+}  // namespace lumora

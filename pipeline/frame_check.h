@@ -1,0 +1,24 @@
+// The checks that come before any work on a frame.
+#ifndef LUMORA_PIPELINE_FRAME_CHECK_H_
+#define LUMORA_PIPELINE_FRAME_CHECK_H_
+
+#include <vector>
+
+#include "pipeline/face.h"
+#include "pipeline/frame.h"
+#include "pipeline/pipeline.h"
+
+namespace lumora {
+
+/// The smallest frame, in both directions.
+constexpr int kSmallestSide = 32;
+/// The largest frame that can be addressed, in both directions; drivers usually allow less.
+constexpr int kLargestSide = 32768;
+
+/// Whether Process can work with these arguments. Reads no sample.
+Status CheckArguments(const ConstFrameView& in, const FrameView& out,
+                      const std::vector<Face>& faces, const Look& look);
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_FRAME_CHECK_H_

@@ -1,0 +1,113 @@
+// What is refused before any work, and with which words.
+#include "pipeline/frame_check.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <vector>
+
+#include "pipeline/frame_memory.h"
+
+namespace lumora::test {
+namespace {
+
+struct Arguments {
+  ConstFrameView in;
+  FrameView out;
+  std::vector<Face> faces;
+  Look look;
+};
+
+struct RefusedCase {
+  const char* name;
+  std::function<void(Arguments&)> spoil;
+  StatusCode code;
+  const char* words;  ///< part of the message
+};
+
+class CheckArgumentsTest : public ::testing::Test {
+ protected:
+  Arguments Good() {
+    return {in_.const_view(), out_.view(), {FaceFromEyes({20, 20}, {40, 20})}, Look{50}};
+  }
+  static Status Check(const Arguments& a) { return CheckArguments(a.in, a.out, a.faces, a.look); }
+
+  FrameMemory in_{PixelFormat::NV21, 64, 48};
+  FrameMemory out_{PixelFormat::I420, 64, 48};
+};
+
+TEST_F(CheckArgumentsTest, TakesWhatIsRight) {
+  const Status status = Check(Good());
+  EXPECT_TRUE(status.ok()) << status.message;
+  EXPECT_TRUE(status.message.empty());
+}
+
+TEST_F(CheckArgumentsTest, TakesEveryEndOfTheRanges) {
+  for (const int slim : {0, 100}) {
+    Arguments arguments = Good();
+    arguments.look.slim = slim;
+    EXPECT_TRUE(Check(arguments).ok()) << slim;
+  }
+  FrameMemory smallest(PixelFormat::NV12, 32, 32);
+  EXPECT_TRUE(CheckArguments(smallest.const_view(), smallest.view(), {}, Look{}).ok());
+}
+
+TEST_F(CheckArgumentsTest, RefusesWhatIsWrongWithASentence) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float infinity = std::numeric_limits<float>::infinity();
+  const auto invalid = StatusCode::InvalidArgument;
+  const std::vector<RefusedCase> cases = {
+      {"no luma", [](Arguments& a) { a.in.planes[0] = nullptr; }, invalid,
+       "plane 0 of the input frame is null"},
+      {"no chroma", [](Arguments& a) { a.in.planes[1] = nullptr; }, invalid,
+       "plane 1 of the input frame is null"},
+      {"no third plane", [](Arguments& a) { a.out.planes[2] = nullptr; }, invalid,
+       "plane 2 of the output frame is null"},
+      {"luma stride too short", [](Arguments& a) { a.in.strides[0] = 63; }, invalid,
+       "plane 0 of the input frame has a stride of 63 bytes, but its rows hold 64"},
+      {"chroma stride too short", [](Arguments& a) { a.out.strides[1] = 31; }, invalid,
+       "plane 1 of the output frame has a stride of 31 bytes, but its rows hold 32"},
+      {"stride of a plane turned upside down", [](Arguments& a) { a.in.strides[1] = -64; }, invalid,
+       "stride of -64"},
+      {"stride without end",
+       [](Arguments& a) { a.in.strides[0] = std::numeric_limits<std::ptrdiff_t>::max(); }, invalid,
+       "more than can be addressed"},
+      {"unknown format", [](Arguments& a) { a.in.format = static_cast<PixelFormat>(7); }, invalid,
+       "unknown pixel format (7)"},
+      {"too narrow", [](Arguments& a) { a.in.width = a.out.width = 31; }, invalid,
+       "31 x 48 pixels, but at least 32 x 32"},
+      {"too low", [](Arguments& a) { a.in.height = a.out.height = 31; }, invalid,
+       "64 x 31 pixels, but at least 32 x 32"},
+      {"negative", [](Arguments& a) { a.in.width = a.out.width = -64; }, invalid, "at least"},
+      {"too wide", [](Arguments& a) { a.in.width = a.out.width = kLargestSide + 1; },
+       StatusCode::TooLarge, "at most 32768"},
+      {"sizes differ", [](Arguments& a) { a.out.height = 46; }, invalid,
+       "the input frame is 64 x 48 pixels, but the output frame is 64 x 46"},
+      {"slim negative", [](Arguments& a) { a.look.slim = -1; }, invalid, "slim is -1"},
+      {"slim too large", [](Arguments& a) { a.look.slim = 101; }, invalid, "slim is 101"},
+      {"roll not a number", [=](Arguments& a) { a.faces[0].roll_degrees = nan; }, invalid,
+       "face 0 holds a number that is not finite"},
+      {"box infinite", [=](Arguments& a) { a.faces[0].box.width = infinity; }, invalid, "face 0"},
+      {"landmark not a number", [=](Arguments& a) { a.faces[0].landmarks.mouth.top.y = nan; },
+       invalid, "face 0"},
+      {"second face infinite",
+       [=](Arguments& a) {
+         a.faces.push_back(a.faces[0]);
+         a.faces[1].landmarks.right_jaw.x = -infinity;
+       },
+       invalid, "face 1"},
+  };
+  for (const RefusedCase& refused : cases) {
+    Arguments arguments = Good();
+    refused.spoil(arguments);
+    const Status status = Check(arguments);
+    EXPECT_EQ(status.code, refused.code) << refused.name;
+    EXPECT_THAT(status.message, testing::HasSubstr(refused.words)) << refused.name;
+    EXPECT_THAT(status.message, testing::Not(testing::HasSubstr("\n"))) << refused.name;
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test
