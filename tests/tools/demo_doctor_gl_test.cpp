@@ -1,0 +1,89 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/tools/pictures.h"
+#include "tests/tools/process.h"
+
+namespace lumora::test {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(Demo, WritesEveryPortraitBeforeAndAfter) {
+  const Folder folder;
+  const std::string target = folder / "new/demo";
+  const Result result = RunLumora({"demo", target, "--size", "320", "--slim", "100"});
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  EXPECT_EQ(Lines(result.out), 13) << result.out;
+  for (int i = 1; i <= 4; ++i) {
+    SCOPED_TRACE(i);
+    const std::string name = target + "/portrait-" + std::to_string(i);
+    const cv::Mat before = Decode(ReadFile(name + "-before.png"));
+    const cv::Mat after = Decode(ReadFile(name + "-after.png"));
+    ASSERT_EQ(before.size(), cv::Size(320, 320));
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_GT(cv::norm(before, after, cv::NORM_INF), 60);
+    EXPECT_EQ(LargestDifferenceOutside(before, after, {160, 0.53 * 320}, 0.42 * 320), 0);
+    EXPECT_GT(Decode(ReadFile(name + "-compare.png")).cols, 640);
+    EXPECT_THAT(result.out, HasSubstr(name + "-compare.png\n"));
+  }
+  EXPECT_GT(Decode(ReadFile(target + "/overview.png")).cols, 1280);
+  EXPECT_THAT(result.out, HasSubstr(target + "/overview.png\n"));
+}
+
+TEST(Doctor, FindsEverythingInOrder) {
+  const Result result = RunLumora({"doctor"});
+  EXPECT_EQ(result.exit_code, 0) << result.out << result.err;
+  for (const char* name : {"display", "driver", "buffers", "program binaries", "cache directory",
+                           "face classifiers", "test render"}) {
+    EXPECT_THAT(result.out, HasSubstr(std::string("OK      ") + name));
+  }
+  EXPECT_THAT(result.out, testing::Not(HasSubstr("FAILED")));
+}
+
+TEST(Doctor, ReportsForMachines) {
+  const Result result = RunLumora({"doctor", "--json"});
+  EXPECT_EQ(result.exit_code, 0);
+  const auto report = nlohmann::json::parse(result.out);
+  EXPECT_TRUE(report.at("ok").get<bool>());
+  EXPECT_GE(report.at("checks").size(), 8u);
+}
+
+TEST(Doctor, SaysWhatIsWrongWithACacheThatCannotBeWritten) {
+  const Folder folder;
+  const std::string file = folder.Put("file", std::string("not a folder"));
+  const Result result = RunLumora({"doctor"}, {}, {{{"LUMORA_CACHE_DIR", file}}});
+  if (result.out.find("not offered") != std::string::npos) GTEST_SKIP() << "no cache in use";
+  EXPECT_EQ(result.exit_code, 1) << result.out;
+  EXPECT_THAT(result.out, HasSubstr("FAILED  cache directory"));
+  EXPECT_THAT(result.out, HasSubstr("OK      test render"));
+}
+
+TEST(EngineLog, IsSilentUnlessAskedFor) {
+  EXPECT_EQ(RunLumora({"doctor"}).err, "");
+  EXPECT_THAT(RunLumora({"doctor"}, {}, {{{"LUMORA_LOG", "info"}}}).err, HasSubstr("Lumora: "));
+}
+
+TEST(NoDisplay, EndsWithCode4) {
+  // Without a driver library there is no display.
+  const Environment no_driver = {{{"__EGL_VENDOR_LIBRARY_FILENAMES", "/dev/null"}}};
+  const Folder folder;
+  const Result doctor = RunLumora({"doctor"}, {}, no_driver);
+  if (doctor.exit_code == 0) GTEST_SKIP() << "EGL is not dispatched to vendors here";
+  EXPECT_EQ(doctor.exit_code, 4);
+  EXPECT_THAT(doctor.out, HasSubstr("FAILED  display"));
+  const Sitter sitter = PortraitOf(200, 200);
+  const std::string in = folder.Put("in.png", PngOf(sitter.picture));
+  const std::string faces = folder.Put("faces.json", sitter.faces_json);
+  const Result photo =
+      RunLumora({"photo", in, "-o", folder / "out.png", "--faces", faces}, {}, no_driver);
+  EXPECT_EQ(photo.exit_code, 4);
+  EXPECT_THAT(photo.err, testing::StartsWith("lumora: "));
+  EXPECT_EQ(Lines(photo.err), 1) << photo.err;
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("faces.json", "in.png"));
+}
+
+}  // namespace
+}  // namespace lumora::test

@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+
+#include "tests/tools/pictures.h"
+#include "tools/lumora/drawing/compare.h"
+#include "tools/lumora/drawing/explain.h"
+#include "tools/lumora/drawing/portrait.h"
+#include "tools/lumora/faces/face_finder.h"
+#include "tools/lumora/faces/face_geometry.h"
+
+namespace lumora::test {
+namespace {
+
+using tools::CompareSheet;
+using tools::DrawPortrait;
+using tools::Middle;
+using tools::Portrait;
+using tools::PortraitCount;
+
+/// Brightness around a point, in a square of `side` pixels.
+double Brightness(const cv::Mat& picture, PointF at, int side) {
+  const cv::Rect square(static_cast<int>(at.x) - side / 2, static_cast<int>(at.y) - side / 2, side,
+                        side);
+  const cv::Scalar mean = cv::mean(picture(square));
+  return (mean[0] + mean[1] + mean[2]) / 3;
+}
+
+TEST(Portraits, LandmarksLieWhereTheDrawingHasThem) {
+  ASSERT_GE(PortraitCount(), 4);
+  for (int i = 0; i < PortraitCount(); ++i) {
+    SCOPED_TRACE(i);
+    const Portrait portrait = DrawPortrait(i, 500);
+    ASSERT_EQ(portrait.picture.size(), cv::Size(500, 500));
+    const FaceLandmarks& marks = portrait.face.landmarks;
+    // The pupil is darker than the white of the eye beside it, the brow darker than the skin of the
+    // nose.
+    for (const FeatureBox& eye : {marks.left_eye, marks.right_eye}) {
+      const PointF pupil = Middle(eye);
+      const PointF white = {pupil.x + 0.66f * (eye.right.x - pupil.x), pupil.y};
+      EXPECT_LT(Brightness(portrait.picture, pupil, 5) + 60,
+                Brightness(portrait.picture, white, 3));
+    }
+    EXPECT_LT(Brightness(portrait.picture, Middle(marks.left_brow), 3) + 15,
+              Brightness(portrait.picture, marks.nose_tip, 3));
+    // At the jaw the head ends: the picture changes across them.
+    const PointF inside = {marks.right_jaw.x - 8, marks.right_jaw.y};
+    const PointF outside = {marks.right_jaw.x + 8, marks.right_jaw.y};
+    EXPECT_GT(std::abs(Brightness(portrait.picture, inside, 3) -
+                       Brightness(portrait.picture, outside, 3)),
+              15);
+  }
+}
+
+TEST(Portraits, SkinTonesAreClearlyDifferent) {
+  std::vector<double> tones;
+  for (int i = 0; i < PortraitCount(); ++i) {
+    const Portrait portrait = DrawPortrait(i, 400);
+    const PointF nose = portrait.face.landmarks.nose_tip;
+    tones.push_back(Brightness(portrait.picture, nose, 9));
+  }
+  for (size_t i = 1; i < tones.size(); ++i) EXPECT_LT(tones[i] + 15, tones[i - 1]);
+}
+
+TEST(FaceFinder, FindsADrawnFaceByItsEyes) {
+  const Portrait portrait = DrawPortrait(0, 512);
+  const auto found = tools::FindFaces(portrait.picture);
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].found_by, tools::FoundBy::Eyes);
+  const PointF left = Middle(found[0].face.landmarks.left_eye);
+  const PointF right = Middle(found[0].face.landmarks.right_eye);
+  const PointF drawn_left = Middle(portrait.face.landmarks.left_eye);
+  const PointF drawn_right = Middle(portrait.face.landmarks.right_eye);
+  EXPECT_NEAR(left.x, drawn_left.x, 10);
+  EXPECT_NEAR(left.y, drawn_left.y, 10);
+  EXPECT_NEAR(right.x, drawn_right.x, 10);
+  EXPECT_NEAR(right.y, drawn_right.y, 10);
+}
+
+TEST(FaceFinder, FindsATurnedHeadWithItsRoll) {
+  const Portrait portrait = DrawPortrait(0, 512);
+  for (const double degrees : {30.0, -30.0}) {
+    SCOPED_TRACE(degrees);
+    cv::Mat turned;  // OpenCV's angles are counter-clockwise
+    cv::warpAffine(portrait.picture, turned, cv::getRotationMatrix2D({256, 256}, -degrees, 1),
+                   {512, 512}, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+    const auto found = tools::FindFaces(turned);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_NEAR(found[0].face.roll_degrees, degrees, 6);
+  }
+}
+
+TEST(CompareSheet, ShowsBothPicturesWhole) {
+  const cv::Mat before(90, 120, CV_8UC3, cv::Scalar(200, 10, 10));
+  const cv::Mat after(90, 120, CV_8UC3, cv::Scalar(10, 10, 200));
+  const cv::Mat sheet = CompareSheet(before, after);
+  cv::Mat blue, red;
+  cv::inRange(sheet, cv::Scalar(200, 10, 10), cv::Scalar(200, 10, 10), blue);
+  cv::inRange(sheet, cv::Scalar(10, 10, 200), cv::Scalar(10, 10, 200), red);
+  EXPECT_EQ(cv::countNonZero(blue), 90 * 120);
+  EXPECT_EQ(cv::countNonZero(red), 90 * 120);
+  EXPECT_LT(cv::boundingRect(blue).x, cv::boundingRect(red).x);
+}
+
+TEST(CompareSheet, LargePicturesAreScaledToASensibleWidth) {
+  const cv::Mat large(3000, 4000, CV_8UC3, cv::Scalar(100, 100, 100));
+  const cv::Mat sheet = CompareSheet(large, large);
+  EXPECT_LT(sheet.cols, 2600);
+  EXPECT_GT(sheet.rows, 900);
+}
+
+TEST(ExplainSheet, DrawsInsideAndKeepsTheRest) {
+  const Portrait portrait = DrawPortrait(1, 1400);
+  const cv::Mat sheet = tools::ExplainSheet(portrait.picture, {portrait.face});
+  ASSERT_EQ(sheet.size(), portrait.picture.size());
+  const WarpCircle circle = SlimmingCircle(portrait.face, 1400, 1400);
+  const cv::Point2d centre(static_cast<double>(circle.centre.x),
+                           static_cast<double>(circle.centre.y));
+  EXPECT_EQ(LargestDifferenceOutside(sheet, portrait.picture, centre,
+                                     static_cast<double>(circle.radius) + 20),
+            0);
+  // The circle is seen at its left and right ends.
+  for (const double side : {-1.0, 1.0}) {
+    const cv::Point at(static_cast<int>(centre.x + side * static_cast<double>(circle.radius)),
+                       static_cast<int>(centre.y));
+    EXPECT_NE(sheet.at<cv::Vec3b>(at), portrait.picture.at<cv::Vec3b>(at));
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test

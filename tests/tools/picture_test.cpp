@@ -1,0 +1,171 @@
+// Pictures without the command around them: what a round trip keeps.
+#include "tools/lumora/picture/picture.h"
+
+#include <gtest/gtest.h>
+
+#include <opencv2/imgproc.hpp>
+
+#include "tests/tools/pictures.h"
+#include "tools/lumora/picture/jpeg_planes.h"
+#include "tools/lumora/picture/png_chunks.h"
+
+namespace lumora::test {
+namespace {
+
+using tools::ChromaTo420;
+using tools::DecodePicture;
+using tools::FileFormat;
+using tools::Frame420;
+using tools::LoadedPicture;
+using tools::MergeChroma;
+using tools::SampleArea;
+
+const SampleArea kAreas[] = {{1, 1}, {2, 1}, {2, 2}, {1, 2}, {4, 1}, {4, 2}};
+
+cv::Mat Noise(int columns, int rows) {
+  cv::Mat plane(rows, columns, CV_8U);
+  cv::RNG(7).fill(plane, cv::RNG::UNIFORM, 0, 256);
+  return plane;
+}
+
+int DivideUp(int value, int by) {
+  return (value + by - 1) / by;
+}
+
+TEST(Planes, ChromaOfAnySamplingHasTheSizeOf420) {
+  for (const cv::Size size : {cv::Size(64, 48), cv::Size(65, 49), cv::Size(35, 34)}) {
+    for (const SampleArea area : kAreas) {
+      const cv::Mat plane =
+          Noise(DivideUp(size.width, area.across), DivideUp(size.height, area.down));
+      const cv::Mat chroma = ChromaTo420(plane, area, size);
+      EXPECT_EQ(chroma.cols, DivideUp(size.width, 2)) << area.across << "x" << area.down;
+      EXPECT_EQ(chroma.rows, DivideUp(size.height, 2)) << area.across << "x" << area.down;
+    }
+  }
+}
+
+TEST(Planes, ChromaOf444IsTheMeanOfItsFourSamples) {
+  const cv::Mat plane = Noise(16, 12);
+  const cv::Mat chroma = ChromaTo420(plane, {1, 1}, {16, 12});
+  for (int y = 0; y < 6; ++y) {
+    for (int x = 0; x < 8; ++x) {
+      const double mean = cv::mean(plane(cv::Rect(2 * x, 2 * y, 2, 2)))[0];
+      EXPECT_NEAR(chroma.at<uint8_t>(y, x), mean, 0.51);
+    }
+  }
+}
+
+TEST(Planes, MergingLeavesUnchangedSamplesAlone) {
+  const cv::Size size(65, 49);
+  for (const SampleArea area : kAreas) {
+    SCOPED_TRACE(std::to_string(area.across) + "x" + std::to_string(area.down));
+    const cv::Mat original =
+        Noise(DivideUp(size.width, area.across), DivideUp(size.height, area.down));
+    const cv::Mat before = ChromaTo420(original, area, size);
+    cv::Mat after = before.clone();
+    const cv::Rect changed(8, 6, 12, 10);  // in samples of 4:2:0: pixels (16, 12) to (40, 32)
+    after(changed) = after(changed) + cv::Scalar(1);
+    after.at<uint8_t>(6, 8) = static_cast<uint8_t>(before.at<uint8_t>(6, 8) ^ 0x80);
+    cv::Mat merged = original.clone();
+    MergeChroma(before, after, area, merged);
+    for (int y = 0; y < merged.rows; ++y) {
+      for (int x = 0; x < merged.cols; ++x) {
+        const int left = x * area.across, top = y * area.down;
+        const bool outside =
+            left + area.across <= 16 || left >= 40 || top + area.down <= 12 || top >= 32;
+        if (outside) {
+          ASSERT_EQ(merged.at<uint8_t>(y, x), original.at<uint8_t>(y, x));
+        }
+      }
+    }
+    EXPECT_GT(cv::countNonZero(merged != original), 0);
+  }
+}
+
+TEST(JpegPlanes, BlocksWithoutAChangeKeepTheirCoefficients) {
+  const Bytes file = JpegOf(PortraitOf(200, 152).picture, {2, 2, 75, false, false});
+  std::vector<cv::Mat> planes = tools::ReadJpegPlanes(file);
+  std::vector<cv::Mat> changed;
+  for (const cv::Mat& plane : planes) changed.push_back(cv::Mat::zeros(plane.size(), CV_8U));
+  // A spot of luma, in the block from (80, 64) to (88, 72).
+  const cv::Rect spot(82, 66, 4, 4);
+  planes[0](spot) = 255 - planes[0](spot);
+  changed[0](spot).setTo(255);
+  const Bytes result =
+      tools::ReplaceJpegBlocks(file, tools::WriteJpegPlanes(planes, file, false), changed);
+  const std::vector<cv::Mat> before = tools::ReadJpegPlanes(file);
+  std::vector<cv::Mat> after = tools::ReadJpegPlanes(result);
+  EXPECT_GT(cv::norm(before[0], after[0], cv::NORM_INF), 30);
+  const cv::Rect block(80, 64, 8, 8);
+  before[0](block).copyTo(after[0](block));
+  for (size_t i = 0; i < before.size(); ++i) {
+    EXPECT_EQ(cv::norm(before[i], after[i], cv::NORM_INF), 0) << "plane " << i;
+  }
+}
+
+TEST(Picture, MergingAnUnchangedFrameChangesNothing) {
+  const cv::Mat portrait = PortraitOf(203, 151).picture;
+  cv::Mat gray, rgba;
+  cv::cvtColor(portrait, gray, cv::COLOR_BGR2GRAY);
+  cv::cvtColor(portrait, rgba, cv::COLOR_BGR2BGRA);
+  for (const Bytes& file : {PngOf(portrait), PngOf(gray), PngOf(rgba), JpegOf(portrait, {1, 1}),
+                            JpegOf(portrait, {2, 2}), JpegOf(portrait, {1, 2, 90, true})}) {
+    LoadedPicture loaded = DecodePicture(file, "test");
+    const Frame420 frame = loaded.picture->Frame();
+    EXPECT_EQ(frame.y.size(), cv::Size(204, 152));
+    EXPECT_EQ(frame.cb.size(), cv::Size(102, 76));
+    EXPECT_EQ(frame.cr.size(), cv::Size(102, 76));
+    loaded.picture->Merge(frame, frame.Clone());
+    const cv::Mat after = Decode(loaded.picture->Encode(loaded.format));
+    const cv::Mat before = Decode(file);
+    ASSERT_EQ(after.size(), before.size());
+    ASSERT_EQ(after.type(), before.type());
+    EXPECT_EQ(cv::norm(before, after, cv::NORM_INF), 0);
+  }
+}
+
+TEST(Picture, TheFrameIsFullRange) {
+  // White, black and pure colours, by the equations of JFIF.
+  const struct {
+    cv::Scalar bgr;
+    double y, cb, cr;
+  } kColours[] = {{{255, 255, 255}, 255, 128, 128},
+                  {{0, 0, 0}, 0, 128, 128},
+                  {{0, 0, 255}, 76.2, 85, 255},
+                  {{255, 0, 0}, 29.1, 255, 107.3}};
+  for (const auto& colour : kColours) {
+    const cv::Mat picture(40, 40, CV_8UC3, colour.bgr);
+    const Frame420 frame = DecodePicture(PngOf(picture), "test").picture->Frame();
+    EXPECT_NEAR(frame.y.at<uint8_t>(20, 20), colour.y, 1);
+    EXPECT_NEAR(frame.cb.at<uint8_t>(10, 10), colour.cb, 1);
+    EXPECT_NEAR(frame.cr.at<uint8_t>(10, 10), colour.cr, 1);
+  }
+}
+
+TEST(Picture, JpegAndPngAgreeOnTheFrame) {
+  const cv::Mat portrait = PortraitOf(256, 256).picture;
+  const Frame420 png = DecodePicture(PngOf(portrait), "png").picture->Frame();
+  const Frame420 jpeg = DecodePicture(JpegOf(portrait, {2, 2, 98}), "jpeg").picture->Frame();
+  EXPECT_LT(cv::norm(png.y, jpeg.y, cv::NORM_L1) / static_cast<double>(png.y.total()), 1.5);
+  EXPECT_LT(cv::norm(png.cb, jpeg.cb, cv::NORM_L1) / static_cast<double>(png.cb.total()), 1.5);
+  EXPECT_LT(cv::norm(png.cr, jpeg.cr, cv::NORM_L1) / static_cast<double>(png.cr.total()), 1.5);
+}
+
+TEST(PngChunks, TextCanBeLeftOutAndCopiedAndTheEndIsNeeded) {
+  const Bytes file = PngOf(Landscape(50, 40));
+  EXPECT_EQ(tools::PngSize(file), cv::Size(50, 40));
+  // An empty tEXt chunk with its checksum, right behind the header.
+  Bytes with_text = file;
+  const Bytes chunk = {0, 0, 0, 0, 't', 'E', 'X', 't', 0x96, 0x42, 0xc5, 0x85};
+  with_text.insert(with_text.begin() + 33, chunk.begin(), chunk.end());
+  EXPECT_EQ(tools::EssentialPng(with_text).value_or(Bytes{}), file);
+  // ... and it finds its way into another file, at the same place.
+  EXPECT_EQ(tools::WithChunksOf(with_text, file), with_text);
+  EXPECT_EQ(tools::EssentialPng(file).value_or(Bytes{}), file);
+  for (size_t size = 8; size < file.size(); size += 7) {
+    EXPECT_FALSE(tools::EssentialPng(Bytes(file.begin(), file.begin() + static_cast<long>(size))));
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test

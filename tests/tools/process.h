@@ -1,0 +1,29 @@
+// The command as users run it: a process with arguments, input, output and exit code.
+#ifndef LUMORA_TESTS_TOOLS_PROCESS_H_
+#define LUMORA_TESTS_TOOLS_PROCESS_H_
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lumora::test {
+
+struct Result {
+  int exit_code = -1;  ///< 128 + signal for a process that was killed
+  std::string out, err;
+};
+
+struct Environment {
+  std::vector<std::pair<std::string, std::string>> set;
+};
+
+/// Runs the lumora command of this build to its end.
+Result RunLumora(const std::vector<std::string>& arguments, const std::string& input = {},
+                 const Environment& environment = {});
+
+/// How many lines a text has.
+int Lines(const std::string& text);
+
+}  // namespace lumora::test
+
+#endif  // LUMORA_TESTS_TOOLS_PROCESS_H_

@@ -1,0 +1,115 @@
+// lumora doctor: what this machine offers, and a proof that it works.
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tools/lumora/commands/self_test.h"
+#include "tools/lumora/faces/face_finder.h"
+#include "tools/lumora/picture/picture.h"
+#include "tools/lumora/support/command.h"
+#include "tools/lumora/support/files.h"
+#include "tools/lumora/support/slimmer.h"
+#include "tools/lumora/support/talk.h"
+
+namespace lumora::tools {
+namespace {
+
+struct Check {
+  std::string name;
+  bool ok;
+  std::string detail;
+};
+
+class Doctor {
+ public:
+  explicit Doctor(bool json) : json_(json) {}
+
+  ExitCode Run() {
+    ExitCode code = ExitCode::Done;
+    try {
+      Slimmer slimmer;
+      CheckDevice(slimmer.Device());
+      CheckClassifiers();
+      CheckRender(slimmer);
+    } catch (const Failure& failure) {
+      code = failure.code();
+      Report(code == ExitCode::NoDisplay ? "display" : "engine", false, failure.what());
+      Complain(failure.what());
+    }
+    bool ok = true;
+    for (const Check& check : checks_) ok = ok && check.ok;
+    if (json_) PrintJson(ok);
+    return ok || code != ExitCode::Done ? code : ExitCode::Failed;
+  }
+
+ private:
+  void Report(const std::string& name, bool ok, const std::string& detail) {
+    checks_.push_back({name, ok, detail});
+    if (json_) return;
+    char line[64];
+    std::snprintf(line, sizeof(line), "%-7s %-17s ", ok ? "OK" : "FAILED", name.c_str());
+    Print(line + detail);
+  }
+
+  void CheckDevice(const DeviceInfo& device) {
+    Report("display", true, device.display);
+    Report("driver", true, device.vendor + ", " + device.renderer + ", " + device.version);
+    Report("buffers", true, device.buffer_kind);
+    Report("largest texture", device.max_texture_size >= kSmallestSide,
+           std::to_string(device.max_texture_size) + " pixels");
+    Report("program binaries", true,
+           device.program_binaries ? "offered, programs are kept"
+                                   : "not offered, programs are compiled at every start");
+    CheckCache(device);
+  }
+
+  void CheckCache(const DeviceInfo& device) {
+    if (!device.program_binaries) {
+      Report("cache directory", true, device.cache_directory + " (not needed)");
+      return;
+    }
+    try {
+      CheckWritable(device.cache_directory + "/doctor");
+      Report("cache directory", true, device.cache_directory);
+    } catch (const Failure& failure) {
+      Report("cache directory", false, failure.what());
+    }
+  }
+
+  void CheckClassifiers() {
+    const std::string folder = CascadeFolder();
+    Report("face classifiers", !folder.empty(),
+           folder.empty() ? "not found; install the package opencv-data" : folder);
+  }
+
+  void CheckRender(Slimmer& slimmer) {
+    const SelfTest test = RunSelfTest(slimmer);
+    Report("test render", test.passed, test.Sentence());
+  }
+
+  void PrintJson(bool ok) const {
+    nlohmann::ordered_json checks = nlohmann::ordered_json::array();
+    for (const Check& check : checks_) {
+      checks.push_back({{"name", check.name}, {"ok", check.ok}, {"detail", check.detail}});
+    }
+    PrintReport({{"ok", ok}, {"checks", checks}});
+  }
+
+  bool json_;
+  std::vector<Check> checks_;
+};
+
+}  // namespace
+
+void AddDoctor(CLI::App& program, Action* action) {
+  CLI::App* command =
+      program.add_subcommand("doctor", "Say what this machine offers and prove that it works");
+  auto json = std::make_shared<bool>(false);
+  command->add_flag("--json", *json, "print the findings for machines");
+  command->footer(kExitCodes);
+  command->callback([json, action] { *action = [json] { return Doctor(*json).Run(); }; });
+}
+
+}  // namespace lumora::tools

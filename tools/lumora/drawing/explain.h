@@ -1,0 +1,19 @@
+// A picture that shows what was found in it and what slimming will move.
+#ifndef LUMORA_TOOLS_DRAWING_EXPLAIN_H_
+#define LUMORA_TOOLS_DRAWING_EXPLAIN_H_
+
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "pipeline/face.h"
+
+namespace lumora::tools {
+
+/// The 8-bit BGR picture (enlarged or reduced to a size in which the drawing can be read) with, for
+/// each face: its box, the landmarks with their numbers in the order of NamedLandmarks, the circle
+/// in which pixels move, and arrows along which they move.
+cv::Mat ExplainSheet(const cv::Mat& picture, const std::vector<Face>& faces);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_DRAWING_EXPLAIN_H_

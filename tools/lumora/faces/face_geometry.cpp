@@ -1,0 +1,61 @@
+#include "tools/lumora/faces/face_geometry.h"
+
+#include <cmath>
+
+namespace lumora::tools {
+namespace {
+
+constexpr double kRadiansPerDegree = 3.14159265358979323846 / 180;
+
+PointF Turned(PointF point, PointF about, double degrees) {
+  const float cosine = static_cast<float>(std::cos(degrees * kRadiansPerDegree));
+  const float sine = static_cast<float>(std::sin(degrees * kRadiansPerDegree));
+  const float x = point.x - about.x, y = point.y - about.y;
+  return {about.x + x * cosine - y * sine, about.y + x * sine + y * cosine};
+}
+
+}  // namespace
+
+PointF Middle(const FeatureBox& feature) {
+  return {(feature.left.x + feature.right.x + feature.top.x + feature.bottom.x) / 4,
+          (feature.left.y + feature.right.y + feature.top.y + feature.bottom.y) / 4};
+}
+
+PointF FaceCentre(const Face& face) {
+  const PointF left = Middle(face.landmarks.left_eye), right = Middle(face.landmarks.right_eye);
+  const PointF mouth = Middle(face.landmarks.mouth);
+  return {(left.x + right.x) / 4 + mouth.x / 2, (left.y + right.y) / 4 + mouth.y / 2};
+}
+
+Face FaceFromTurnedBox(const RectF& box, float roll_degrees) {
+  const Face upright = FaceFromBox(box);
+  if (roll_degrees == 0) return upright;
+  const PointF middle = {box.x + box.width / 2, box.y + box.height / 2};
+  return FaceFromEyes(Turned(Middle(upright.landmarks.left_eye), middle, roll_degrees),
+                      Turned(Middle(upright.landmarks.right_eye), middle, roll_degrees));
+}
+
+std::vector<NamedPoint> NamedLandmarks(const FaceLandmarks& landmarks) {
+  std::vector<NamedPoint> points;
+  const auto add_feature = [&points](const std::string& name, const FeatureBox& feature) {
+    points.push_back({name + ".left", feature.left});
+    points.push_back({name + ".right", feature.right});
+    points.push_back({name + ".top", feature.top});
+    points.push_back({name + ".bottom", feature.bottom});
+  };
+  add_feature("left_eye", landmarks.left_eye);
+  add_feature("right_eye", landmarks.right_eye);
+  add_feature("left_brow", landmarks.left_brow);
+  add_feature("right_brow", landmarks.right_brow);
+  add_feature("mouth", landmarks.mouth);
+  points.push_back({"nasion", landmarks.nasion});
+  points.push_back({"nose_tip", landmarks.nose_tip});
+  points.push_back({"chin", landmarks.chin});
+  points.push_back({"left_temple", landmarks.left_temple});
+  points.push_back({"right_temple", landmarks.right_temple});
+  points.push_back({"left_jaw", landmarks.left_jaw});
+  points.push_back({"right_jaw", landmarks.right_jaw});
+  return points;
+}
+
+}  // namespace lumora::tools

@@ -1,0 +1,145 @@
+#include "tools/lumora/faces/faces_json.h"
+
+#include <array>
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "tools/lumora/faces/face_geometry.h"
+#include "tools/lumora/support/failure.h"
+
+namespace lumora::tools {
+
+const char kFacesFormat[] =
+    R"(FACES.json holds {"faces": [face, ...]}; a face is one of
+  {"eyes": [[x, y], [x, y]]}                  centres of the eyes, the viewer's left one first
+  {"box": [x, y, width, height], "roll": deg} from the brows to below the chin; roll is clockwise
+                                              about the box's middle and may be left out
+  {"landmarks68": [[x, y], ... 68 times]}     the points of the iBUG annotation
+Coordinates are pixels of the upright picture, from its upper left corner.)";
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr size_t kMostFaces = 1000;
+constexpr double kLargestCoordinate = 1e6;
+constexpr float kSmallestEyeDistance = 2;  // pixels
+
+/// A value with its place in the file, for messages.
+class Value {
+ public:
+  Value(const Json& json, std::string place) : json_(json), place_(std::move(place)) {}
+
+  [[noreturn]] void Reject(const std::string& what) const {
+    throw Failure(ExitCode::Unreadable, place_ + ": " + what);
+  }
+
+  bool Has(const char* key) const { return json_.is_object() && json_.contains(key); }
+  Value At(const char* key) const { return {json_.at(key), place_ + "." + key}; }
+  Value Item(size_t index) const {
+    return {json_.at(index), place_ + "[" + std::to_string(index) + "]"};
+  }
+  const Json& json() const { return json_; }
+
+  size_t Size(const std::string& expected) const {
+    if (!json_.is_array()) Reject("expected " + expected);
+    return json_.size();
+  }
+
+  void MustHave(size_t count, const std::string& expected) const {
+    const size_t size = Size(expected);
+    if (size != count)
+      Reject("expected " + expected + ", found " + std::to_string(size) + " values");
+  }
+
+  float Number() const {
+    if (!json_.is_number()) Reject("expected a number");
+    const double number = json_.get<double>();
+    if (!(std::abs(number) <= kLargestCoordinate)) Reject("the number is out of range");
+    return static_cast<float>(number);
+  }
+
+  PointF Point() const {
+    MustHave(2, "[x, y], two numbers");
+    return {Item(0).Number(), Item(1).Number()};
+  }
+
+ private:
+  const Json& json_;
+  std::string place_;
+};
+
+Face FromEyes(const Value& value) {
+  value.MustHave(2, "[[x, y], [x, y]], the centres of both eyes");
+  const PointF left = value.Item(0).Point(), right = value.Item(1).Point();
+  if (std::hypot(right.x - left.x, right.y - left.y) < kSmallestEyeDistance) {
+    value.Reject("the eyes are less than 2 pixels apart");
+  }
+  return FaceFromEyes(left, right);
+}
+
+Face FromBox(const Value& value, float roll) {
+  value.MustHave(4, "[x, y, width, height], four numbers");
+  const RectF box = {value.Item(0).Number(), value.Item(1).Number(), value.Item(2).Number(),
+                     value.Item(3).Number()};
+  if (!(box.width > 0 && box.height > 0)) value.Reject("width and height must be positive");
+  return FaceFromTurnedBox(box, roll);
+}
+
+Face FromLandmarks68(const Value& value) {
+  value.MustHave(68, "68 points [x, y]");
+  PointF points[68];
+  for (size_t i = 0; i < std::size(points); ++i) points[i] = value.Item(i).Point();
+  return FaceFromIbug68(points);
+}
+
+Face ParseFace(const Value& value) {
+  if (!value.json().is_object()) value.Reject("expected an object");
+  const std::array<const char*, 3> kinds = {"eyes", "box", "landmarks68"};
+  int found = 0;
+  for (const char* kind : kinds) found += value.Has(kind) ? 1 : 0;
+  if (found != 1) value.Reject(R"(expected exactly one of "eyes", "box" and "landmarks68")");
+  if (value.Has("roll") && !value.Has("box")) value.Reject(R"("roll" belongs to "box" only)");
+  for (const auto& entry : value.json().items()) {
+    const std::string& key = entry.key();
+    if (key != "roll" && key != "eyes" && key != "box" && key != "landmarks68") {
+      value.Reject("unknown key \"" + key + "\"");
+    }
+  }
+  if (value.Has("eyes")) return FromEyes(value.At("eyes"));
+  if (value.Has("landmarks68")) return FromLandmarks68(value.At("landmarks68"));
+  return FromBox(value.At("box"), value.Has("roll") ? value.At("roll").Number() : 0);
+}
+
+}  // namespace
+
+std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture) {
+  Json json;
+  try {
+    json = Json::parse(text);
+  } catch (const Json::parse_error& error) {
+    throw Failure(ExitCode::Unreadable,
+                  name + ": not JSON (at byte " + std::to_string(error.byte) + ")");
+  }
+  const Value root(json, name);
+  if (!root.Has("faces")) root.Reject(R"(expected {"faces": [...]})");
+  const Value list(json.at("faces"), name + ": faces");
+  const size_t count = list.Size("a list of faces");
+  if (count > kMostFaces) list.Reject("more than 1000 faces");
+  std::vector<Face> faces;
+  for (size_t i = 0; i < count; ++i) {
+    const Value value = list.Item(i);
+    faces.push_back(ParseFace(value));
+    const PointF centre = FaceCentre(faces.back());
+    const bool inside = centre.x >= 0 && centre.y >= 0 &&
+                        centre.x < static_cast<float>(picture.width) &&
+                        centre.y < static_cast<float>(picture.height);
+    if (!inside) {
+      value.Reject("the face lies outside the picture of " + std::to_string(picture.width) + " x " +
+                   std::to_string(picture.height) + " pixels");
+    }
+  }
+  return faces;
+}
+
+}  // namespace lumora::tools

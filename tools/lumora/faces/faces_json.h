@@ -1,0 +1,22 @@
+// Faces that a user hands in as a JSON file.
+#ifndef LUMORA_TOOLS_FACES_FACES_JSON_H_
+#define LUMORA_TOOLS_FACES_FACES_JSON_H_
+
+#include <opencv2/core/types.hpp>
+#include <string>
+#include <vector>
+
+#include "pipeline/face.h"
+
+namespace lumora::tools {
+
+/// The format, for --help.
+extern const char kFacesFormat[];
+
+/// The faces of a JSON text for a picture of `picture` pixels. Throws Failure (Unreadable) with a
+/// sentence that starts with `name` and says which value is wrong and what is expected there.
+std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_FACES_FACES_JSON_H_

@@ -1,0 +1,34 @@
+// A picture of 8-bit gray, BGR or BGRA pixels.
+#ifndef LUMORA_TOOLS_PICTURE_COLOUR_PICTURE_H_
+#define LUMORA_TOOLS_PICTURE_COLOUR_PICTURE_H_
+
+#include "tools/lumora/picture/picture.h"
+
+namespace lumora::tools {
+
+class ColourPicture final : public Picture {
+ public:
+  explicit ColourPicture(cv::Mat pixels) : pixels_(std::move(pixels)) {}
+
+  cv::Size size() const override { return pixels_.size(); }
+  Frame420 Frame() const override;
+  void Merge(const Frame420& before, const Frame420& after) override;
+  cv::Mat Bgr() const override;
+  Bytes Encode(FileFormat format) const override;
+
+ private:
+  cv::Mat pixels_;
+};
+
+/// Full-range Y, Cr, Cb planes as 8-bit BGR pixels; all three have the same size.
+cv::Mat BgrOf(const cv::Mat& y, const cv::Mat& cb, const cv::Mat& cr);
+
+/// A 4:2:0 frame (without the columns and rows that made it even) as 8-bit BGR pixels.
+cv::Mat BgrOf(const Frame420& frame, cv::Size size);
+
+/// 8-bit BGR pixels as a 4:2:0 frame.
+Frame420 FrameOf(const cv::Mat& bgr);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_PICTURE_COLOUR_PICTURE_H_

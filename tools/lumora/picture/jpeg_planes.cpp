@@ -1,0 +1,319 @@
+#include "tools/lumora/picture/jpeg_planes.h"
+
+#include <algorithm>
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <utility>
+
+// libjpeg's headers need <cstdio> before them.
+#include <jerror.h>
+#include <jpeglib.h>
+
+namespace lumora::tools {
+namespace {
+
+constexpr int kMostScans = 1000;  // a small progressive file could otherwise take hours
+
+/// libjpeg's error handling. Its errors leave the library by longjmp.
+struct ErrorHandler {
+  jpeg_error_mgr base;  // must be first: libjpeg knows only this
+  std::jmp_buf escape;
+  char message[JMSG_LENGTH_MAX];
+};
+
+void OnError(j_common_ptr info) {
+  auto* handler = reinterpret_cast<ErrorHandler*>(info->err);
+  info->err->format_message(info, handler->message);
+  std::longjmp(handler->escape, 1);
+}
+
+void OnWarning(j_common_ptr info, int level) {
+  if (level >= 0) return;
+  ++info->err->num_warnings;
+  // libjpeg fills in gray for what is missing; a damaged picture is an error here.
+  const int code = info->err->msg_code;
+  if (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER) OnError(info);
+}
+
+void OnProgress(j_common_ptr info) {
+  const auto* decoder = reinterpret_cast<j_decompress_ptr>(info);
+  if (decoder->input_scan_number > kMostScans) {
+    auto* handler = reinterpret_cast<ErrorHandler*>(info->err);
+    std::snprintf(handler->message, sizeof(handler->message), "more than %d scans", kMostScans);
+    std::longjmp(handler->escape, 1);
+  }
+}
+
+void Prepare(ErrorHandler& handler) {
+  jpeg_std_error(&handler.base);
+  handler.base.error_exit = OnError;
+  handler.base.emit_message = OnWarning;
+}
+
+/// Runs libjpeg calls. They may be left by longjmp, so `calls` must not own anything.
+template <typename Calls>
+void Guarded(ErrorHandler& handler, const Calls& calls) {
+  if (setjmp(handler.escape) != 0) throw JpegError(handler.message);
+  calls();
+}
+
+class Decoder {
+ public:
+  // Delegates, so that a header that cannot be read still gets to the destructor.
+  explicit Decoder(const Bytes& file) : Decoder() {
+    Guard([&] {
+      jpeg_mem_src(&info, file.data(), static_cast<unsigned long>(file.size()));
+      jpeg_read_header(&info, TRUE);
+    });
+  }
+  ~Decoder() { jpeg_destroy_decompress(&info); }
+  Decoder(const Decoder&) = delete;
+  Decoder& operator=(const Decoder&) = delete;
+
+  template <typename Calls>
+  void Guard(const Calls& calls) {
+    Guarded(errors_, calls);
+  }
+
+  jpeg_decompress_struct info = {};
+
+ private:
+  Decoder() {
+    Prepare(errors_);
+    info.err = &errors_.base;
+    progress_.progress_monitor = OnProgress;
+    Guard([&] { jpeg_create_decompress(&info); });
+    info.progress = &progress_;
+  }
+
+  ErrorHandler errors_ = {};
+  jpeg_progress_mgr progress_ = {};
+};
+
+class Encoder {
+ public:
+  Encoder() {
+    Prepare(errors_);
+    info.err = &errors_.base;
+    Guard([&] {
+      jpeg_create_compress(&info);
+      jpeg_mem_dest(&info, &buffer_, &size_);
+    });
+  }
+  ~Encoder() {
+    jpeg_destroy_compress(&info);
+    std::free(buffer_);
+  }
+  Encoder(const Encoder&) = delete;
+  Encoder& operator=(const Encoder&) = delete;
+
+  template <typename Calls>
+  void Guard(const Calls& calls) {
+    Guarded(errors_, calls);
+  }
+
+  /// Takes over quantisation, sampling and density.
+  void CopySettings(Decoder& from) {
+    Guard([&] {
+      jpeg_copy_critical_parameters(&from.info, &info);
+      info.optimize_coding = TRUE;
+      if (from.info.progressive_mode) jpeg_simple_progression(&info);
+    });
+  }
+
+  Bytes File() const { return Bytes(buffer_, buffer_ + size_); }
+
+  jpeg_compress_struct info = {};
+
+ private:
+  ErrorHandler errors_ = {};
+  unsigned char* buffer_ = nullptr;
+  unsigned long size_ = 0;
+};
+
+/// A plane's samples in whole rows of blocks, with pointers to its rows as libjpeg takes them.
+struct BlockRows {
+  BlockRows(const jpeg_component_info& component, unsigned row_groups)
+      : rows_a_group(component.v_samp_factor * DCTSIZE),
+        samples(static_cast<int>(row_groups) * rows_a_group,
+                static_cast<int>(component.width_in_blocks + 3) * DCTSIZE, CV_8U, cv::Scalar(0)) {
+    for (int y = 0; y < samples.rows; ++y) rows.push_back(samples.ptr(y));
+  }
+
+  int rows_a_group;
+  cv::Mat samples;
+  std::vector<JSAMPROW> rows;
+};
+
+struct AllRows {
+  AllRows(const jpeg_component_info* components, int count, unsigned height, int most_down) {
+    groups = (height + static_cast<unsigned>(most_down * DCTSIZE) - 1) /
+             static_cast<unsigned>(most_down * DCTSIZE);
+    for (int i = 0; i < count; ++i) planes.emplace_back(components[i], groups);
+  }
+
+  /// Points `arrays` at the rows of one group.
+  void Group(unsigned group, JSAMPARRAY (&arrays)[MAX_COMPONENTS]) {
+    for (size_t i = 0; i < planes.size(); ++i) {
+      arrays[i] = &planes[i].rows[group * static_cast<unsigned>(planes[i].rows_a_group)];
+    }
+  }
+
+  unsigned groups;
+  std::vector<BlockRows> planes;
+};
+
+int DivideUp(unsigned value, int by) {
+  return (static_cast<int>(value) + by - 1) / by;
+}
+
+bool IsPlanar(const jpeg_decompress_struct& info) {
+  const jpeg_component_info* c = info.comp_info;
+  if (info.num_components == 1) return info.jpeg_color_space == JCS_GRAYSCALE;
+  return info.num_components == 3 && info.jpeg_color_space == JCS_YCbCr &&
+         c[0].h_samp_factor == info.max_h_samp_factor &&
+         c[0].v_samp_factor == info.max_v_samp_factor && c[1].h_samp_factor == c[2].h_samp_factor &&
+         c[1].v_samp_factor == c[2].v_samp_factor && c[0].h_samp_factor % c[1].h_samp_factor == 0 &&
+         c[0].v_samp_factor % c[1].v_samp_factor == 0;
+}
+
+void Transpose(jpeg_compress_struct& info) {
+  std::swap(info.image_width, info.image_height);
+  for (int i = 0; i < info.num_components; ++i) {
+    std::swap(info.comp_info[i].h_samp_factor, info.comp_info[i].v_samp_factor);
+  }
+  for (JQUANT_TBL* table : info.quant_tbl_ptrs) {
+    if (table == nullptr) continue;
+    for (int row = 0; row < DCTSIZE; ++row) {
+      for (int column = 0; column < row; ++column) {
+        std::swap(table->quantval[row * DCTSIZE + column], table->quantval[column * DCTSIZE + row]);
+      }
+    }
+  }
+}
+
+/// libjpeg computes these only inside jpeg_start_compress, and the rows are needed before it.
+void FillBlockCounts(jpeg_compress_struct& info) {
+  int most_across = 1, most_down = 1;
+  for (int i = 0; i < info.num_components; ++i) {
+    most_across = std::max(most_across, info.comp_info[i].h_samp_factor);
+    most_down = std::max(most_down, info.comp_info[i].v_samp_factor);
+  }
+  info.max_v_samp_factor = most_down;
+  for (int i = 0; i < info.num_components; ++i) {
+    jpeg_component_info& component = info.comp_info[i];
+    component.width_in_blocks = static_cast<JDIMENSION>(DivideUp(
+        info.image_width * static_cast<unsigned>(component.h_samp_factor), most_across * DCTSIZE));
+  }
+}
+
+}  // namespace
+
+JpegLayout ReadJpegLayout(const Bytes& file) {
+  Decoder decoder(file);
+  const jpeg_decompress_struct& info = decoder.info;
+  JpegLayout layout;
+  layout.size = {static_cast<int>(info.image_width), static_cast<int>(info.image_height)};
+  layout.planar = IsPlanar(info);
+  for (int i = 0; layout.planar && i < info.num_components; ++i) {
+    layout.areas.push_back({info.max_h_samp_factor / info.comp_info[i].h_samp_factor,
+                            info.max_v_samp_factor / info.comp_info[i].v_samp_factor});
+  }
+  return layout;
+}
+
+std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file) {
+  Decoder decoder(file);
+  jpeg_decompress_struct& info = decoder.info;
+  info.raw_data_out = TRUE;
+  info.dct_method = JDCT_ISLOW;
+  decoder.Guard([&] { jpeg_start_decompress(&info); });
+  AllRows rows(info.comp_info, info.num_components, info.image_height, info.max_v_samp_factor);
+  JSAMPARRAY arrays[MAX_COMPONENTS] = {};
+  for (unsigned group = 0; group < rows.groups; ++group) {
+    rows.Group(group, arrays);
+    decoder.Guard([&] {
+      jpeg_read_raw_data(&info, arrays, static_cast<JDIMENSION>(info.max_v_samp_factor * DCTSIZE));
+    });
+  }
+  std::vector<cv::Mat> planes;
+  for (int i = 0; i < info.num_components; ++i) {
+    const jpeg_component_info& component = info.comp_info[i];
+    const cv::Rect used(0, 0, static_cast<int>(component.downsampled_width),
+                        static_cast<int>(component.downsampled_height));
+    planes.push_back(rows.planes[static_cast<size_t>(i)].samples(used).clone());
+  }
+  // Frees the component table, so it comes last. It also finds out when the file ends too early.
+  decoder.Guard([&] { jpeg_finish_decompress(&info); });
+  return planes;
+}
+
+Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, bool transposed) {
+  Decoder model(like);
+  Encoder encoder;
+  encoder.CopySettings(model);
+  jpeg_compress_struct& info = encoder.info;
+  if (transposed) Transpose(info);
+  info.raw_data_in = TRUE;
+  info.dct_method = JDCT_ISLOW;
+  FillBlockCounts(info);
+  AllRows rows(info.comp_info, info.num_components, info.image_height, info.max_v_samp_factor);
+  for (size_t i = 0; i < planes.size(); ++i) {
+    cv::Mat& samples = rows.planes[i].samples;
+    Extended(planes[i], samples.size()).copyTo(samples);
+  }
+  encoder.Guard([&] { jpeg_start_compress(&info, TRUE); });
+  JSAMPARRAY arrays[MAX_COMPONENTS] = {};
+  for (unsigned group = 0; group < rows.groups; ++group) {
+    rows.Group(group, arrays);
+    encoder.Guard([&] {
+      jpeg_write_raw_data(&info, arrays, static_cast<JDIMENSION>(info.max_v_samp_factor * DCTSIZE));
+    });
+  }
+  encoder.Guard([&] { jpeg_finish_compress(&info); });
+  return encoder.File();
+}
+
+Bytes ReplaceJpegBlocks(const Bytes& original, const Bytes& recoded,
+                        const std::vector<cv::Mat>& changed) {
+  Decoder source(original), donor(recoded);
+  jvirt_barray_ptr* kept = nullptr;
+  jvirt_barray_ptr* given = nullptr;
+  source.Guard([&] { kept = jpeg_read_coefficients(&source.info); });
+  donor.Guard([&] { given = jpeg_read_coefficients(&donor.info); });
+  for (size_t i = 0; i < changed.size(); ++i) {
+    const jpeg_component_info& component = source.info.comp_info[i];
+    const cv::Rect plane({0, 0}, changed[i].size());
+    for (JDIMENSION row = 0; row < component.height_in_blocks; ++row) {
+      JBLOCKARRAY to = nullptr, from = nullptr;
+      source.Guard([&] {
+        to = source.info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&source.info),
+                                                 kept[i], row, 1, TRUE);
+      });
+      donor.Guard([&] {
+        from = donor.info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&donor.info),
+                                                  given[i], row, 1, FALSE);
+      });
+      for (JDIMENSION column = 0; column < component.width_in_blocks; ++column) {
+        const cv::Rect block(static_cast<int>(column) * DCTSIZE, static_cast<int>(row) * DCTSIZE,
+                             DCTSIZE, DCTSIZE);
+        if (cv::countNonZero(changed[i](block & plane)) > 0) {
+          std::memcpy(to[0][column], from[0][column], sizeof(JBLOCK));
+        }
+      }
+    }
+  }
+  Encoder encoder;
+  encoder.CopySettings(source);
+  encoder.Guard([&] {
+    jpeg_write_coefficients(&encoder.info, kept);
+    jpeg_finish_compress(&encoder.info);
+  });
+  source.Guard([&] { jpeg_finish_decompress(&source.info); });
+  return encoder.File();
+}
+
+}  // namespace lumora::tools

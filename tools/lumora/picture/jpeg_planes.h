@@ -1,0 +1,46 @@
+// JPEG files as planes of samples and as DCT blocks, without any colour conversion.
+#ifndef LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_
+#define LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_
+
+#include <opencv2/core.hpp>
+#include <stdexcept>
+#include <vector>
+
+#include "tools/lumora/picture/planes.h"
+#include "tools/lumora/support/files.h"
+
+namespace lumora::tools {
+
+/// What libjpeg says about a file that it cannot read.
+class JpegError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct JpegLayout {
+  cv::Size size;
+  /// Whether the file holds gray, or luma at full resolution with two chroma planes of one
+  /// sampling. The functions below work for such files only.
+  bool planar = false;
+  std::vector<SampleArea> areas;  ///< one a plane
+};
+
+/// Reads the header only.
+JpegLayout ReadJpegLayout(const Bytes& file);
+
+/// The planes of a file: Y, or Y, Cb and Cr. A file that ends early is an error.
+std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file);
+
+/// A JPEG file of the planes with the quantisation, sampling and progression of `like`, without its
+/// metadata. With `transposed`, width and height of everything are exchanged.
+Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, bool transposed);
+
+/// `original` with those 8 x 8 blocks of `recoded` (a file of the same size, sampling and
+/// quantisation) in which a sample of `changed` (one 8-bit mask a plane) is not zero. All other
+/// blocks keep their coefficients, and so lose nothing. Metadata are left out.
+Bytes ReplaceJpegBlocks(const Bytes& original, const Bytes& recoded,
+                        const std::vector<cv::Mat>& changed);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_

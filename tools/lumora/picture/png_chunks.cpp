@@ -1,0 +1,105 @@
+#include "tools/lumora/picture/png_chunks.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
+#include <limits>
+
+namespace lumora::tools {
+namespace {
+
+constexpr std::array<uint8_t, 8> kSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+constexpr size_t kChunkHead = 8;  // length and type
+constexpr size_t kChunkTail = 4;  // checksum
+
+uint32_t BigEndian(const Bytes& file, size_t at) {
+  return static_cast<uint32_t>(file[at]) << 24 | static_cast<uint32_t>(file[at + 1]) << 16 |
+         static_cast<uint32_t>(file[at + 2]) << 8 | file[at + 3];
+}
+
+void AppendBigEndian(uint32_t value, Bytes& to) {
+  for (int shift = 24; shift >= 0; shift -= 8) to.push_back(static_cast<uint8_t>(value >> shift));
+}
+
+/// The place behind the header, where all chunks may stand that are copied or made here.
+constexpr std::ptrdiff_t kBehindHeader = 8 + 25;
+
+Bytes Inserted(const Bytes& chunks, const Bytes& file) {
+  Bytes result = file;
+  result.insert(result.begin() + kBehindHeader, chunks.begin(), chunks.end());
+  return result;
+}
+
+}  // namespace
+
+bool StartsLikePng(const Bytes& file) {
+  return file.size() >= kSignature.size() &&
+         std::equal(kSignature.begin(), kSignature.end(), file.begin());
+}
+
+cv::Size PngSize(const Bytes& file) {
+  constexpr size_t kWidthAt = 16, kHeightAt = 20;
+  if (file.size() < kHeightAt + 4 || std::memcmp(&file[12], "IHDR", 4) != 0) return {};
+  constexpr uint32_t kMost = std::numeric_limits<int>::max();
+  return {static_cast<int>(std::min(BigEndian(file, kWidthAt), kMost)),
+          static_cast<int>(std::min(BigEndian(file, kHeightAt), kMost))};
+}
+
+std::optional<Bytes> EssentialPng(const Bytes& file) {
+  Bytes essential(kSignature.begin(), kSignature.end());
+  size_t at = kSignature.size();
+  while (file.size() >= at + kChunkHead + kChunkTail) {
+    const size_t length = BigEndian(file, at);
+    if (length > file.size() - at - kChunkHead - kChunkTail) return std::nullopt;
+    const uint8_t* type = &file[at + 4];
+    const size_t end = at + kChunkHead + length + kChunkTail;
+    const uint32_t checksum = static_cast<uint32_t>(
+        crc32(0, type, static_cast<uInt>(length + 4)));  // covers type and content
+    if (checksum != BigEndian(file, end - kChunkTail)) return std::nullopt;
+    const bool critical = (type[0] & 0x20) == 0;  // an upper-case letter
+    if (critical || std::memcmp(type, "tRNS", 4) == 0) {
+      essential.insert(essential.end(), &file[at], &file[at] + (end - at));
+    }
+    if (std::memcmp(type, "IEND", 4) == 0) return essential;
+    at = end;
+  }
+  return std::nullopt;
+}
+
+Bytes WithChunksOf(const Bytes& from, const Bytes& to) {
+  constexpr const char* kKept[] = {"cHRM", "gAMA", "iCCP", "sRGB", "pHYs",
+                                   "tEXt", "zTXt", "iTXt", "eXIf"};
+  Bytes chunks;
+  for (size_t at = kSignature.size(); at + kChunkHead + kChunkTail <= from.size();) {
+    const size_t whole = kChunkHead + BigEndian(from, at) + kChunkTail;
+    const uint8_t* chunk = &from[at];
+    const bool kept = std::any_of(std::begin(kKept), std::end(kKept), [chunk](const char* type) {
+      return std::memcmp(chunk + 4, type, 4) == 0;
+    });
+    if (kept) chunks.insert(chunks.end(), chunk, chunk + whole);
+    at += whole;
+  }
+  return Inserted(chunks, to);
+}
+
+Bytes WithProfile(const uint8_t* profile, size_t size, const Bytes& to) {
+  // Type, the profile's name with its end, and the number of the only compression there is.
+  constexpr char kHead[] = "iCCPICC profile\0";
+  uLongf packed = compressBound(static_cast<uLong>(size));
+  Bytes content(sizeof(kHead) + packed);
+  std::memcpy(content.data(), kHead, sizeof(kHead));
+  compress(content.data() + sizeof(kHead), &packed, profile, static_cast<uLong>(size));
+  content.resize(sizeof(kHead) + packed);
+
+  Bytes chunk;
+  AppendBigEndian(static_cast<uint32_t>(content.size() - 4), chunk);  // the type does not count
+  chunk.insert(chunk.end(), content.begin(), content.end());
+  AppendBigEndian(
+      static_cast<uint32_t>(crc32(0, content.data(), static_cast<uInt>(content.size()))), chunk);
+  return Inserted(chunk, to);
+}
+
+}  // namespace lumora::tools
