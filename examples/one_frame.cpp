@@ -1,0 +1,22 @@
+// Slims the faces of one NV21 frame in place.
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+#include "pipeline/pipeline.h"
+
+int main() {
+  lumora::Status status;
+  const auto pipeline = lumora::Pipeline::Create(&status);
+  if (!pipeline) return std::fprintf(stderr, "%s\n", status.message.c_str()), 1;
+
+  const int width = 640, height = 480;
+  std::vector<uint8_t> luma(width * height, 128), chroma(width * height / 2, 128);  // your frame
+  const lumora::FrameView frame{
+      lumora::PixelFormat::NV21, width, height, {luma.data(), chroma.data()}, {width, width}};
+  const lumora::Face face = lumora::FaceFromEyes({280, 200}, {360, 200});  // from your detector
+
+  status = pipeline->Process(lumora::AsConst(frame), frame, {face}, {/*slim=*/50});
+  std::printf("%s\n", status.ok() ? "slimmed" : status.message.c_str());
+  return status.ok() ? 0 : 1;
+}
