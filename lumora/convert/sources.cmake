@@ -2,6 +2,8 @@
 find_package(hwy REQUIRED)
 
 set(lumora_convert_sources
+  convert/gpu_color_converter.cpp
+  convert/gpu_color_converter_passes.cpp
   convert/sp2yuvxs.cpp
   convert/sp2yuvxs_scalar.cpp
   convert/sp2yuvxs_simd.cpp)

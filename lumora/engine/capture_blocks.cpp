@@ -7,6 +7,8 @@
 
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/process_rectangle.h"
+#include "lumora/engine/whole_frame_store.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/quad.h"
@@ -18,10 +20,6 @@ namespace android {
 namespace {
 
 constexpr size_t kPixelBytes = 4;
-constexpr int kMaxFaces = 10;
-
-constexpr uint32_t kSoftwareReadWrite =
-    lumora::platform::GRALLOC_USAGE_SW_READ_OFTEN | lumora::platform::GRALLOC_USAGE_SW_WRITE_OFTEN;
 
 /// Calls copy_row(full_offset, block_offset, bytes) for each row of a block at (x, y) of an image
 /// of full_width pixels a row; columns beyond the right edge are left out.
@@ -36,23 +34,6 @@ void ForEachBlockRow(int x, int y, int block_width, int block_height, int full_w
     copy_row((full_row + static_cast<size_t>(x)) * kPixelBytes, block_row * kPixelBytes,
              static_cast<size_t>(columns) * kPixelBytes);
   }
-}
-
-/// The part of a face's rectangle that lies in the frame, from even to exclusive coordinates.
-struct BlockRange {
-  int x0, y0, x1, y1;
-};
-
-BlockRange ClipToFrame(const FaceProcessRect& face, int frame_width, int frame_height) {
-  const auto end = [](int start, int length, int limit) {
-    return static_cast<int>(std::min<int64_t>(int64_t{start} + length, limit));
-  };
-  // Even origins keep chroma pairs and rows whole.
-  const auto start = [](int position) {
-    return static_cast<int>((int64_t{std::max(position, 0)} + 1) & ~int64_t{1});
-  };
-  return {start(face.X), start(face.Y), end(face.X, face.Width, frame_width),
-          end(face.Y, face.Height, frame_height)};
 }
 
 }  // namespace
@@ -113,10 +94,10 @@ int GPUBeautyFace::BlockCopyYUV(unsigned char* pDstYStart, unsigned char* pDstUV
 
 int GPUBeautyFace::CopyMemYUVfromSrcTextureLarge(void* pDstY, void* pDstUV, int /*unused*/,
                                                  int nFaces) {
-  if (nFaces > kMaxFaces) {
+  if (nFaces > lumora::kMaxFaceRecords) {
     LOGE("[%s] %d faces, only %d are processed", "CopyMemYUVfromSrcTextureLarge", nFaces,
-         kMaxFaces);
-    nFaces = kMaxFaces;
+         lumora::kMaxFaceRecords);
+    nFaces = lumora::kMaxFaceRecords;
   }
   for (int i = 0; i < nFaces; ++i) {
     if (!m_bColorCvtMode) return 0;
@@ -141,23 +122,18 @@ bool GPUBeautyFace::CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV,
   m_nResultIdx = m_bLargeCapture ? 2 : 1;
   LOGD("[CopyMemYUVfromSrcTextureLarge]process block");
 
-  const BlockRange range = ClipToFrame(face, m_nFullWidth, m_nFullHeight);
-  for (int y = range.y0; y < range.y1; y += m_nSrcHeight) {
+  const lumora::BlockRange range = lumora::ClipToFrame(face, m_nFullWidth, m_nFullHeight);
+  return lumora::ForEachBlock(range, m_nSrcWidth, m_nSrcHeight, [&](int x, int y) {
     const int rows = std::min(m_nFullHeight - y, m_nSrcHeight);
-    for (int x = range.x0; x < range.x1; x += m_nSrcWidth) {
-      const int columns = std::min(m_nFullWidth - x, m_nSrcWidth);
-      if (!PrepareBlockSource(x, y, rows)) return false;
-      if (DrawColorConvertHSI2YUV() == 0 || DrawRGBtoYY(-1) == 0 || DrawRGBtoUV(-1) == 0) {
-        return false;
-      }
-      glFlush();
-      glFinish();
-      if (BlockCopyYUV(pDstY, pDstUV, m_nFullWidth, m_nFullHeight, x, y, columns, rows) == 0) {
-        return false;
-      }
+    const int columns = std::min(m_nFullWidth - x, m_nSrcWidth);
+    if (!PrepareBlockSource(x, y, rows) || DrawColorConvertHSI2YUV() == 0 || DrawRGBtoYY(-1) == 0 ||
+        DrawRGBtoUV(-1) == 0) {
+      return false;
     }
-  }
-  return true;
+    glFlush();
+    glFinish();
+    return BlockCopyYUV(pDstY, pDstUV, m_nFullWidth, m_nFullHeight, x, y, columns, rows) == 1;
+  });
 }
 
 bool GPUBeautyFace::PrepareBlockSource(int x, int y, int rows) {
@@ -171,18 +147,17 @@ bool GPUBeautyFace::PrepareBlockSource(int x, int y, int rows) {
                                       static_cast<float>(y + m_nSrcHeight) / height);
     return true;
   }
-  void* store = nullptr;
-  if (!m_spLargeBuffer || m_pWorkImage[2] == nullptr ||
-      m_spLargeBuffer->lock(kSoftwareReadWrite, &store) < 0 || store == nullptr) {
-    LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
-    return false;
-  }
-  if (unsigned char* block = m_pWorkImage[2]->Lock()) {
-    BlockCopyRGBA8888DrawBack(static_cast<const unsigned char*>(store), block, x, y,
-                              lumora::RoundUpTo32(m_nSrcWidth), rows, full_stride, m_nFullHeight);
+  unsigned char* block = m_pWorkImage[2] != nullptr ? m_pWorkImage[2]->Lock() : nullptr;
+  {
+    const lumora::LockedStore store(*this);
+    if (store.texels() == nullptr || block == nullptr) {
+      LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
+      return false;
+    }
+    BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, lumora::RoundUpTo32(m_nSrcWidth), rows,
+                              full_stride, m_nFullHeight);
     m_pWorkImage[2]->Unlock();
   }
-  m_spLargeBuffer->unlock();
   lumora::quad::ResetTextureCoordinates();
   return true;
 }

@@ -10,9 +10,10 @@ namespace android {
 
 namespace quad = lumora::quad;
 
-SEGLImage* GPUBeautyFace::ResultImage() const {
-  if (m_nResultIdx == 3) return m_pRGBImage;
-  return m_nResultIdx >= 0 && m_nResultIdx < 3 ? m_pWorkImage[m_nResultIdx] : nullptr;
+/// The four images by number: the work images, then the input image.
+SEGLImage* GPUBeautyFace::ImageAt(int index) const {
+  if (index == 3) return m_pRGBImage;
+  return index >= 0 && index < 3 ? m_pWorkImage[index] : nullptr;
 }
 
 SEGLImage* GPUBeautyFace::PackingSource(int nSrc) const {
@@ -30,7 +31,7 @@ int GPUBeautyFace::DrawColorConvertRGB2HSI() {
 }
 
 int GPUBeautyFace::DrawColorConvertHSI2YUV() {
-  Pass pass{"DrawColorConvertHSI2YUV", m_pProgHSI2YUV,  ResultImage(), m_hRGBFbo,
+  Pass pass{"DrawColorConvertHSI2YUV", m_pProgHSI2YUV,  ImageAt(m_nResultIdx), m_hRGBFbo,
             m_nAlignedWidth,           m_nAlignedHeight};
   pass.keep_coordinates = true;
   return RunPass(pass);
@@ -71,7 +72,7 @@ int GPUBeautyFace::ConvertYUV() {
 
 int GPUBeautyFace::ConvertHSItoYUV() {
   LOGI("ConvertYUV+");
-  SEGLImage* result = ResultImage();
+  SEGLImage* result = ImageAt(m_nResultIdx);
   if (result == nullptr) {
     LOGE("[SetSrcImage]g_pEGLRGB is not initiated");
     return 0;

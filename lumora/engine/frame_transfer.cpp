@@ -8,10 +8,10 @@
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/engine/lens_polynomial.h"
+#include "lumora/gl/cache_clean.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
-#include "lumora/platform/gralloc.h"
 
 LUMORA_LOG_TAG("Lumora");
 
@@ -85,12 +85,7 @@ int GPUBeautyFace::MemcpyYUV(void* pDstY, void* pDstUV) {
 }
 
 int GPUBeautyFace::clean_buffer(void* base, int flags, int offset, int fd, int size) {
-  namespace gralloc = lumora::platform::gralloc;
-  const auto allocator = gralloc::IAllocController::getInstance()->getAllocator(flags);
-  if (allocator->clean_buffer(base, static_cast<size_t>(size), offset, fd, gralloc::CACHE_CLEAN) >=
-      0) {
-    return 1;
-  }
+  if (lumora::CleanBuffer(base, flags, offset, fd, size)) return 1;
   LOGD("[%s] clean buffer error", "clean_buffer");
   return 0;
 }

@@ -5,14 +5,27 @@
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
 
+#include <cstdint>
+
 #include "lumora/engine/face_info.h"
 #include "lumora/export.h"
 #include "lumora/gl/gl_program.h"
 #include "lumora/gl/segl_image.h"
 
 namespace lumora {
+struct ColourSums;
+struct FaceGeometry;
 struct OffscreenHandles;
-}
+}  // namespace lumora
+
+/// Which shifts whitening applies. Every value builds the same ellipses; values that are not named
+/// here shift nothing.
+enum BEAUTYSHOT_EFFECT_t : int32_t {
+  BEAUTYSHOT_EFFECT_INTENSITY = 3,
+  BEAUTYSHOT_EFFECT_SATURATION = 4,
+  BEAUTYSHOT_EFFECT_BOTH = 8,
+  BEAUTYSHOT_EFFECT_MASK = 15,  ///< no shift, the outer ellipse enlarged by a tenth
+};
 
 namespace android {
 
@@ -189,6 +202,95 @@ class LUMORA_API GPUBeautyFace {
   /// image i mod 2. Returns 1, or 0 when a program or image is missing.
   int DrawFaceDist(int index);
 
+  /// Slims the faces of a capture, block by block around each face, and writes the processed blocks
+  /// to two planes whose rows have the full capture width; the rest of them is left as it is.
+  ///   in, out        luma and chroma plane to write to
+  ///   width, height  size of the capture, pixels; at least 20 rows in block mode
+  ///   faces, count   consecutive records; in block mode at most 10 (more: ERROR, and 10 are
+  ///   processed) level          beauty level, as in FaceProcess
+  /// Outside block mode blocks lie around each face's centre. In block mode they lie in the
+  /// rectangles that whitening recorded, and a GLProgCheekSlimmerLarge_HSI must be in
+  /// `m_pProgCheekSlimmer`: the set-up makes none. The argument after height is not used. Always
+  /// returns 1.
+  int FaceProcessLarge(void* in, void* out, int width, int height, int unused, FACE_INFO_t* faces,
+                       int count, int level);
+
+  /// Draws one capture block: from the HSI store in block mode, else from the plane textures, into
+  /// work image 0. Returns 1, or 0 when a program or image is missing.
+  int DrawFaceDistLarge();
+
+  // ---- Face whitening ---------------------------------------------------------------------------
+
+  /// Whitens faces of a preview frame in colour-convert mode, between ConvertYUV and
+  /// ConvertHSItoYUV.
+  ///   pFaces, nFaces    consecutive records
+  ///   nIntensityLevel   requested lift of intensity, 0 .. 255 units
+  ///   nSaturationLevel  shift of saturation, 0 .. 255 units
+  /// `m_nResultIdx` names the image with the result: 2 after an odd number of faces, 1 after an
+  /// even one, and 3, the input image, without a face. Returns 1, or 0 when an image or program is
+  /// missing.
+  int DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel, int nSaturationLevel,
+                      BEAUTYSHOT_EFFECT_t eEffect);
+
+  /// Whitens faces of a capture in block mode into the store of the whole frame;
+  /// CopyMemYUVfromSrcTextureLarge then brings the blocks back. At most 10 faces (more: ERROR, and
+  /// 10 are processed); frames must be at least 20 x 20 pixels.
+  ///   pSrcY   luma plane, tightly packed, with the chroma rows directly after it (faces are
+  ///   measured
+  ///           there)
+  ///   pSrcUV  chroma plane that is expanded, rows of the full capture width
+  /// Returns 1.
+  int DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSrcUV, FACE_INFO_t* pFaces,
+                           int nFaces, int nIntensityLevel, int nSaturationLevel,
+                           BEAUTYSHOT_EFFECT_t eEffect);
+
+  /// Measures a face and sets the whitening program's members. `bCpuSource` takes the samples from
+  /// the tightly packed frame `pSrcYUV`, else from work image 1. The face's number is not used.
+  /// Returns 1, or 0 without the program.
+  int SetFaceWhiteningParameters(FACE_INFO_t face, int nIntensityLevel, int nSaturationLevel,
+                                 BEAUTYSHOT_EFFECT_t eEffect, int nFaceIndex, bool bCpuSource,
+                                 unsigned char* pSrcYUV);
+
+  /// The matrix, nine floats column by column, that takes texture coordinates (u, v, 1) of an
+  /// nWidth x nHeight frame to the unit circle of the ellipse with the axes p0 - p1 and p2 - p3
+  /// (pixels). nPadding pixels are added to the half axes after scaling by fScale. Returns 1.
+  int GetEllipseTransformMatrix(fpf_point p0, fpf_point p1, fpf_point p2, fpf_point p3,
+                                float* pMatrix, int nWidth, int nHeight, int nPadding,
+                                float fScale);
+
+  /// One pixel's hue (degrees), saturation and intensity (0 .. 255): of the semi-planar frame pYUV
+  /// (nStride bytes a row, chroma after nHeight rows), or, when that is null, of work image
+  /// 1 + nImageIdx mod 2 (nStride pixels a row). Without the image nothing is written. Returns 1.
+  int GetGPU_HSI(unsigned char* pYUV, int x, int y, int nStride, int nHeight, int& nH, int& nS,
+                 int& nI, int nImageIdx);
+
+  /// The logit of an 8-bit intensity in the shader's units.
+  float InvertEC(int nValue);
+
+  /// Draws one face of a whole frame: pass k = nPass mod 2 reads work image 1 + k and writes the
+  /// other of the two. Returns 1, or 0 when a program or image is missing.
+  int DrawFaceWhite(int nPass);
+  /// Draws one block: work image 0, with the previous result in the input image when bUsePrev, into
+  /// work image 2. Does not set the viewport. Returns 1, or 0 when a program or image is missing.
+  int DrawFaceWhiteLarge(bool bUsePrev);
+
+  // ---- Lens rectification -----------------------------------------------------------------------
+
+  /// Keystone correction of a preview frame. `degree` is in hundredths of the frame's size: a
+  /// positive one shortens the left side of what is sampled, a negative one the right. Planes as in
+  /// FaceProcess. Returns 1, or 0 with both planes untouched.
+  int Rectification(void* in, void* out, int degree, int unused);
+  /// Radial correction of a preview frame by the lens coefficients of a camera (1: the second; any
+  /// other: the first), read from its files at every call. The third argument is not used. Planes
+  /// as in FaceProcess. Returns 1, or 0 with both planes untouched.
+  int RadialRectification(void* in, void* out, int unused, int camera);
+
+  // Parameters and passes of the two: 1, or 0 when a program or image is missing.
+  int SetRectParameters(int degree);
+  int SetRadialRectParameters(int camera);
+  int DrawRectification();        ///< input image to work image 0
+  int DrawRadialRectification();  ///< input image to work image 0, cropped to the corrected frame
+
   // ---- State ------------------------------------------------------------------------------------
   // Sizes are pixels unless said otherwise. Sizes and GL names are -1 and pointers null when unset.
 
@@ -236,6 +338,13 @@ class LUMORA_API GPUBeautyFace {
   bool m_bShowMask;                     ///< the programs paint their diagnostic marks
   FaceProcessRect m_rcFaceProcess[10];  ///< by face: the rectangle that captures processed
 
+  // The face that whitening measured last, in pixels of the full frame.
+  int m_nFaceWhiteRadius;
+  int m_nFaceWhiteHalfWidth;
+  int m_nFaceWhiteHalfHeight;
+  int m_nFaceWhiteCenterX;
+  int m_nFaceWhiteCenterY;
+
  private:
   struct Pass;
 
@@ -248,13 +357,21 @@ class LUMORA_API GPUBeautyFace {
   bool MakePackers(const char* function);
 
   // Drawing and copying.
-  SEGLImage* ResultImage() const;
+  SEGLImage* ImageAt(int index) const;
   SEGLImage* PackingSource(int nSrc) const;
   int RunPass(const Pass& pass);
+  int CheckPreviewReady();
   int BeginPreviewFrame(void* in);
   int FinishPreviewFrame(void* in, void* out, int packed_source);
   bool CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV, const FaceProcessRect& face);
   bool PrepareBlockSource(int x, int y, int rows);
+  bool SlimBlock(void* in, void* out, int width, int height, int x, int y, int& run);
+
+  // Whitening.
+  lumora::ColourSums SampleFace(const lumora::FaceGeometry& face, unsigned char* frame);
+  bool WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face, int x, int y);
+  bool LoadPreviousResult(int x, int y, int rows);
+  bool StoreResult(int x, int y, int rows);
 
   bool m_bDisplayReferenced;  ///< the display was initialised and is terminated with the engine
 };

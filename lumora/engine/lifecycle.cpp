@@ -97,6 +97,11 @@ GPUBeautyFace::GPUBeautyFace()
       m_hYTexture(kNoName),
       m_hCbCrTexture(kNoName),
       m_bShowMask(false),
+      m_nFaceWhiteRadius(0),
+      m_nFaceWhiteHalfWidth(0),
+      m_nFaceWhiteHalfHeight(0),
+      m_nFaceWhiteCenterX(0),
+      m_nFaceWhiteCenterY(0),
       m_bDisplayReferenced(false) {
   LOGI("GPUBeautyFace()+");
   const bool ready = lumora::CreateOffscreenContext(

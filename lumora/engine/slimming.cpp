@@ -65,7 +65,7 @@ int GPUBeautyFace::DrawFaceDist(int index) {
                   m_nAlignedWidth, m_nAlignedHeight});
 }
 
-int GPUBeautyFace::BeginPreviewFrame(void* in) {
+int GPUBeautyFace::CheckPreviewReady() {
   if (m_pRGBImage == nullptr) {
     LOGE("[SetSrcImage]g_pSrcTexture is not initiated");
     return 0;
@@ -74,6 +74,11 @@ int GPUBeautyFace::BeginPreviewFrame(void* in) {
     LOGI("!m_bIsInit");
     return 0;
   }
+  return 1;
+}
+
+int GPUBeautyFace::BeginPreviewFrame(void* in) {
+  if (CheckPreviewReady() == 0) return 0;
   // In colour-convert mode the input image is filled already.
   if (m_bColorCvtMode) return 1;
   return LoadPreviewFrameBuffer(in);

@@ -1,36 +1,17 @@
 #include "lumora/gl/gl_program.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <iterator>
 
+#include "lumora/gl/colour_matrix.h"
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/program_loader.h"
+#include "lumora/gl/quad.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/graphic_buffer.h"
 
 LUMORA_LOG_TAG("GLProgram");
-
-namespace {
-
-constexpr uint16_t kQuadIndices[6] = {0, 1, 2, 0, 2, 3};
-
-// Column by column; the last column is the chroma offset of one half, folded in.
-constexpr float kMatYUV2RGB[16] = {
-    1.0f,    1.0f,    1.0f,    0.0f,  // Y
-    1.402f,  -0.714f, 0.0f,    0.0f,  // Cr
-    0.0f,    -0.344f, 1.772f,  0.0f,  // Cb
-    -0.701f, 0.529f,  -0.886f, 1.0f,  // constant
-};
-
-void PointAttribute(int location, int size, const void* coords) {
-  const auto index = static_cast<GLuint>(location);
-  glVertexAttribPointer(index, size, GL_FLOAT, GL_FALSE, 0, coords);
-  glEnableVertexAttribArray(index);
-}
-
-}  // namespace
 
 GLProgram::GLProgram()
     : m_hProgram(static_cast<unsigned int>(-1)),
@@ -40,7 +21,7 @@ GLProgram::GLProgram()
   std::fill(std::begin(m_nAttribLoc), std::end(m_nAttribLoc), -1);
   std::fill(std::begin(m_nUniformLoc), std::end(m_nUniformLoc), -1);
   std::fill(std::begin(m_nSamplerLoc), std::end(m_nSamplerLoc), -1);
-  std::copy(std::begin(kMatYUV2RGB), std::end(kMatYUV2RGB), m_fMatYUV2RGB);
+  std::copy(std::begin(lumora::kMatYUV2RGB), std::end(lumora::kMatYUV2RGB), m_fMatYUV2RGB);
 }
 
 GLProgram::~GLProgram() {
@@ -70,22 +51,22 @@ bool GLProgram::Use() {
 }
 
 bool GLProgram::SetVertexCoord(int size, const void* coords) {
-  PointAttribute(m_nVerCoordLoc, size, coords);
+  lumora::quad::PointAttribute(m_nVerCoordLoc, size, coords);
   return true;
 }
 
 bool GLProgram::SetTextureCoord(int size, const void* coords) {
-  PointAttribute(m_nTexCoordLoc, size, coords);
+  lumora::quad::PointAttribute(m_nTexCoordLoc, size, coords);
   return true;
 }
 
 bool GLProgram::VertexAttribPointer(int index, int size, const void* coords) {
-  PointAttribute(m_nAttribLoc[index], size, coords);
+  lumora::quad::PointAttribute(m_nAttribLoc[index], size, coords);
   return true;
 }
 
 bool GLProgram::Draw() {
-  return GLProgram::Draw(6, kQuadIndices);
+  return GLProgram::Draw(6, lumora::quad::kIndices);
 }
 
 bool GLProgram::Draw(int count, const void* indices) {

@@ -1,6 +1,14 @@
 #include "lumora/gl/quad.h"
 
+#include "lumora/platform/gl_api.h"
+
 namespace lumora::quad {
+
+void PointAttribute(int location, int size, const void* coords) {
+  const auto index = static_cast<GLuint>(location);
+  glVertexAttribPointer(index, size, GL_FLOAT, GL_FALSE, 0, coords);
+  glEnableVertexAttribArray(index);
+}
 
 float* TextureCoordinates() {
   static thread_local float coordinates[8] = {0, 1, 0, 0, 1, 0, 1, 1};

@@ -2,6 +2,8 @@
 #ifndef LUMORA_GL_QUAD_H_
 #define LUMORA_GL_QUAD_H_
 
+#include <cstdint>
+
 namespace lumora::quad {
 
 /// Positions: four vertices of x, y, z, w.
@@ -16,6 +18,13 @@ inline constexpr float kPositions[16] = {
 inline constexpr float kRotatedPositions[16] = {
     1, 1, 1, 1, -1, 1, 1, 1, -1, -1, 1, 1, 1, -1, 1, 1,
 };
+
+/// Two triangles over the four vertices.
+inline constexpr uint16_t kIndices[6] = {0, 1, 2, 0, 2, 3};
+
+/// Points the attribute at `location` at `coords`, `size` floats a vertex, tightly packed, in
+/// client memory that outlives the draw, and enables it.
+void PointAttribute(int location, int size, const void* coords);
 
 /// The texture coordinates of the next draw, four vertices of s, t. One writable array for all
 /// passes: most reset it, the capture block loop writes a block's rectangle into it and the pass

@@ -4,6 +4,7 @@ set(lumora_shaders
   kPassThroughEffectsVert:pass_through_effects.vert
   kYuvToRgbFrag:yuv_to_rgb.frag
   kRgbToHsiFrag:rgb_to_hsi.frag
+  kRgbToOpaqueHsiFrag:rgb_to_opaque_hsi.frag
   kYuvToHsiFrag:yuv_to_hsi.frag
   kHsiToYuvFrag:hsi_to_yuv.frag
   kRgbToYFrag:rgb_to_y.frag

@@ -1,0 +1,56 @@
+#include "lumora/engine/lens_files.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <string>
+
+#include "lumora/engine/lens_polynomial.h"
+#include "lumora/platform/settings.h"
+
+namespace lumora {
+namespace {
+
+constexpr size_t kTextSize = 100;
+
+/// The first bytes of a file, always followed by a terminator.
+struct FileText {
+  char text[kTextSize + 1] = {};
+
+  explicit FileText(const std::string& path) {
+    if (std::FILE* file = std::fopen((platform::SystemRoot() + path).c_str(), "rb")) {
+      const size_t count = std::fread(text, 1, kTextSize, file);
+      std::fclose(file);
+      text[count] = '\0';
+    }
+  }
+};
+
+/// The first word after the first space of the sensor file; empty when there is none.
+std::string SensorName(bool second_camera) {
+  const FileText file(second_camera ? "/sys/android_camera2/sensor" : "/sys/android_camera/sensor");
+  char name[kTextSize + 1] = {};
+  if (const char* space = std::strchr(file.text, ' ')) std::sscanf(space, "%100s", name);
+  return name;
+}
+
+}  // namespace
+
+std::array<float, 4> ReadLensCoefficients(bool second_camera) {
+  std::array<float, 4> k{};
+  std::copy(std::begin(kDefaultLensCoefficients), std::end(kDefaultLensCoefficients), k.begin());
+
+  char path[kTextSize];
+  std::snprintf(path, sizeof(path), "/system/etc/%s_1", SensorName(second_camera).c_str());
+  const FileText file(path);
+  constexpr char kKey[] = "r_param";
+  const char* key = std::strstr(file.text, kKey);
+  if (key == nullptr) return k;
+  const char* separator = key + std::strlen(kKey);
+  if (*separator == '\0') return k;
+  std::sscanf(separator + 1, "%f %f %f %f", &k[0], &k[1], &k[2], &k[3]);
+  return k;
+}
+
+}  // namespace lumora

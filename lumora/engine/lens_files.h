@@ -1,0 +1,18 @@
+// The files that tell a camera's lens coefficients.
+#ifndef LUMORA_ENGINE_LENS_FILES_H_
+#define LUMORA_ENGINE_LENS_FILES_H_
+
+#include <array>
+
+namespace lumora {
+
+/// Coefficients k0 .. k3 of the lens of the first or second camera. The camera's sensor name is the
+/// first word after the first space in "/sys/android_camera/sensor" ("/sys/android_camera2/sensor"
+/// for the second); the coefficients are the numbers after "r_param" and one separator in
+/// "/system/etc/<name>_1". Only the first 100 bytes of a file count. Whatever is missing or does
+/// not parse keeps the default of kDefaultLensCoefficients. Paths lie below the system root.
+std::array<float, 4> ReadLensCoefficients(bool second_camera);
+
+}  // namespace lumora
+
+#endif  // LUMORA_ENGINE_LENS_FILES_H_

@@ -1,0 +1,95 @@
+// Lens and perspective rectification of preview frames.
+#include <algorithm>
+
+#include "lumora/engine/lens_files.h"
+#include "lumora/engine/pass.h"
+#include "lumora/gl/log.h"
+#include "lumora/gl/offscreen_context.h"
+#include "lumora/platform/gl_api.h"
+#include "lumora/programs/rectification_programs.h"
+
+LUMORA_LOG_TAG("Lumora");
+
+namespace android {
+
+int GPUBeautyFace::SetRectParameters(int degree) {
+  auto* program = static_cast<GLProgRectificaton*>(m_pProgRectification);
+  if (program == nullptr) {
+    LOGE("[%s] program or image is missing", "SetRectParameters");
+    return 0;
+  }
+  const float d = static_cast<float>(degree) / 100.0f;
+  const float h = d * 0.5f;
+  const auto set_corner = [program](int corner, float x, float y) {
+    program->m_fvQuad[corner][0] = x;
+    program->m_fvQuad[corner][1] = y;
+  };
+  // One side of the quadrilateral is shortened by d at both ends, both are moved in by half of it.
+  if (degree >= 0) {
+    set_corner(0, d - h, d);
+    set_corner(1, 1 - h, 0);
+    set_corner(2, d - h, 1 - d);
+    set_corner(3, 1 - h, 1);
+  } else {
+    set_corner(0, -h, 0);
+    set_corner(1, 1 + d - h, -d);
+    set_corner(2, -h, 1);
+    set_corner(3, 1 + d - h, 1 + d);
+  }
+  program->m_fDegree = std::clamp(static_cast<float>(degree), -3.0f, 3.0f);
+  return 1;
+}
+
+int GPUBeautyFace::SetRadialRectParameters(int camera) {
+  auto* program = static_cast<GLProgRadialDistortion*>(m_pProgRadialDistortion);
+  if (program == nullptr) {
+    LOGE("[%s] program or image is missing", "SetRadialRectParameters");
+    return 0;
+  }
+  const auto coefficients = lumora::ReadLensCoefficients(camera == 1);
+  std::copy(coefficients.begin(), coefficients.end(), program->m_fvKval);
+  return 1;
+}
+
+int GPUBeautyFace::DrawRectification() {
+  return RunPass({"DrawRectification", m_pProgRectification, m_pRGBImage, m_hWorkFbo[0],
+                  m_nAlignedWidth, m_nAlignedHeight, lumora::quad::kPositions, GL_LINEAR});
+}
+
+int GPUBeautyFace::DrawRadialRectification() {
+  float* coordinates = lumora::quad::TextureCoordinates();
+  lumora::quad::ResetTextureCoordinates();
+  for (int corner = 0; corner < 4; ++corner) {
+    float* at = coordinates + 2 * corner;
+    SetCropVertexCoord(at[0], at[1], at);
+  }
+  Pass pass{"DrawRadialRectification", m_pProgRadialDistortion, m_pRGBImage, m_hWorkFbo[0],
+            m_nAlignedWidth,           m_nAlignedHeight};
+  pass.filter = GL_LINEAR;
+  pass.keep_coordinates = true;
+  return RunPass(pass);
+}
+
+int GPUBeautyFace::Rectification(void* in, void* out, int degree, int /*unused*/) {
+  LOGI("FaceProcess++");
+  if (CheckPreviewReady() == 0 || LoadPreviewFrameBuffer(in) == 0) return 0;
+  if (SetRectParameters(degree) == 0 || DrawRectification() == 0 ||
+      FinishPreviewFrame(in, out, 1) == 0) {
+    return 0;
+  }
+  LOGI("FaceProcess--");
+  return 1;
+}
+
+int GPUBeautyFace::RadialRectification(void* in, void* out, int /*unused*/, int camera) {
+  LOGI("FaceProcess  RadialRectification++");
+  if (CheckPreviewReady() == 0 || LoadPreviewFrameBuffer(in) == 0) return 0;
+  if (SetRadialRectParameters(camera) == 0 || DrawRadialRectification() == 0 ||
+      FinishPreviewFrame(in, out, 1) == 0) {
+    return 0;
+  }
+  LOGI("FaceProcess  RadialRectification--");
+  return 1;
+}
+
+}  // namespace android

@@ -1,0 +1,169 @@
+// Face whitening: measuring a face, and the whole-frame passes.
+#include <algorithm>
+#include <cstdint>
+
+#include "lumora/engine/frame_sizes.h"
+#include "lumora/engine/pass.h"
+#include "lumora/engine/whitening_parameters.h"
+#include "lumora/gl/log.h"
+#include "lumora/gl/offscreen_context.h"
+#include "lumora/platform/gl_api.h"
+#include "lumora/programs/face_whitening_programs.h"
+
+LUMORA_LOG_TAG("Lumora");
+
+namespace android {
+namespace {
+
+/// What an effect applies of the shifts, and how it scales the outer ellipse.
+struct EffectRule {
+  bool intensity;
+  bool saturation;
+  float outer_scale;
+};
+
+EffectRule RuleOf(BEAUTYSHOT_EFFECT_t effect) {
+  switch (effect) {
+    case BEAUTYSHOT_EFFECT_INTENSITY:
+      return {true, false, 1.0f};
+    case BEAUTYSHOT_EFFECT_SATURATION:
+      return {false, true, 1.0f};
+    case BEAUTYSHOT_EFFECT_BOTH:
+      return {true, true, 1.0f};
+    case BEAUTYSHOT_EFFECT_MASK:
+      return {false, false, 1.1f};
+  }
+  return {false, false, 1.0f};
+}
+
+int ToMember(int64_t value) {
+  return static_cast<int>(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
+}
+
+}  // namespace
+
+float GPUBeautyFace::InvertEC(int nValue) {
+  return lumora::LogitOfIntensity(nValue);
+}
+
+int GPUBeautyFace::GetEllipseTransformMatrix(fpf_point p0, fpf_point p1, fpf_point p2, fpf_point p3,
+                                             float* pMatrix, int nWidth, int nHeight, int nPadding,
+                                             float fScale) {
+  LOGI("scaleR = %.2f", static_cast<double>(fScale));
+  lumora::EllipseMatrix({p0, p1, p2, p3, nPadding, fScale}, nWidth, nHeight, pMatrix);
+  return 1;
+}
+
+int GPUBeautyFace::GetGPU_HSI(unsigned char* pYUV, int x, int y, int nStride, int nHeight, int& nH,
+                              int& nS, int& nI, int nImageIdx) {
+  if (pYUV != nullptr) {
+    const lumora::HsiSample sample = lumora::SampleYuv(pYUV, x, y, nStride, nHeight);
+    nH = sample.hue;
+    nS = sample.saturation;
+    nI = sample.intensity;
+    return 1;
+  }
+  SEGLImage* image = ImageAt(1 + nImageIdx % 2);
+  const unsigned char* texels = image != nullptr ? image->Lock() : nullptr;
+  if (texels == nullptr) return 1;
+  const unsigned char* texel = texels + (int64_t{y} * nStride + x) * 4;
+  nH = texel[0] * 360 >> 8;
+  nS = texel[1];
+  nI = texel[2];
+  return 1;
+}
+
+int GPUBeautyFace::SetFaceWhiteningParameters(FACE_INFO_t face, int nIntensityLevel,
+                                              int nSaturationLevel, BEAUTYSHOT_EFFECT_t eEffect,
+                                              int /*nFaceIndex*/, bool bCpuSource,
+                                              unsigned char* pSrcYUV) {
+  auto* program = static_cast<GLProgWhiteningBase*>(m_pProgFaceWhitening);
+  if (program == nullptr) {
+    LOGE("[%s] program or image is missing", "SetFaceWhiteningParameters");
+    return 0;
+  }
+  const lumora::FaceGeometry geometry = lumora::MeasureFace(face);
+  m_nFaceWhiteRadius = ToMember(geometry.radius);
+  m_nFaceWhiteHalfWidth = ToMember(geometry.half_width);
+  m_nFaceWhiteHalfHeight = ToMember(geometry.half_height);
+  m_nFaceWhiteCenterX = ToMember(geometry.centre_x);
+  m_nFaceWhiteCenterY = ToMember(geometry.centre_y);
+
+  const lumora::WhiteningShifts shifts = lumora::ComputeShifts(
+      SampleFace(geometry, bCpuSource ? pSrcYUV : nullptr), nIntensityLevel, nSaturationLevel);
+  LOGD("GPU Face Whitening: fDiffS: %f, fDiffI: %f", static_cast<double>(shifts.saturation),
+       static_cast<double>(shifts.intensity));
+
+  const EffectRule rule = RuleOf(eEffect);
+  program->m_fAspectRatio = static_cast<float>(m_nFullHeight) / static_cast<float>(m_nFullWidth);
+  program->m_fDiffI = rule.intensity ? shifts.intensity : 0.0f;
+  program->m_fDiffS = rule.saturation ? shifts.saturation / 255.0f : 0.0f;
+  const auto ellipses = lumora::FaceEllipses(face, geometry, rule.outer_scale);
+  for (size_t i = 0; i < ellipses.size(); ++i) {
+    const lumora::EllipseAxes& axes = ellipses[i];
+    GetEllipseTransformMatrix(axes.p0, axes.p1, axes.p2, axes.p3, program->m_fEllipseController[i],
+                              m_nFullWidth, m_nFullHeight, axes.padding, axes.scale);
+  }
+
+  LOGD("GPU Face Whitening Type : %d", static_cast<int>(eEffect));
+  LOGD("GPU Face Whitening Paramters : fDiffS: %f, fDiffI: %f",
+       static_cast<double>(program->m_fDiffS), static_cast<double>(program->m_fDiffI));
+  return 1;
+}
+
+lumora::ColourSums GPUBeautyFace::SampleFace(const lumora::FaceGeometry& face,
+                                             unsigned char* frame) {
+  const int stride = frame != nullptr ? m_nFullWidth : lumora::RoundUpTo32(m_nFullWidth);
+  lumora::ColourSums sums;
+  for (int64_t y = face.centre_y - face.sample_radius; y < face.centre_y + face.sample_radius;
+       y += face.sample_step) {
+    if (y < 0 || y >= m_nFullHeight) continue;
+    for (int64_t x = face.centre_x - face.sample_radius; x < face.centre_x + face.sample_radius;
+         x += face.sample_step) {
+      if (x < 0 || x >= m_nFullWidth) continue;
+      int hue = 0;
+      int saturation = 0;
+      int intensity = 0;
+      GetGPU_HSI(frame, static_cast<int>(x), static_cast<int>(y), stride, m_nFullHeight, hue,
+                 saturation, intensity, 0);
+      sums.intensity += intensity;
+      sums.saturation += saturation;
+      ++sums.count;
+    }
+  }
+  return sums;
+}
+
+int GPUBeautyFace::DrawFaceWhite(int nPass) {
+  if (nPass < 0) return 0;
+  const int source = 1 + nPass % 2;
+  Pass pass{"DrawFaceWhite",        m_pProgFaceWhitening, m_pWorkImage[source],
+            m_hWorkFbo[3 - source], m_nAlignedWidth,      m_nAlignedHeight};
+  return RunPass(pass);
+}
+
+int GPUBeautyFace::DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel,
+                                   int nSaturationLevel, BEAUTYSHOT_EFFECT_t eEffect) {
+  LOGI("DoFaceWhitening+");
+  if (m_pWorkImage[1] == nullptr) {
+    LOGE("[SetSrcImage]g_pEGLRGB is not initiated");
+    return 0;
+  }
+  m_pWorkImage[1]->Unlock();
+  for (int i = 0; i < nFaces; ++i) {
+    if (SetFaceWhiteningParameters(pFaces[i], nIntensityLevel, nSaturationLevel, eEffect, i, false,
+                                   nullptr) == 0 ||
+        DrawFaceWhite(i) == 0) {
+      return 0;
+    }
+  }
+  // Two work images in turn; without a face this names the input image.
+  m_nResultIdx = 2 - (nFaces - 1) % 2;
+  if (SEGLImage* result = ImageAt(m_nResultIdx)) result->Unlock();
+  glFlush();
+  glFinish();
+  LOGI("DoFaceWhitening-");
+  return 1;
+}
+
+}  // namespace android

@@ -1,0 +1,174 @@
+// Face whitening of captures, block by block.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "lumora/convert/sp2yuvxs.h"
+#include "lumora/engine/frame_sizes.h"
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/process_rectangle.h"
+#include "lumora/engine/whitening_parameters.h"
+#include "lumora/engine/whole_frame_store.h"
+#include "lumora/gl/log.h"
+#include "lumora/gl/offscreen_context.h"
+#include "lumora/gl/quad.h"
+#include "lumora/platform/gl_api.h"
+#include "lumora/programs/face_whitening_programs.h"
+
+LUMORA_LOG_TAG("Lumora");
+
+namespace android {
+namespace {
+
+using lumora::RoundUpTo32;
+
+/// A start and length of whole blocks around a centre that hold half an extent on each side.
+struct BlockSpan {
+  int start;
+  int length;
+};
+BlockSpan SpanAround(int centre, int half, int block) {
+  const double blocks =
+      std::ceil(static_cast<double>(static_cast<float>(half) / static_cast<float>(block)) + 0.5);
+  const auto reach = static_cast<int64_t>(blocks) * block;
+  const auto to_int = [](int64_t value) {
+    return static_cast<int>(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
+  };
+  return {to_int(centre - reach), to_int(2 * reach)};
+}
+
+/// Whether a block corner lies strictly inside the rectangle in both directions. A block that
+/// merely holds the rectangle, or shares an edge with it, does not count.
+bool CornerInside(const FaceProcessRect& rect, int x, int y, int width, int height) {
+  const auto inside = [](int start, int length, int first, int extent) {
+    const int64_t end = int64_t{start} + length;
+    const int64_t last = int64_t{first} + extent;
+    return (start < first && first < end) || (start < last && last < end);
+  };
+  return inside(rect.X, rect.Width, x, width) && inside(rect.Y, rect.Height, y, height);
+}
+
+}  // namespace
+
+int GPUBeautyFace::DrawFaceWhiteLarge(bool bUsePrev) {
+  const SEGLImage* previous = bUsePrev ? m_pRGBImage : m_pWorkImage[0];
+  if (m_pProgFaceWhitening == nullptr || m_pWorkImage[0] == nullptr || previous == nullptr ||
+      m_pWorkImage[2] == nullptr) {
+    LOGE("[%s] program or image is missing", "DrawFaceWhiteLarge");
+    return 0;
+  }
+  GLProgram& program = *m_pProgFaceWhitening;
+  program.SetTextures(0, static_cast<int>(m_pWorkImage[0]->m_hTexture));
+  program.SetTextures(1, static_cast<int>(previous->m_hTexture));
+  glBindFramebuffer(GL_FRAMEBUFFER, m_hWorkFbo[2]);
+  program.Use();
+  program.SetVertexCoord(4, lumora::quad::kPositions);
+  lumora::quad::ResetTextureCoordinates();
+  program.SetTextureCoord(2, lumora::quad::TextureCoordinates());
+  program.Draw();
+  return 1;
+}
+
+int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSrcUV,
+                                        FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel,
+                                        int nSaturationLevel, BEAUTYSHOT_EFFECT_t eEffect) {
+  LOGI("DoFaceWhitening+");
+  if (nFaces > lumora::kMaxFaceRecords) {
+    LOGE("[%s] %d faces, only %d are processed", "DoFaceWhiteningLarge", nFaces,
+         lumora::kMaxFaceRecords);
+    nFaces = lumora::kMaxFaceRecords;
+  }
+  for (int i = 0; i < nFaces; ++i) {
+    LOGI("Face Pass %d", i);
+    if (SetFaceWhiteningParameters(pFaces[i], nIntensityLevel, nSaturationLevel, eEffect, i, true,
+                                   pSrcY) == 0) {
+      continue;
+    }
+    const BlockSpan across = SpanAround(m_nFaceWhiteCenterX, m_nFaceWhiteHalfWidth, m_nSrcWidth);
+    const BlockSpan down = SpanAround(m_nFaceWhiteCenterY, m_nFaceWhiteHalfHeight, m_nSrcHeight);
+    FaceProcessRect& rect = m_rcFaceProcess[i];
+    rect = {across.start, down.start, across.length, down.length, 0};
+    const unsigned least_width = static_cast<unsigned>(m_nFullWidth) / 20;
+    const unsigned least_height = static_cast<unsigned>(m_nFullHeight) / 20;
+    if (static_cast<unsigned>(rect.Width) / least_width == 0 ||
+        static_cast<unsigned>(rect.Height) / least_height == 0) {
+      continue;
+    }
+    LOGD("[LumoraLarge Face Whitening]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d", rect.X,
+         rect.Y, rect.Width, rect.Height);
+    LOGD("[LumoraLarge]process block");
+    const lumora::BlockRange range = lumora::ClipToFrame(rect, m_nFullWidth, m_nFullHeight);
+    lumora::ForEachBlock(range, m_nSrcWidth, m_nSrcHeight,
+                         [&](int x, int y) { return WhitenBlock(pSrcY, pSrcUV, i, x, y); });
+  }
+  m_nResultIdx = 1;
+  LOGI("DoFaceWhitening-");
+  return 1;
+}
+
+bool GPUBeautyFace::WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face,
+                                int x, int y) {
+  int width = std::min(m_nSrcWidth, m_nFullWidth - x);
+  const int height = std::min(m_nSrcHeight, m_nFullHeight - y);
+  if (width % 32 != 0) {
+    // The expansion goes by whole groups of pixels: the last block of a row is widened to the left.
+    width = std::min(RoundUpTo32(width), m_nSrcWidth);
+    x = std::max(m_nFullWidth - width, 0);
+  }
+  unsigned char* block = m_pRGBImage != nullptr ? m_pRGBImage->Lock() : nullptr;
+  if (block == nullptr) {
+    LOGE("[%s] program or image is missing", "DoFaceWhiteningLarge");
+    return false;
+  }
+  sp2yuvxs(block, m_nSrcWidth, m_nSrcHeight, pSrcY, pSrcUV, m_nFullWidth, m_nFullHeight, x, y,
+           width, height);
+  m_pRGBImage->Unlock();
+  if (DrawColorConvertYUV2HSI() == 0) return false;
+
+  const bool overlaps =
+      std::any_of(m_rcFaceProcess, m_rcFaceProcess + face, [&](const FaceProcessRect& earlier) {
+        return CornerInside(earlier, x, y, m_nSrcWidth, m_nSrcHeight);
+      });
+  if (overlaps && !LoadPreviousResult(x, y, height)) return false;
+
+  glViewport(0, 0, m_nAlignedWidth, m_nAlignedHeight);
+  auto& program = static_cast<GLProgFaceWhiteningLarge&>(*m_pProgFaceWhitening);
+  const auto store_width = static_cast<float>(RoundUpTo32(m_nFullWidth));
+  const auto frame_height = static_cast<float>(m_nFullHeight);
+  program.m_fScaleController[0] = static_cast<float>(m_nSrcWidth) / store_width;
+  program.m_fScaleController[1] = static_cast<float>(m_nSrcHeight) / frame_height;
+  program.m_fScaleController[2] = static_cast<float>(x) / store_width;
+  program.m_fScaleController[3] = static_cast<float>(y) / frame_height;
+  if (DrawFaceWhiteLarge(overlaps) == 0) return false;
+  glFlush();
+  glFinish();
+  return StoreResult(x, y, height);
+}
+
+bool GPUBeautyFace::LoadPreviousResult(int x, int y, int rows) {
+  glFlush();
+  glFinish();
+  unsigned char* block = m_pRGBImage->Lock();
+  {
+    const lumora::LockedStore store(*this);
+    if (store.texels() == nullptr || block == nullptr) return false;
+    BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, RoundUpTo32(m_nSrcWidth), rows,
+                              RoundUpTo32(m_nFullWidth), m_nFullHeight);
+  }
+  m_pRGBImage->Unlock();
+  return true;
+}
+
+bool GPUBeautyFace::StoreResult(int x, int y, int rows) {
+  const unsigned char* block = m_pWorkImage[2]->Lock();
+  {
+    const lumora::LockedStore store(*this);
+    if (store.texels() == nullptr || block == nullptr) return false;
+    BlockCopyRGBA8888(block, store.texels(), x, y, RoundUpTo32(m_nSrcWidth), rows,
+                      RoundUpTo32(m_nFullWidth), m_nFullHeight);
+  }
+  m_pWorkImage[2]->Unlock();
+  return true;
+}
+
+}  // namespace android
