@@ -149,7 +149,7 @@ bool GPUBeautyFace::PrepareBlockSource(int x, int y, int rows) {
   }
   unsigned char* block = m_pWorkImage[2] != nullptr ? m_pWorkImage[2]->Lock() : nullptr;
   {
-    const lumora::LockedStore store(*this);
+    const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
     if (store.texels() == nullptr || block == nullptr) {
       LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
       return false;

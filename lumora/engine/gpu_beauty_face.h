@@ -368,7 +368,7 @@ class LUMORA_API GPUBeautyFace {
   bool SlimBlock(void* in, void* out, int width, int height, int x, int y, int& run);
 
   // Whitening.
-  lumora::ColourSums SampleFace(const lumora::FaceGeometry& face, unsigned char* frame);
+  lumora::ColourSums SampleFace(const lumora::FaceGeometry& face, const unsigned char* frame);
   bool WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face, int x, int y);
   bool LoadPreviousResult(int x, int y, int rows);
   bool StoreResult(int x, int y, int rows);

@@ -56,20 +56,18 @@ int GPUBeautyFace::GetEllipseTransformMatrix(fpf_point p0, fpf_point p1, fpf_poi
 
 int GPUBeautyFace::GetGPU_HSI(unsigned char* pYUV, int x, int y, int nStride, int nHeight, int& nH,
                               int& nS, int& nI, int nImageIdx) {
+  lumora::HsiSample sample{};
   if (pYUV != nullptr) {
-    const lumora::HsiSample sample = lumora::SampleYuv(pYUV, x, y, nStride, nHeight);
-    nH = sample.hue;
-    nS = sample.saturation;
-    nI = sample.intensity;
-    return 1;
+    sample = lumora::SampleYuv(pYUV, x, y, nStride, nHeight);
+  } else {
+    SEGLImage* image = ImageAt(1 + nImageIdx % 2);
+    const unsigned char* texels = image != nullptr ? image->Lock() : nullptr;
+    if (texels == nullptr) return 1;
+    sample = lumora::SampleTexel(texels + (int64_t{y} * nStride + x) * 4);
   }
-  SEGLImage* image = ImageAt(1 + nImageIdx % 2);
-  const unsigned char* texels = image != nullptr ? image->Lock() : nullptr;
-  if (texels == nullptr) return 1;
-  const unsigned char* texel = texels + (int64_t{y} * nStride + x) * 4;
-  nH = texel[0] * 360 >> 8;
-  nS = texel[1];
-  nI = texel[2];
+  nH = sample.hue;
+  nS = sample.saturation;
+  nI = sample.intensity;
   return 1;
 }
 
@@ -112,22 +110,40 @@ int GPUBeautyFace::SetFaceWhiteningParameters(FACE_INFO_t face, int nIntensityLe
 }
 
 lumora::ColourSums GPUBeautyFace::SampleFace(const lumora::FaceGeometry& face,
-                                             unsigned char* frame) {
-  const int stride = frame != nullptr ? m_nFullWidth : lumora::RoundUpTo32(m_nFullWidth);
+                                             const unsigned char* frame) {
+  // The square around the face, as far as it lies in the frame.
+  const auto clip = [](int64_t value, int limit) {
+    return static_cast<int>(std::clamp<int64_t>(value, 0, limit));
+  };
+  const int x0 = clip(face.centre_x - face.sample_radius, m_nFullWidth);
+  const int y0 = clip(face.centre_y - face.sample_radius, m_nFullHeight);
+  const int x1 = clip(face.centre_x + face.sample_radius, m_nFullWidth);
+  const int y1 = clip(face.centre_y + face.sample_radius, m_nFullHeight);
+
+  const unsigned char* texels = nullptr;
+  if (frame == nullptr && m_pWorkImage[1] != nullptr && m_pWorkImage[1]->m_spBuffer) {
+    texels = m_pWorkImage[1]->m_spBuffer->lockPart(x0, y0, x1 - x0, y1 - y0);
+  }
+  if (frame == nullptr && texels == nullptr) return {};
+  const int texel_stride = lumora::RoundUpTo32(m_nFullWidth);
+
+  // The grid starts at the square's own corner, so that a face at the frame's edge is sampled at
+  // the same places as one inside.
+  const auto first = [&face](int64_t start, int least) {
+    const int64_t outside = least - start;
+    const int64_t steps = (outside + face.sample_step - 1) / face.sample_step;
+    return start + steps * face.sample_step;
+  };
   lumora::ColourSums sums;
-  for (int64_t y = face.centre_y - face.sample_radius; y < face.centre_y + face.sample_radius;
-       y += face.sample_step) {
-    if (y < 0 || y >= m_nFullHeight) continue;
-    for (int64_t x = face.centre_x - face.sample_radius; x < face.centre_x + face.sample_radius;
-         x += face.sample_step) {
-      if (x < 0 || x >= m_nFullWidth) continue;
-      int hue = 0;
-      int saturation = 0;
-      int intensity = 0;
-      GetGPU_HSI(frame, static_cast<int>(x), static_cast<int>(y), stride, m_nFullHeight, hue,
-                 saturation, intensity, 0);
-      sums.intensity += intensity;
-      sums.saturation += saturation;
+  for (int64_t y = first(face.centre_y - face.sample_radius, y0); y < y1; y += face.sample_step) {
+    for (int64_t x = first(face.centre_x - face.sample_radius, x0); x < x1; x += face.sample_step) {
+      const auto column = static_cast<int>(x);
+      const auto row = static_cast<int>(y);
+      const lumora::HsiSample sample =
+          frame != nullptr ? lumora::SampleYuv(frame, column, row, m_nFullWidth, m_nFullHeight)
+                           : lumora::SampleTexel(texels + (y * texel_stride + x) * 4);
+      sums.intensity += sample.intensity;
+      sums.saturation += sample.saturation;
       ++sums.count;
     }
   }

@@ -150,7 +150,7 @@ bool GPUBeautyFace::LoadPreviousResult(int x, int y, int rows) {
   glFinish();
   unsigned char* block = m_pRGBImage->Lock();
   {
-    const lumora::LockedStore store(*this);
+    const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
     if (store.texels() == nullptr || block == nullptr) return false;
     BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, RoundUpTo32(m_nSrcWidth), rows,
                               RoundUpTo32(m_nFullWidth), m_nFullHeight);
@@ -162,9 +162,9 @@ bool GPUBeautyFace::LoadPreviousResult(int x, int y, int rows) {
 bool GPUBeautyFace::StoreResult(int x, int y, int rows) {
   const unsigned char* block = m_pWorkImage[2]->Lock();
   {
-    const lumora::LockedStore store(*this);
+    lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
     if (store.texels() == nullptr || block == nullptr) return false;
-    BlockCopyRGBA8888(block, store.texels(), x, y, RoundUpTo32(m_nSrcWidth), rows,
+    BlockCopyRGBA8888(block, store.writable_texels(), x, y, RoundUpTo32(m_nSrcWidth), rows,
                       RoundUpTo32(m_nFullWidth), m_nFullHeight);
   }
   m_pWorkImage[2]->Unlock();

@@ -28,6 +28,11 @@ struct HsiSample {
 /// scales.
 HsiSample SampleYuv(const unsigned char* frame, int x, int y, int stride, int height);
 
+/// The colour of an HSI texel: hue in red (255 is a turn), saturation in green, intensity in blue.
+inline HsiSample SampleTexel(const unsigned char* texel) {
+  return {texel[0] * 360 >> 8, texel[1], texel[2]};
+}
+
 /// The axes of one ellipse, in pixels: p0 - p1 span the first, p2 - p3 the second; `padding` pixels
 /// are added to the half axes after scaling.
 struct EllipseAxes {

@@ -6,35 +6,39 @@
 
 namespace lumora {
 
-/// Locks the store for reading and writing by the CPU for as long as the object lives: work image
-/// 1, or the large buffer of captures that fit no texture. `texels` is null when there is no store.
-/// Rows are the full frame's width rounded up to 32 pixels, 4 bytes a pixel.
-class LockedStore {
+/// A block of the store, locked for reading and writing by the CPU for as long as the object lives;
+/// only that block moves between CPU and GPU. The store is work image 1, or the large buffer of
+/// captures that fit no texture. `texels` addresses the whole store, null when there is none: rows
+/// of the full frame's width rounded up to 32 pixels, 4 bytes a pixel.
+class LockedStoreBlock {
  public:
-  explicit LockedStore(android::GPUBeautyFace& engine)
-      : image_(engine.m_bLargeCapture ? nullptr : engine.m_pWorkImage[1]),
-        buffer_(engine.m_bLargeCapture ? engine.m_spLargeBuffer.get() : nullptr) {
-    if (image_ != nullptr) texels_ = image_->Lock();
-    if (buffer_ != nullptr) {
-      void* address = nullptr;
-      const uint32_t usage =
-          platform::GRALLOC_USAGE_SW_READ_OFTEN | platform::GRALLOC_USAGE_SW_WRITE_OFTEN;
-      if (buffer_->lock(usage, &address) >= 0) texels_ = static_cast<unsigned char*>(address);
+  LockedStoreBlock(const android::GPUBeautyFace& engine, int x, int y, int width, int height)
+      : x_(x), y_(y), width_(width), height_(height) {
+    if (engine.m_bLargeCapture) {
+      buffer_ = engine.m_spLargeBuffer.get();
+    } else if (engine.m_pWorkImage[1] != nullptr) {
+      buffer_ = engine.m_pWorkImage[1]->m_spBuffer.get();
     }
+    if (buffer_ != nullptr) texels_ = buffer_->lockPart(x_, y_, width_, height_);
   }
-  ~LockedStore() {
-    if (image_ != nullptr) image_->Unlock();
-    if (buffer_ != nullptr) buffer_->unlock();
+  ~LockedStoreBlock() {
+    if (texels_ != nullptr && written_) buffer_->cleanPart(x_, y_, width_, height_);
   }
-  LockedStore(const LockedStore&) = delete;
-  LockedStore& operator=(const LockedStore&) = delete;
+  LockedStoreBlock(const LockedStoreBlock&) = delete;
+  LockedStoreBlock& operator=(const LockedStoreBlock&) = delete;
 
-  unsigned char* texels() const { return texels_; }
+  const unsigned char* texels() const { return texels_; }
+  /// The same for writing: the block is then written back at the end.
+  unsigned char* writable_texels() {
+    written_ = true;
+    return texels_;
+  }
 
  private:
-  SEGLImage* image_;
-  platform::GraphicBuffer* buffer_;
+  const int x_, y_, width_, height_;
+  platform::GraphicBuffer* buffer_ = nullptr;
   unsigned char* texels_ = nullptr;
+  bool written_ = false;
 };
 
 }  // namespace lumora

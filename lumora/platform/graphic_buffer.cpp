@@ -1,6 +1,8 @@
 #include "lumora/platform/graphic_buffer.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <vector>
 
 #include "lumora/platform/buffer_backing.h"
 #include "lumora/platform/buffer_geometry.h"
@@ -25,22 +27,41 @@ struct GraphicBuffer::State final : CoherentMemory {
   bool publish() override { return backing->publish(geometry.whole()); }
   bool fetch() override { return backing->fetch(geometry.whole()); }
   void rememberCpu() override {
-    if (backing->kind() == BufferKind::Staged) digest = cpuDigest();
+    if (backing->kind() == BufferKind::Staged) rememberRows(0, rows());
   }
   bool cpuChanged() override {
-    return backing->kind() == BufferKind::Staged && digest != cpuDigest();
+    if (backing->kind() != BufferKind::Staged) return false;
+    for (size_t row = 0; row < rows(); ++row) {
+      if (row_digests.size() <= row || row_digests[row] != rowDigest(row)) return true;
+    }
+    return false;
   }
 
-  uint64_t cpuDigest() const {
-    return PixelDigest(backing->address(), size_t{geometry.width} * kPixelBytes, geometry.height,
-                       geometry.rowBytes());
+  size_t rows() const { return geometry.height; }
+  void rememberRows(size_t first, size_t count) {
+    row_digests.resize(rows());
+    for (size_t row = first; row < first + count; ++row) row_digests[row] = rowDigest(row);
+  }
+  uint64_t rowDigest(size_t row) const {
+    const unsigned char* pixels = backing->address() + row * geometry.rowBytes();
+    return PixelDigest(pixels, size_t{geometry.width} * kPixelBytes, 1, geometry.rowBytes());
+  }
+
+  // The part of a rectangle that lies in the image.
+  PixelRectangle clip(int x, int y, int width, int height) const {
+    const PixelRectangle whole = geometry.whole();
+    const int x0 = std::clamp(x, 0, whole.width);
+    const int y0 = std::clamp(y, 0, whole.height);
+    const auto x1 = std::clamp<int64_t>(int64_t{x} + width, x0, whole.width);
+    const auto y1 = std::clamp<int64_t>(int64_t{y} + height, y0, whole.height);
+    return {x0, y0, static_cast<int>(x1) - x0, static_cast<int>(y1) - y0};
   }
 
   const BufferGeometry geometry;
   PrivateHandle handle;
   std::unique_ptr<BufferBacking> backing;  ///< null when the allocation failed
   Coherence coherence;
-  uint64_t digest = 0;  ///< of the CPU's pixels at the last transfer, for watched images
+  std::vector<uint64_t> row_digests;  ///< of the CPU's rows at the last transfer, if watched
 };
 
 GraphicBuffer::GraphicBuffer(uint32_t width, uint32_t height, int format, uint32_t usage)
@@ -99,6 +120,26 @@ unsigned char* GraphicBuffer::lockPixels() {
 int GraphicBuffer::clean() {
   if (state_->backing == nullptr) return -ENOMEM;
   return state_->coherence.unlock() ? 0 : -EPERM;
+}
+
+unsigned char* GraphicBuffer::lockPart(int x, int y, int width, int height) {
+  if (state_->backing == nullptr) return nullptr;
+  const PixelRectangle part = state_->clip(x, y, width, height);
+  const bool drawn = state_->coherence.state() == Coherence::State::Gpu;
+  const bool ready = drawn ? state_->backing->fetch(part) : state_->backing->beginAccess();
+  return ready ? state_->backing->address() : nullptr;
+}
+
+int GraphicBuffer::cleanPart(int x, int y, int width, int height) {
+  if (state_->backing == nullptr) return -ENOMEM;
+  const PixelRectangle part = state_->clip(x, y, width, height);
+  if (part.width == 0 || part.height == 0) return 0;
+  if (!state_->backing->publish(part)) return -EPERM;
+  // Bytes that were handed out whole and not yet cleaned stay to be noticed.
+  if (!state_->row_digests.empty() && state_->coherence.state() != Coherence::State::Cpu) {
+    state_->rememberRows(static_cast<size_t>(part.y), static_cast<size_t>(part.height));
+  }
+  return 0;
 }
 
 EGLImageKHR GraphicBuffer::createImage(EGLDisplay display, const EGLint* attributes) {

@@ -86,6 +86,13 @@ class LUMORA_API GraphicBuffer : public RefBase {
   /// negative error: the allocation failed, or the image's context is not current.
   int clean();
 
+  /// The same two for callers that use only a rectangle, in pixels, and vouch that nothing else is
+  /// written and that every draw into the image was announced: `lockPart` makes the GPU's results
+  /// in the rectangle visible, `cleanPart` writes the rectangle back. Other pixels keep their side.
+  /// Where bytes are copied at all, only the rectangle's are.
+  unsigned char* lockPart(int x, int y, int width, int height);
+  int cleanPart(int x, int y, int width, int height);
+
   /// Makes an EGL image over the memory, as eglCreateImageKHR would: EGL_NO_IMAGE_KHR on failure,
   /// with the reason in eglGetError. The caller destroys it. Bindings of the context are restored.
   EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes);
