@@ -44,15 +44,15 @@ struct BlockRange {
 };
 
 BlockRange ClipToFrame(const FaceProcessRect& face, int frame_width, int frame_height) {
-  const auto end = [](int start, int length, int limit) {
-    return static_cast<int>(std::min<int64_t>(int64_t{start} + length, limit));
-  };
   // Even origins keep chroma pairs and rows whole.
-  const auto start = [](int position) {
-    return static_cast<int>((int64_t{std::max(position, 0)} + 1) & ~int64_t{1});
+  const auto start = [](int position, int limit) {
+    return (std::clamp(position, 0, limit) + 1) & ~1;
   };
-  return {start(face.X), start(face.Y), end(face.X, face.Width, frame_width),
-          end(face.Y, face.Height, frame_height)};
+  const auto end = [](int position, int length, int limit) {
+    return static_cast<int>(std::clamp<int64_t>(int64_t{position} + length, 0, limit));
+  };
+  return {start(face.X, frame_width), start(face.Y, frame_height),
+          end(face.X, face.Width, frame_width), end(face.Y, face.Height, frame_height)};
 }
 
 }  // namespace
