@@ -21,35 +21,36 @@ SEGLImage* GPUBeautyFace::PackingSource(int nSrc) const {
 }
 
 int GPUBeautyFace::DrawColorConvertYUV2RGB() {
-  return RunPass({"DrawColorConvertYUV2RGB", m_pProgYUV2RGB, m_pRGBImage, m_hWorkFbo[0],
-                  m_nAlignedWidth, m_nAlignedHeight});
+  return RunPass({"DrawColorConvertYUV2RGB", m_pProgYUV2RGB, m_pRGBImage, m_pWorkImage[0],
+                  m_hWorkFbo[0], m_nAlignedWidth, m_nAlignedHeight});
 }
 
 int GPUBeautyFace::DrawColorConvertRGB2HSI() {
-  return RunPass({"DrawColorConvertRGB2HSI", m_pProgRGB2HSI, m_pWorkImage[0], m_hWorkFbo[1],
-                  m_nAlignedWidth, m_nAlignedHeight});
+  return RunPass({"DrawColorConvertRGB2HSI", m_pProgRGB2HSI, m_pWorkImage[0], m_pWorkImage[1],
+                  m_hWorkFbo[1], m_nAlignedWidth, m_nAlignedHeight});
 }
 
 int GPUBeautyFace::DrawColorConvertHSI2YUV() {
-  Pass pass{"DrawColorConvertHSI2YUV", m_pProgHSI2YUV,  ImageAt(m_nResultIdx), m_hRGBFbo,
-            m_nAlignedWidth,           m_nAlignedHeight};
+  Pass pass{
+      "DrawColorConvertHSI2YUV", m_pProgHSI2YUV,  ImageAt(m_nResultIdx), m_pRGBImage, m_hRGBFbo,
+      m_nAlignedWidth,           m_nAlignedHeight};
   pass.keep_coordinates = true;
   return RunPass(pass);
 }
 
 int GPUBeautyFace::DrawColorConvertYUV2HSI() {
-  return RunPass({"DrawColorConvertYUV2HSI", m_pProgYUV2HSI, m_pRGBImage, m_hWorkFbo[0],
-                  m_nAlignedWidth, m_nAlignedHeight});
+  return RunPass({"DrawColorConvertYUV2HSI", m_pProgYUV2HSI, m_pRGBImage, m_pWorkImage[0],
+                  m_hWorkFbo[0], m_nAlignedWidth, m_nAlignedHeight});
 }
 
 int GPUBeautyFace::DrawRGBtoYY(int nSrc) {
-  return RunPass({"DrawRGBtoYY", m_pProgRGBtoY, PackingSource(nSrc), m_hYYYYFbo,
+  return RunPass({"DrawRGBtoYY", m_pProgRGBtoY, PackingSource(nSrc), m_pYYYYImage, m_hYYYYFbo,
                   m_nAlignedWidth / 4, m_nAlignedHeight,
                   m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST});
 }
 
 int GPUBeautyFace::DrawRGBtoUV(int nSrc) {
-  return RunPass({"DrawRGBtoUV", m_pProgRGBtoUV, PackingSource(nSrc), m_hUVUVFbo,
+  return RunPass({"DrawRGBtoUV", m_pProgRGBtoUV, PackingSource(nSrc), m_pUVUVImage, m_hUVUVFbo,
                   m_nAlignedWidth / 4, m_nAlignedHeight / 2,
                   m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST});
 }

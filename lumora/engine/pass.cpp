@@ -10,7 +10,8 @@ LUMORA_LOG_TAG("Lumora");
 namespace android {
 
 int GPUBeautyFace::RunPass(const Pass& pass) {
-  if (pass.program == nullptr || pass.source == nullptr || pass.target == static_cast<GLuint>(-1)) {
+  if (pass.program == nullptr || pass.source == nullptr || pass.destination == nullptr ||
+      pass.target == static_cast<GLuint>(-1)) {
     LOGE("[%s] program or image is missing", pass.name);
     return 0;
   }

@@ -13,7 +13,8 @@ struct GPUBeautyFace::Pass {
   const char* name;  ///< the function that draws it, for the log
   GLProgram* program;
   const SEGLImage* source;
-  GLuint target;  ///< framebuffer
+  const SEGLImage* destination;
+  GLuint target;  ///< framebuffer of the destination
   int width;      ///< viewport, pixels
   int height;
   const float* positions = lumora::quad::kPositions;

@@ -16,13 +16,13 @@ struct BlockRange {
 };
 
 inline BlockRange ClipToFrame(const android::FaceProcessRect& rect, int limit_x, int limit_y) {
-  const auto start = [](int position) {
-    return static_cast<int>((int64_t{std::max(position, 0)} + 1) & ~int64_t{1});
+  const auto start = [](int position, int limit) {
+    return (std::clamp(position, 0, limit) + 1) & ~1;
   };
   const auto end = [](int position, int length, int limit) {
-    return static_cast<int>(std::min<int64_t>(int64_t{position} + length, limit));
+    return static_cast<int>(std::clamp<int64_t>(int64_t{position} + length, 0, limit));
   };
-  return {start(rect.X), start(rect.Y), end(rect.X, rect.Width, limit_x),
+  return {start(rect.X, limit_x), start(rect.Y, limit_y), end(rect.X, rect.Width, limit_x),
           end(rect.Y, rect.Height, limit_y)};
 }
 

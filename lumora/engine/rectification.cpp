@@ -52,8 +52,9 @@ int GPUBeautyFace::SetRadialRectParameters(int camera) {
 }
 
 int GPUBeautyFace::DrawRectification() {
-  return RunPass({"DrawRectification", m_pProgRectification, m_pRGBImage, m_hWorkFbo[0],
-                  m_nAlignedWidth, m_nAlignedHeight, lumora::quad::kPositions, GL_LINEAR});
+  return RunPass({"DrawRectification", m_pProgRectification, m_pRGBImage, m_pWorkImage[0],
+                  m_hWorkFbo[0], m_nAlignedWidth, m_nAlignedHeight, lumora::quad::kPositions,
+                  GL_LINEAR});
 }
 
 int GPUBeautyFace::DrawRadialRectification() {
@@ -63,8 +64,9 @@ int GPUBeautyFace::DrawRadialRectification() {
     float* at = coordinates + 2 * corner;
     SetCropVertexCoord(at[0], at[1], at);
   }
-  Pass pass{"DrawRadialRectification", m_pProgRadialDistortion, m_pRGBImage, m_hWorkFbo[0],
-            m_nAlignedWidth,           m_nAlignedHeight};
+  Pass pass{"DrawRadialRectification", m_pProgRadialDistortion, m_pRGBImage,
+            m_pWorkImage[0],           m_hWorkFbo[0],           m_nAlignedWidth,
+            m_nAlignedHeight};
   pass.filter = GL_LINEAR;
   pass.keep_coordinates = true;
   return RunPass(pass);

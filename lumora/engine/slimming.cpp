@@ -61,8 +61,9 @@ int GPUBeautyFace::SetCheekSlimmerParameters(FACE_INFO_t face, int level, bool b
 
 int GPUBeautyFace::DrawFaceDist(int index) {
   if (index < 0) return 0;
-  return RunPass({"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index), m_hWorkFbo[index % 2],
-                  m_nAlignedWidth, m_nAlignedHeight});
+  return RunPass({"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index),
+                  m_pWorkImage[index % 2], m_hWorkFbo[index % 2], m_nAlignedWidth,
+                  m_nAlignedHeight});
 }
 
 int GPUBeautyFace::CheckPreviewReady() {
@@ -72,6 +73,11 @@ int GPUBeautyFace::CheckPreviewReady() {
   }
   if (!m_bIsInit) {
     LOGI("!m_bIsInit");
+    return 0;
+  }
+  // Another engine of this thread, or another thread, has the context: drawing would do nothing.
+  if (eglGetCurrentContext() != m_eglContext) {
+    LOGE("[%s] the engine's context is not current on this thread", "SetSrcImage");
     return 0;
   }
   return 1;

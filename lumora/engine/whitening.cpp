@@ -153,8 +153,9 @@ lumora::ColourSums GPUBeautyFace::SampleFace(const lumora::FaceGeometry& face,
 int GPUBeautyFace::DrawFaceWhite(int nPass) {
   if (nPass < 0) return 0;
   const int source = 1 + nPass % 2;
-  Pass pass{"DrawFaceWhite",        m_pProgFaceWhitening, m_pWorkImage[source],
-            m_hWorkFbo[3 - source], m_nAlignedWidth,      m_nAlignedHeight};
+  Pass pass{"DrawFaceWhite",          m_pProgFaceWhitening,   m_pWorkImage[source],
+            m_pWorkImage[3 - source], m_hWorkFbo[3 - source], m_nAlignedWidth,
+            m_nAlignedHeight};
   return RunPass(pass);
 }
 

@@ -1,0 +1,67 @@
+// Destinations that the caller does not name. One executable: the first frame of the process sets
+// the size of all replacement planes.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "engine/caller_memory.h"
+#include "engine/engine_images.h"
+#include "support/pictures.h"
+
+// Leak checkers bring these; other builds lack them.
+extern "C" {
+void __lsan_disable() __attribute__((weak));
+void __lsan_enable() __attribute__((weak));
+}
+
+namespace lumora::test {
+namespace {
+
+// Replacement planes are left to nobody, on purpose.
+class LeaksOnPurpose {
+ public:
+  LeaksOnPurpose() {
+    if (__lsan_disable != nullptr) __lsan_disable();
+  }
+  ~LeaksOnPurpose() {
+    if (__lsan_enable != nullptr) __lsan_enable();
+  }
+};
+
+void ExpectFrame(GPUBeautyFace& engine, int width, int height) {
+  engine.Init(width, height, width, height, nullptr, false);
+  const Bytes expected = NoisePlanes(width, height, 3);
+  CallerFrame frame(width, height, expected);
+  ASSERT_EQ(1, engine.LoadPreviewFrameBuffer(frame.luma()));
+  ASSERT_EQ(1, engine.DrawRGBtoYY(-1));
+  ASSERT_EQ(1, engine.DrawRGBtoUV(-1));
+  glFinish();
+
+  const Bytes untouched(expected.size(), GuardedBuffer::kFill);
+  const auto luma_size = static_cast<std::ptrdiff_t>(LumaSize(width, height));
+  CallerPlanes only_luma(width, height);
+  CallerPlanes only_chroma(width, height);
+  {
+    const LeaksOnPurpose scope;
+    EXPECT_EQ(1, engine.MemcpyYUV(only_luma.luma(), nullptr));
+    EXPECT_EQ(1, engine.MemcpyYUV(nullptr, only_chroma.chroma()));
+    EXPECT_EQ(1, engine.MemcpyYUV(nullptr, nullptr));
+  }
+  Bytes with_luma = untouched;
+  std::copy_n(expected.begin(), luma_size, with_luma.begin());
+  EXPECT_EQ("", FirstDifference(with_luma, only_luma.bytes(), width, height));
+  Bytes with_chroma = untouched;
+  std::copy(expected.begin() + luma_size, expected.end(), with_chroma.begin() + luma_size);
+  EXPECT_EQ("", FirstDifference(with_chroma, only_chroma.bytes(), width, height));
+  EXPECT_TRUE(only_luma.intact() && only_chroma.intact());
+}
+
+// Small before large: replacement planes of the first size must not be overrun by the second.
+// Builds with a memory checker see that; every build sees that the plane that was named is right.
+TEST(ReplacementPlanes, StayInsideTheSizeOfTheFirstFrame) {
+  GPUBeautyFace engine;
+  for (const int width : {32, 640, 16}) ExpectFrame(engine, width, width / 2);
+}
+
+}  // namespace
+}  // namespace lumora::test
