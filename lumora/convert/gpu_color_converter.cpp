@@ -4,10 +4,10 @@
 #include <new>
 
 #include "lumora/convert/sp2yuvxs.h"
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
+#include "lumora/gl/row_sizes.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/shader_texts.h"
 

@@ -2,21 +2,9 @@
 #ifndef LUMORA_ENGINE_FRAME_SIZES_H_
 #define LUMORA_ENGINE_FRAME_SIZES_H_
 
+#include "lumora/gl/row_sizes.h"
+
 namespace lumora {
-
-/// Rows of graphic buffers are multiples of 32 pixels.
-constexpr int RoundUpTo32(int value) {
-  return (value + 31) & ~31;
-}
-
-constexpr int RoundUpToEven(int value) {
-  return (value + 1) & ~1;
-}
-
-/// Width of the packed targets in samples: four samples a texel, rows of whole 32 texels.
-constexpr int PackedWidth(int frame_width) {
-  return RoundUpTo32(frame_width >> 2) * 4;
-}
 
 /// The size that a capture is processed at.
 struct WorkingSize {

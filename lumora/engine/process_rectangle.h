@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/gl/row_sizes.h"
 
 namespace lumora {
 
@@ -17,7 +18,7 @@ struct BlockRange {
 
 inline BlockRange ClipToFrame(const android::FaceProcessRect& rect, int limit_x, int limit_y) {
   const auto start = [](int position, int limit) {
-    return (std::clamp(position, 0, limit) + 1) & ~1;
+    return RoundUpToEven(std::clamp(position, 0, limit));
   };
   const auto end = [](int position, int length, int limit) {
     return static_cast<int>(std::clamp<int64_t>(int64_t{position} + length, 0, limit));
