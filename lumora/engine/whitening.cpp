@@ -115,10 +115,13 @@ lumora::ColourSums GPUBeautyFace::SampleFace(const lumora::FaceGeometry& face,
   const auto clip = [](int64_t value, int limit) {
     return static_cast<int>(std::clamp<int64_t>(value, 0, limit));
   };
-  const int x0 = clip(face.centre_x - face.sample_radius, m_nFullWidth);
-  const int y0 = clip(face.centre_y - face.sample_radius, m_nFullHeight);
-  const int x1 = clip(face.centre_x + face.sample_radius, m_nFullWidth);
-  const int y1 = clip(face.centre_y + face.sample_radius, m_nFullHeight);
+  // A frame in memory has no chroma for an odd last column or row.
+  const int limit_x = frame != nullptr ? m_nFullWidth & ~1 : m_nFullWidth;
+  const int limit_y = frame != nullptr ? m_nFullHeight & ~1 : m_nFullHeight;
+  const int x0 = clip(face.centre_x - face.sample_radius, limit_x);
+  const int y0 = clip(face.centre_y - face.sample_radius, limit_y);
+  const int x1 = clip(face.centre_x + face.sample_radius, limit_x);
+  const int y1 = clip(face.centre_y + face.sample_radius, limit_y);
 
   const unsigned char* texels = nullptr;
   if (frame == nullptr && m_pWorkImage[1] != nullptr && m_pWorkImage[1]->m_spBuffer) {

@@ -109,7 +109,12 @@ int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSr
 bool GPUBeautyFace::WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face,
                                 int x, int y) {
   int width = std::min(m_nSrcWidth, m_nFullWidth - x);
-  const int height = std::min(m_nSrcHeight, m_nFullHeight - y);
+  int height = std::min(m_nSrcHeight, m_nFullHeight - y);
+  if (height == 1 && y >= 2) {
+    // Rows are expanded in pairs: an odd last row is taken with the pair before it.
+    y -= 2;
+    height = 3;
+  }
   if (width % 32 != 0) {
     // The expansion goes by whole groups of pixels: the last block of a row is widened to the left.
     width = std::min(RoundUpTo32(width), m_nSrcWidth);

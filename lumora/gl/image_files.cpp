@@ -25,6 +25,8 @@ uint8_t s_tgaHeader[18];
 constexpr int kTgaWidth = 12;
 constexpr int kTgaHeight = 14;
 constexpr int kTgaDepth = 16;
+// A header that claims more pixel bytes than this is not one of a picture.
+constexpr size_t kMaxTgaSize = size_t{1} << 30;
 
 // Elements of the destination of the last InputImageMemcopy.
 int s_nImageElements = 0;
@@ -80,7 +82,7 @@ unsigned char* LoadTGA(const char* path, unsigned int* pWidth, unsigned int* pHe
   *pFormat = pixel_bytes == 3 ? GL_RGB : GL_RGBA;
 
   const size_t size = static_cast<size_t>(pixel_bytes) * *pWidth * *pHeight;
-  auto* pixels = new (std::nothrow) unsigned char[size];
+  auto* pixels = size <= kMaxTgaSize ? new (std::nothrow) unsigned char[size] : nullptr;
   if (pixels != nullptr) {
     const size_t count = header == sizeof(s_tgaHeader) ? std::fread(pixels, 1, size, file) : 0;
     std::memset(pixels + count, 0, size - count);

@@ -15,9 +15,9 @@ LUMORA_API int Load565FromFile(const char* path, unsigned short* buf, int n);
 
 /// Loads an uncompressed TGA image: a new array of rows as they lie in the file (blue first, bottom
 /// row first in most files), to be released with delete[]; null when the file cannot be opened or
-/// is larger than memory. Stores width and height in pixels, and GL_RGB for 24-bit files, else
-/// GL_RGBA. Image type, ID field and colour map are not looked at. Bytes that a short file lacks
-/// are 0.
+/// its header claims more than 1 GiB of pixels. Stores width and height in pixels, and GL_RGB for
+/// 24-bit files, else GL_RGBA. Image type, ID field and colour map are not looked at. Bytes that a
+/// short file lacks are 0.
 LUMORA_API unsigned char* LoadTGA(const char* path, unsigned int* pWidth, unsigned int* pHeight,
                                   unsigned int* pFormat);
 
