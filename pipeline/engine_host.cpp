@@ -1,164 +1,143 @@
 #include "pipeline/engine_host.h"
 
-#include <chrono>
-#include <initializer_list>
-#include <string>
+#include <algorithm>
 
-#include "lumora/gl/gl_program.h"
-#include "lumora/gl/segl_image.h"
 #include "lumora/platform/display.h"
-#include "lumora/platform/gl_api.h"
-#include "lumora/platform/graphic_buffer.h"
 #include "lumora/platform/settings.h"
-#include "pipeline/face_record.h"
-#include "pipeline/status.h"
+#include "pipeline/engine_limits.h"
+#include "pipeline/failure.h"
+#include "pipeline/gl_state.h"
+#include "pipeline/rectification.h"
+#include "pipeline/stopwatch.h"
 
 namespace lumora {
 namespace {
 
-/// Milliseconds since the last reading.
-class Stopwatch {
- public:
-  double Lap() {
-    const auto now = Clock::now();
-    const std::chrono::duration<double, std::milli> passed = now - last_;
-    last_ = now;
-    return passed.count();
+/// Cuts rectangles at the borders of the caller's frame, which the engine's is larger than.
+void ClipBlocks(int width, int height, std::vector<PixelRect>* blocks) {
+  for (PixelRect& block : *blocks) {
+    block.width = std::min(block.width, width - block.x);
+    block.height = std::min(block.height, height - block.y);
   }
-
- private:
-  using Clock = std::chrono::steady_clock;
-  Clock::time_point last_ = Clock::now();
-};
-
-int MaxTextureSize() {
-  GLint size = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &size);
-  return size;
+  blocks->erase(
+      std::remove_if(blocks->begin(), blocks->end(),
+                     [](const PixelRect& block) { return block.width <= 0 || block.height <= 0; }),
+      blocks->end());
 }
 
-std::string GlText(GLenum name) {
-  const GLubyte* const text = glGetString(name);
-  return text == nullptr ? "" : reinterpret_cast<const char*>(text);
-}
-
-bool OffersProgramBinaries() {
-  const std::string extensions = " " + GlText(GL_EXTENSIONS) + " ";
-  if (extensions.find(" GL_OES_get_program_binary ") == std::string::npos) return false;
-  GLint formats = 0;
-  glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &formats);
-  return formats > 0;
-}
-
-bool Loaded(const GLProgram* program) {
-  return program != nullptr && program->m_hProgram != 0 &&
-         program->m_hProgram != static_cast<unsigned int>(-1);
-}
-
-bool HasMemory(const SEGLImage* image) {
-  return image != nullptr && image->m_pData != nullptr;
-}
-
-bool Drawable(GLuint framebuffer) {
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-  return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
-}
-
-/// Forgets errors of earlier calls. A lost context reports errors for ever, hence the bound.
-void ClearGlErrors() {
-  for (int i = 0; i < 16 && glGetError() != GL_NO_ERROR; ++i) {
-  }
+/// Where a frame has its middle in the middle of what the engine gets.
+FramePlace MiddlePlace(int width, int height) {
+  const auto offset = [](int size) { return (AlignedSize(size) - size) / 4 * 2; };
+  return {offset(width), offset(height)};
 }
 
 }  // namespace
 
-EngineHost::EngineHost() = default;
-
-Status EngineHost::Slim(const ConstFrameView& in, const FrameView& out,
-                        std::vector<FACE_INFO_t>& records, Report* report) {
-  if (Status status = PreparePreview(AlignedSize(in.width), AlignedSize(in.height)); !status.ok()) {
-    return status;
-  }
+Status EngineHost::Beautify(const ConstFrameView& in, const FrameView& out,
+                            const std::vector<FaceJob>& faces, const Look& look, Chain chain,
+                            Report* report) {
   Stopwatch stopwatch;
   frame_.Load(in);
   report->upload_ms = stopwatch.Lap();
 
-  SmoothSampling();
-  ClearGlErrors();
-  // The engine writes the luma over its input and the chroma to its output: the frame again.
-  const int done =
-      records.size() == 1
-          ? engine_.FaceProcess(frame_.luma(), frame_.chroma(), kBeautyLevel, records.front(), 0)
-          : engine_.FaceProcessMultiface(frame_.luma(), frame_.chroma(), kBeautyLevel,
-                                         records.data(), static_cast<int>(records.size()), 0);
-  const GLenum error = glGetError();
+  const Status status = RunEffects(faces, look, chain, report);
   report->engine_ms = stopwatch.Lap();
-  if (done == 0) {
-    return Failure(StatusCode::EngineFailed,
-                   "the engine refused the frame; set LUMORA_LOG=debug to see why");
+  if (status.ok()) {
+    frame_.Store(out);
+    report->download_ms = stopwatch.Lap();
+    report->chain = chain == Chain::Capture ? "capture" : "preview";
+    report->faces = static_cast<int>(faces.size());
+    report->buffer_kind = BufferKind();
+    if (chain == Chain::Preview) report->blocks = {{0, 0, in.width, in.height}};
+    ClipBlocks(in.width, in.height, &report->blocks);
   }
-  if (error != GL_NO_ERROR) {
-    preview_width_ = preview_height_ = 0;  // sets the engine up anew for the next frame
-    return Failure(StatusCode::EngineFailed,
-                   "the driver failed to draw the frame (GL error " + std::to_string(error) + ")");
-  }
+  if (chain == Chain::Capture) FreeLargeFrames();
+  return status;
+}
 
+Status EngineHost::RunEffects(const std::vector<FaceJob>& faces, const Look& look, Chain chain,
+                              Report* report) {
+  const bool capture = chain == Chain::Capture;
+  const ChainFrame frame = {setup_, frame_, work_, *report};
+  Stopwatch stopwatch;
+  // A driver that failed may have left anything behind: the next frame finds a new set-up.
+  const auto checked = [this](Status status) {
+    if (status.ok()) status = CheckGlErrors();
+    if (!status.ok()) setup_.Release();
+    return status;
+  };
+  ClearGlErrors();
+  if (Whitens(look)) {
+    if (Status status = checked(capture ? WhitenCapture(frame, faces, look)
+                                        : WhitenPreview(frame, faces, look));
+        !status.ok()) {
+      return status;
+    }
+    report->whiten_ms = stopwatch.Lap();
+  }
+  if (look.slim > 0) {
+    if (Status status = checked(capture ? SlimCapture(frame, faces) : SlimPreview(frame, faces));
+        !status.ok()) {
+      return status;
+    }
+    report->slim_ms = stopwatch.Lap();
+  }
+  return {};
+}
+
+Status EngineHost::Rectify(const ConstFrameView& in, const FrameView& out, int degree,
+                           Report* report) {
+  return Correct(in, out, FramePlace{}, report, [&] {
+    return DrawKeystone(setup_, degree,
+                        {static_cast<double>(in.width) / frame_.width(),
+                         static_cast<double>(in.height) / frame_.height()});
+  });
+}
+
+Status EngineHost::RectifyRadial(const ConstFrameView& in, const FrameView& out,
+                                 const LensCoefficients* lens, Camera camera, Report* report) {
+  return Correct(in, out, MiddlePlace(in.width, in.height), report, [&] {
+    const FrameShare share = {static_cast<double>(in.width) / frame_.width(),
+                              static_cast<double>(in.height) / frame_.height()};
+    return DrawRadial(setup_, lens, camera, share);
+  });
+}
+
+template <typename Draw>
+Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, FramePlace place,
+                           Report* report, Draw draw) {
+  Stopwatch stopwatch;
+  frame_.Load(in, place);
+  report->upload_ms = stopwatch.Lap();
+  // A set-up for whitening serves as well, so that a stream may change its mind.
+  if (Status status = setup_.Preview(frame_.width(), frame_.height(), false); !status.ok()) {
+    return status;
+  }
+  setup_.SetPreviewFilters(GL_LINEAR);
+  ClearGlErrors();
+  android::GPUBeautyFace& engine = setup_.engine();
+  bool done = engine.LoadPreviewFrameBuffer(frame_.luma()) != 0 && draw() &&
+              engine.DrawRGBtoYY(1) != 0 && engine.DrawRGBtoUV(1) != 0;
+  glFlush();
+  glFinish();
+  done = done && engine.MemcpyYUV(frame_.luma(), frame_.chroma()) != 0;
+  Status status = done ? CheckGlErrors() : EngineRefused();
+  report->engine_ms = stopwatch.Lap();
+  if (!status.ok()) {
+    setup_.Release();
+    return status;
+  }
   frame_.Store(out);
   report->download_ms = stopwatch.Lap();
   report->chain = "preview";
-  report->buffer_kind = platform::BufferKindName(engine_.m_pRGBImage->m_spBuffer->kind());
-  report->faces = static_cast<int>(records.size());
+  report->buffer_kind = BufferKind();
+  report->blocks = {{0, 0, in.width, in.height}};
   return {};
 }
 
-Status EngineHost::PreparePreview(int width, int height) {
-  if (width == preview_width_ && height == preview_height_) return {};
-  const int largest = MaxTextureSize();
-  if (width > largest || height > largest) {
-    return Failure(StatusCode::TooLarge,
-                   "the frame takes " + std::to_string(width) + " x " + std::to_string(height) +
-                       " pixels, but the driver's textures end at " + std::to_string(largest));
-  }
-  preview_width_ = preview_height_ = 0;
-  int stride = 0;
-  engine_.Init(width, height, width, height, &stride, false);
-  if (const char* fault = PreviewFault(); fault != nullptr) {
-    return Failure(StatusCode::EngineFailed, std::string("the engine cannot be set up: ") + fault +
-                                                 "; set LUMORA_LOG=debug to see why");
-  }
-  preview_width_ = width;
-  preview_height_ = height;
-  return {};
-}
-
-/// What the engine lacks for the preview chain, null when nothing. Its set-up itself does not tell.
-const char* EngineHost::PreviewFault() {
-  if (!Loaded(engine_.m_pProgRGBtoY) || !Loaded(engine_.m_pProgRGBtoUV) ||
-      !Loaded(engine_.m_pProgCheekSlimmer)) {
-    return "a shader program could not be loaded";
-  }
-  if (!HasMemory(engine_.m_pRGBImage) || !HasMemory(engine_.m_pWorkImage[0]) ||
-      !HasMemory(engine_.m_pWorkImage[1]) || !HasMemory(engine_.m_pYYYYImage) ||
-      !HasMemory(engine_.m_pUVUVImage)) {
-    return "there is not enough memory for its images";
-  }
-  if (!Drawable(engine_.m_hWorkFbo[0]) || !Drawable(engine_.m_hWorkFbo[1]) ||
-      !Drawable(engine_.m_hYYYYFbo) || !Drawable(engine_.m_hUVUVFbo)) {
-    return "the driver cannot draw into its images";
-  }
-  return nullptr;
-}
-
-/// The engine's packing passes leave images with nearest filters, so that a warp would be drawn
-/// smoothly in the first frame only. This makes every frame as smooth as the first, and its result
-/// independent of the frames before it.
-void EngineHost::SmoothSampling() {
-  for (const SEGLImage* image :
-       {engine_.m_pRGBImage, engine_.m_pWorkImage[0], engine_.m_pWorkImage[1]}) {
-    glBindTexture(GL_TEXTURE_2D, image->m_hTexture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-  }
+void EngineHost::FreeLargeFrames() {
+  frame_ = PaddedFrame();
+  work_ = PaddedFrame();
 }
 
 DeviceInfo EngineHost::Device() {
@@ -167,7 +146,7 @@ DeviceInfo EngineHost::Device() {
   info.vendor = GlText(GL_VENDOR);
   info.renderer = GlText(GL_RENDERER);
   info.version = GlText(GL_VERSION);
-  info.buffer_kind = platform::BufferKindName(platform::PreferredBufferKind());
+  info.buffer_kind = BufferKind();
   info.max_texture_size = MaxTextureSize();
   info.cache_directory = platform::CacheDirectory();
   info.program_binaries = OffersProgramBinaries();

@@ -4,39 +4,46 @@
 
 #include <vector>
 
-#include "lumora/engine/gpu_beauty_face.h"
+#include "pipeline/chains.h"
+#include "pipeline/engine_setup.h"
 #include "pipeline/frame_copy.h"
 #include "pipeline/pipeline.h"
 
 namespace lumora {
 
-/// Owns one engine and prepares it for what is asked of it: each chain of effects has one operation
-/// here, which sets the engine up when the frame's size has changed and runs the chain.
+/// Owns one engine and runs frames through its chains.
 ///
-/// Thread: constructed, used and destroyed on one thread, which has no other engine.
+/// Thread: constructed, used and destroyed on one thread, which has no other engine. All operations
+/// leave `out` as it was when they fail, and `in` and `out` may be the same memory.
 class EngineHost {
  public:
-  EngineHost();
-
   /// Whether the engine has its context; nothing else may be called where it has none.
-  bool ready() const { return engine_.m_bEGLReady; }
+  bool ready() { return setup_.engine().m_bEGLReady; }
 
-  /// The preview chain: `out` receives `in` with the faces of `records` slimmed, at least one. The
-  /// frames may be the same memory. On failure `out` is left as it was.
-  Status Slim(const ConstFrameView& in, const FrameView& out, std::vector<FACE_INFO_t>& records,
-              Report* report);
+  /// `out` receives `in` with `look` applied to `faces`, at least one, whose records are made for
+  /// `chain`: Preview or Capture.
+  Status Beautify(const ConstFrameView& in, const FrameView& out, const std::vector<FaceJob>& faces,
+                  const Look& look, Chain chain, Report* report);
+
+  /// The two corrections of Pipeline; `camera` counts where `lens` is null.
+  Status Rectify(const ConstFrameView& in, const FrameView& out, int degree, Report* report);
+  Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const LensCoefficients* lens,
+                       Camera camera, Report* report);
 
   DeviceInfo Device();
 
  private:
-  Status PreparePreview(int width, int height);
-  const char* PreviewFault();
-  void SmoothSampling();
+  Status RunEffects(const std::vector<FaceJob>& faces, const Look& look, Chain chain,
+                    Report* report);
+  /// The way of both corrections: `draw` draws from the input image to the first work image.
+  template <typename Draw>
+  Status Correct(const ConstFrameView& in, const FrameView& out, FramePlace place, Report* report,
+                 Draw draw);
+  void FreeLargeFrames();
 
-  android::GPUBeautyFace engine_;
+  EngineSetup setup_;
   PaddedFrame frame_;
-  int preview_width_ = 0;  // the size that the engine is set up for; 0 when it is not
-  int preview_height_ = 0;
+  PaddedFrame work_;
 };
 
 }  // namespace lumora

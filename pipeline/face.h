@@ -2,6 +2,8 @@
 #ifndef LUMORA_PIPELINE_FACE_H_
 #define LUMORA_PIPELINE_FACE_H_
 
+#include <array>
+
 #include "pipeline/export.h"
 
 namespace lumora {
@@ -70,6 +72,52 @@ struct WarpCircle {
 /// than the radius keep their values. The radius is 0 for a face that cannot be slimmed: one whose
 /// centre lies outside the frame, or whose cheeks or chin coincide with it.
 LUMORA_PIPELINE_API WarpCircle SlimmingCircle(const Face& face, int frame_width, int frame_height);
+
+/// An ellipse in pixels of the frame.
+struct Ellipse {
+  PointF centre;
+  float half_along = 0;   ///< half axis along `angle_degrees`; 0 for an ellipse that holds nothing
+  float half_across = 0;  ///< the other half axis
+  float angle_degrees = 0;  ///< of the first axis, clockwise as seen; 0 is along x
+};
+
+/// Places of the ellipses that WhiteningEllipses gives.
+enum WhiteningEllipse {
+  kFaceEllipse,
+  kCentreEllipse,
+  kLeftEyeEllipse,
+  kRightEyeEllipse,
+  kMouthEllipse,
+  kLeftBrowEllipse,
+  kRightBrowEllipse
+};
+
+/// The seven ellipses of whitening: the face, the whitening's outer limit, and those of its
+/// features.
+LUMORA_PIPELINE_API std::array<Ellipse, 7> WhiteningEllipses(const Face& face);
+
+/// The warp that the preview chain draws for a face, in full. A pixel at p is taken from
+///   p + d * strength * |d| * (1 - weight),   d = p - centre,
+/// with
+///   hold   = min(1, |p - limiter| / (limiter_scale * reach))
+///   weight = min(1, |d| / radius / hold * (2 - border ^ border_exponent))
+/// where `border` is the distance to the nearest border of the frame as a share of its side, and
+/// lengths are pixels.
+struct FaceWarp {
+  int frame_width = 0;   ///< the frame that the border is measured in: both sides rounded up to
+  int frame_height = 0;  ///< multiples of 32
+  PointF centre;
+  float radius = 0;    ///< pixels; 0 for a face that cannot be slimmed
+  float strength = 0;  ///< per pixel
+  PointF limiter;      ///< the place that keeps its pixels
+  float reach = 0;     ///< pixels
+  float limiter_scale = 0;
+  float border_exponent = 0;
+};
+
+/// The warp of `face` at a strength `slim` (0..100) in a frame of that size.
+LUMORA_PIPELINE_API FaceWarp SlimmingWarp(const Face& face, int slim, int frame_width,
+                                          int frame_height);
 
 }  // namespace lumora
 

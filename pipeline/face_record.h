@@ -5,20 +5,11 @@
 #include <optional>
 
 #include "lumora/engine/face_info.h"
+#include "pipeline/engine_limits.h"
 #include "pipeline/face.h"
+#include "pipeline/pipeline.h"
 
 namespace lumora {
-
-/// The beauty level that every record is made for; the strength is set by the record alone.
-constexpr int kBeautyLevel = 0;
-
-/// Rows and columns that the engine works on are multiples of this many pixels.
-constexpr int kFrameAlignment = 32;
-
-/// `size` rounded up to kFrameAlignment.
-constexpr int AlignedSize(int size) {
-  return (size + kFrameAlignment - 1) / kFrameAlignment * kFrameAlignment;
-}
 
 /// The record of `face` in a frame of width x height pixels, for slimming by `slim` (0..100).
 /// Nothing for a face that cannot be slimmed: one without size, with numbers that are not finite,
@@ -27,8 +18,12 @@ constexpr int AlignedSize(int size) {
 ///
 /// Every record is made so that the warp moves the cheeks by the same share of the face whatever
 /// its size, leaves the eyes where they are whatever the shape of the frame, and never folds the
-/// image.
-std::optional<FACE_INFO_t> MakeFaceRecord(const Face& face, int width, int height, int slim);
+/// image. `chain`, Preview or Capture, is the one that will read the record.
+std::optional<FACE_INFO_t> MakeFaceRecord(const Face& face, int width, int height, int slim,
+                                          Chain chain = Chain::Preview);
+
+/// A record with nothing but the landmarks of `face`, whose numbers are finite.
+FACE_INFO_t LandmarkRecord(const Face& face);
 
 }  // namespace lumora
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
+#include "pipeline/failure.h"
 #include "pipeline/frame_layout.h"
 #include "pipeline/landmarks.h"
-#include "pipeline/status.h"
 
 namespace lumora {
 namespace {
@@ -59,18 +59,52 @@ Status CheckFrame(const BasicFrameView<Byte>& frame, const std::string& which) {
   return {};
 }
 
+Status CheckScale(int value, const std::string& name) {
+  if (value >= 0 && value <= 100) return {};
+  return Invalid(name + " is " + std::to_string(value) + ", but its range is 0 to 100");
+}
+
+/// `which` is "RGB" or "HSI". An image that is left out is fine.
+Status CheckImage(const ConstFrameView& in, const ImageView& image, const std::string& which) {
+  if (image.data == nullptr) return {};
+  const std::string subject = "the " + which + " image";
+  if (image.width != in.width || image.height != in.height) {
+    return Invalid(subject + " is " + SizeText(image.width, image.height) +
+                   " pixels, but the frame is " + SizeText(in.width, in.height));
+  }
+  if (image.channels != 3 && image.channels != 4) {
+    return Invalid(subject + " has " + std::to_string(image.channels) +
+                   " channels, but only 3 or 4 are possible");
+  }
+  const int row_bytes = image.width * image.channels;
+  if (image.stride < row_bytes) {
+    return Invalid(subject + " has a stride of " + std::to_string(image.stride) +
+                   " bytes, but its rows hold " + std::to_string(row_bytes));
+  }
+  return {};
+}
+
 }  // namespace
 
-Status CheckArguments(const ConstFrameView& in, const FrameView& out,
-                      const std::vector<Face>& faces, const Look& look) {
+Status CheckFrames(const ConstFrameView& in, const FrameView& out) {
   if (Status status = CheckFrame(in, "input"); !status.ok()) return status;
   if (Status status = CheckFrame(out, "output"); !status.ok()) return status;
   if (in.width != out.width || in.height != out.height) {
     return Invalid("the input frame is " + SizeText(in.width, in.height) +
                    " pixels, but the output frame is " + SizeText(out.width, out.height));
   }
-  if (look.slim < 0 || look.slim > 100) {
-    return Invalid("slim is " + std::to_string(look.slim) + ", but its range is 0 to 100");
+  return {};
+}
+
+Status CheckArguments(const ConstFrameView& in, const FrameView& out,
+                      const std::vector<Face>& faces, const Look& look) {
+  if (Status status = CheckFrames(in, out); !status.ok()) return status;
+  if (Status status = CheckScale(look.slim, "slim"); !status.ok()) return status;
+  if (Status status = CheckScale(look.whiten, "whiten"); !status.ok()) return status;
+  if (Status status = CheckScale(look.saturate, "saturate"); !status.ok()) return status;
+  if (look.effect < Effect::Auto || look.effect > Effect::Mask) {
+    return Invalid("the effect (" + std::to_string(static_cast<int>(look.effect)) +
+                   ") is not one that there is");
   }
   for (size_t i = 0; i < faces.size(); ++i) {
     if (!IsFinite(faces[i])) {
@@ -78,6 +112,13 @@ Status CheckArguments(const ConstFrameView& in, const FrameView& out,
     }
   }
   return {};
+}
+
+Status CheckConversion(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi) {
+  if (Status status = CheckFrame(in, "input"); !status.ok()) return status;
+  if (rgb.data == nullptr && hsi.data == nullptr) return Invalid("no image to convert to is given");
+  if (Status status = CheckImage(in, rgb, "RGB"); !status.ok()) return status;
+  return CheckImage(in, hsi, "HSI");
 }
 
 }  // namespace lumora

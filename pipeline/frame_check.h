@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "pipeline/converter.h"
 #include "pipeline/face.h"
 #include "pipeline/frame.h"
 #include "pipeline/pipeline.h"
@@ -18,6 +19,12 @@ constexpr int kLargestSide = 32768;
 /// Whether Process can work with these arguments. Reads no sample.
 Status CheckArguments(const ConstFrameView& in, const FrameView& out,
                       const std::vector<Face>& faces, const Look& look);
+
+/// The part of it that looks at the frames alone.
+Status CheckFrames(const ConstFrameView& in, const FrameView& out);
+
+/// Whether Convert can work with these arguments.
+Status CheckConversion(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi);
 
 }  // namespace lumora
 

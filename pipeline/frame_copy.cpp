@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "pipeline/face_record.h"
 #include "pipeline/frame_layout.h"
 
 namespace lumora {
@@ -82,28 +81,47 @@ bool SameFrame(const ConstFrameView& in, const FrameView& out) {
   return true;
 }
 
-/// Repeats the last `unit` bytes of each of the first `rows` rows up to `stride`, then the last of
-/// these rows up to `all_rows`.
-void ExtendPlane(uint8_t* plane, int stride, int used, int unit, int rows, int all_rows) {
+/// The part of a plane that a frame fills, in bytes and rows.
+struct Filled {
+  int begin, end;  // of each row
+  int top, bottom;
+};
+
+/// Repeats the outermost samples, of `unit` bytes, of the filled part to the left and right ends of
+/// its rows, then its outermost rows up and down.
+void ExtendPlane(uint8_t* plane, int stride, int rows, int unit, const Filled& filled) {
   const auto row_bytes = static_cast<size_t>(stride);
   const auto unit_bytes = static_cast<size_t>(unit);
-  for (int row = 0; row < rows; ++row) {
-    uint8_t* const begin = plane + static_cast<size_t>(row) * row_bytes;
-    for (int at = used; at < stride; at += unit) {
-      std::memcpy(begin + at, begin + used - unit, unit_bytes);
+  const auto row_at = [plane, row_bytes](int row) {
+    return plane + static_cast<size_t>(row) * row_bytes;
+  };
+  for (int row = filled.top; row < filled.bottom; ++row) {
+    uint8_t* const begin = row_at(row);
+    for (int at = 0; at < filled.begin; at += unit) {
+      std::memcpy(begin + at, begin + filled.begin, unit_bytes);
+    }
+    for (int at = filled.end; at < stride; at += unit) {
+      std::memcpy(begin + at, begin + filled.end - unit, unit_bytes);
     }
   }
-  const uint8_t* const last = plane + static_cast<size_t>(rows - 1) * row_bytes;
-  for (int row = rows; row < all_rows; ++row) {
-    std::memcpy(plane + static_cast<size_t>(row) * row_bytes, last, row_bytes);
+  for (int row = 0; row < filled.top; ++row) {
+    std::memcpy(row_at(row), row_at(filled.top), row_bytes);
+  }
+  for (int row = filled.bottom; row < rows; ++row) {
+    std::memcpy(row_at(row), row_at(filled.bottom - 1), row_bytes);
   }
 }
 
-/// The upper left width x height pixels of a tightly packed NV21 frame.
+/// width x height pixels of a tightly packed NV21 frame.
 template <typename Byte>
-BasicFrameView<Byte> PackedView(Byte* luma, Byte* chroma, std::ptrdiff_t stride, int width,
-                                int height) {
-  return {PixelFormat::NV21, width, height, {luma, chroma, nullptr}, {stride, stride, 0}};
+BasicFrameView<Byte> PackedView(Byte* luma, Byte* chroma, std::ptrdiff_t stride, FramePlace place,
+                                int width, int height) {
+  return {PixelFormat::NV21,
+          width,
+          height,
+          {luma + place.top * stride + place.left, chroma + place.top / 2 * stride + place.left,
+           nullptr},
+          {stride, stride, 0}};
 }
 
 }  // namespace
@@ -116,18 +134,33 @@ void CopyFrame(const ConstFrameView& in, const FrameView& out) {
   between.Store(out);
 }
 
-void PaddedFrame::Load(const ConstFrameView& in) {
-  width_ = AlignedSize(in.width);
-  height_ = AlignedSize(in.height);
-  bytes_.resize(luma_size() + luma_size() / 2);
-  CopyApart(in, PackedView(luma(), chroma(), width_, in.width, in.height));
-  ExtendPlane(luma(), width_, in.width, 1, in.height, height_);
-  ExtendPlane(chroma(), width_, 2 * ChromaSize(in.width), 2, ChromaSize(in.height), height_ / 2);
+void PaddedFrame::Load(const ConstFrameView& in, FramePlace place) {
+  SetSize(AlignedSize(in.width, column_alignment_), AlignedSize(in.height));
+  place_ = place;
+  CopyApart(in, PackedView(luma(), chroma(), width_, place, in.width, in.height));
+  ExtendPlane(luma(), width_, height_, 1,
+              {place.left, place.left + in.width, place.top, place.top + in.height});
+  ExtendPlane(chroma(), width_, height_ / 2, 2,
+              {place.left, place.left + 2 * ChromaSize(in.width), place.top / 2,
+               place.top / 2 + ChromaSize(in.height)});
 }
 
 void PaddedFrame::Store(const FrameView& out) const {
-  const uint8_t* const luma = bytes_.data();
-  CopyApart(PackedView(luma, luma + luma_size(), width_, out.width, out.height), out);
+  CopyApart(PackedView(luma(), chroma(), width_, place_, out.width, out.height), out);
+}
+
+void PaddedFrame::Resize(const PaddedFrame& other) {
+  SetSize(other.width_, other.height_);
+}
+
+void PaddedFrame::SetSize(int width, int height) {
+  width_ = width;
+  height_ = height;
+  const size_t needed = luma_size() + luma_size() / 2;
+  if (needed <= capacity_) return;
+  capacity_ = 0;
+  bytes_.reset(new uint8_t[needed]);
+  capacity_ = needed;
 }
 
 }  // namespace lumora

@@ -1,52 +1,55 @@
 #include "pipeline/pipeline.h"
 
-#include <chrono>
-#include <exception>
-#include <new>
-#include <optional>
+#include <cmath>
+#include <cstddef>
 #include <utility>
 
+#include "pipeline/engine_faults.h"
 #include "pipeline/engine_host.h"
+#include "pipeline/engine_limits.h"
 #include "pipeline/face_record.h"
+#include "pipeline/failure.h"
 #include "pipeline/frame_check.h"
 #include "pipeline/frame_copy.h"
+#include "pipeline/guarded.h"
 #include "pipeline/serial_thread.h"
-#include "pipeline/status.h"
+#include "pipeline/stopwatch.h"
 
 namespace lumora {
 namespace {
 
-/// Records of the faces that can be slimmed, in the order of `faces`.
-std::vector<FACE_INFO_t> RecordsOf(const std::vector<Face>& faces, int width, int height,
-                                   const Look& look) {
-  std::vector<FACE_INFO_t> records;
-  if (look.slim == 0) return records;
-  for (const Face& face : faces) {
-    if (const auto record = MakeFaceRecord(face, width, height, look.slim)) {
-      records.push_back(*record);
+Chain ChainFor(int width, Chain wanted) {
+  if (wanted != Chain::Auto) return wanted;
+  return AlignedSize(width) > kWidestPreview ? Chain::Capture : Chain::Preview;
+}
+
+/// The faces that can be processed.
+std::vector<FaceJob> JobsOf(const std::vector<Face>& faces, int width, int height, const Look& look,
+                            Chain chain) {
+  std::vector<FaceJob> jobs;
+  if (look.slim == 0 && !Whitens(look)) return jobs;
+  for (size_t i = 0; i < faces.size(); ++i) {
+    if (const auto record = MakeFaceRecord(faces[i], width, height, look.slim, chain)) {
+      jobs.push_back({static_cast<int>(i), faces[i], *record});
     }
   }
-  return records;
+  return jobs;
 }
 
 void CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* report) {
-  const auto begin = std::chrono::steady_clock::now();
+  Stopwatch stopwatch;
   CopyFrame(in, out);
-  const std::chrono::duration<double, std::milli> passed = std::chrono::steady_clock::now() - begin;
   report->chain = "none";
-  report->download_ms = passed.count();
+  report->download_ms = stopwatch.Lap();
 }
 
-/// What `work` returns; what it throws becomes a Status as well.
+/// What `work` returns, with its report, which is empty when it fails.
 template <typename Work>
-Status Guarded(Work work) {
-  try {
-    return work();
-  } catch (const std::bad_alloc&) {
-    return Failure(StatusCode::EngineFailed, "there is not enough memory for the frame");
-  } catch (const std::exception& error) {
-    return Failure(StatusCode::EngineFailed, error.what());
-  }
+Status Reported(Report* report, Work work) {
+  Report done;
+  Status status = Guarded([&] { return work(&done); });
+  if (report != nullptr) *report = status.ok() ? std::move(done) : Report{};
+  return status;
 }
 
 }  // namespace
@@ -78,12 +81,7 @@ std::unique_ptr<Pipeline> Pipeline::Create(Status* status) {
   std::unique_ptr<Worker> worker;
   const Status result = Guarded([&worker]() -> Status {
     worker = std::make_unique<Worker>();
-    if (!worker->Run([](EngineHost& host) { return host.ready(); })) {
-      return Failure(StatusCode::NoDisplay,
-                     "no EGL display with OpenGL ES 2 was found on this machine; "
-                     "a software renderer such as Mesa's is enough");
-    }
-    return {};
+    return worker->Run([](EngineHost& host) { return host.ready(); }) ? Status{} : NoDisplay();
   });
   if (status != nullptr) *status = result;
   if (!result.ok()) return nullptr;
@@ -95,19 +93,58 @@ Pipeline::Pipeline(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) 
 Pipeline::~Pipeline() = default;
 
 Status Pipeline::Process(const ConstFrameView& in, const FrameView& out,
-                         const std::vector<Face>& faces, const Look& look, Report* report) {
-  Report done;
-  Status status = Guarded([&]() -> Status {
+                         const std::vector<Face>& faces, const Look& look, Report* report,
+                         const ProcessOptions& options) {
+  return Reported(report, [&](Report* done) -> Status {
     if (Status checked = CheckArguments(in, out, faces, look); !checked.ok()) return checked;
-    std::vector<FACE_INFO_t> records = RecordsOf(faces, in.width, in.height, look);
-    if (records.empty()) {
-      CopyUnchanged(in, out, &done);
+    const Chain chain = ChainFor(in.width, options.chain);
+    const std::vector<FaceJob> jobs = JobsOf(faces, in.width, in.height, look, chain);
+    if (jobs.empty()) {
+      CopyUnchanged(in, out, done);
       return {};
     }
-    return worker_->Run([&](EngineHost& host) { return host.Slim(in, out, records, &done); });
+    return worker_->Run(
+        [&](EngineHost& host) { return host.Beautify(in, out, jobs, look, chain, done); });
   });
-  if (report != nullptr) *report = std::move(done);
-  return status;
+}
+
+Status Pipeline::Rectify(const ConstFrameView& in, const FrameView& out, int degree,
+                         Report* report) {
+  return Reported(report, [&](Report* done) -> Status {
+    if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
+    if (degree < -100 || degree > 100) {
+      return Failure(StatusCode::InvalidArgument,
+                     "the degree is " + std::to_string(degree) + ", but its range is -100 to 100");
+    }
+    if (degree == 0) {
+      CopyUnchanged(in, out, done);
+      return {};
+    }
+    return worker_->Run([&](EngineHost& host) { return host.Rectify(in, out, degree, done); });
+  });
+}
+
+Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out,
+                               const LensCoefficients& lens, Report* report) {
+  return Reported(report, [&](Report* done) -> Status {
+    if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
+    for (const float coefficient : {lens.k0, lens.k1, lens.k2, lens.k3}) {
+      if (!std::isfinite(coefficient)) {
+        return Failure(StatusCode::InvalidArgument, "a lens coefficient is not finite");
+      }
+    }
+    return worker_->Run(
+        [&](EngineHost& host) { return host.RectifyRadial(in, out, &lens, Camera::First, done); });
+  });
+}
+
+Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out, Camera camera,
+                               Report* report) {
+  return Reported(report, [&](Report* done) -> Status {
+    if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
+    return worker_->Run(
+        [&](EngineHost& host) { return host.RectifyRadial(in, out, nullptr, camera, done); });
+  });
 }
 
 DeviceInfo Pipeline::Device() {

@@ -12,40 +12,35 @@
 #include "pipeline/export.h"
 #include "pipeline/face.h"
 #include "pipeline/frame.h"
+#include "pipeline/look.h"
+#include "pipeline/report.h"
+#include "pipeline/status.h"
 
 namespace lumora {
 
-/// What went wrong.
-enum class StatusCode {
-  Ok,
-  InvalidArgument,  ///< the call's arguments cannot be used; nothing was done
-  NoDisplay,        ///< no EGL display or context could be had on this machine
-  TooLarge,         ///< the frame is larger than the driver's textures
-  EngineFailed,     ///< the engine refused to process (its log says why)
+/// Which of the engine's two ways a frame takes.
+enum class Chain {
+  Auto,     ///< preview up to a width of 1280 pixels, capture above
+  Preview,  ///< the whole frame at once; sides are limited by the driver's textures
+  Capture,  ///< only the blocks around faces, for stills of any size
 };
 
-/// Success, or a code and a sentence.
-struct Status {
-  StatusCode code = StatusCode::Ok;
-  std::string message;
-
-  bool ok() const { return code == StatusCode::Ok; }
+/// How a call is to be carried out. The result is the same look either way.
+struct ProcessOptions {
+  Chain chain = Chain::Auto;
 };
 
-/// How faces are to look. Scales run from 0 to 100; 0 is exactly off and costs nothing.
-struct Look {
-  int slim = 0;  ///< narrowing of cheeks and chin: 50 is visible but natural, 100 is strong
+/// The radial lens polynomial k0 + k1 s + k2 s^2 + k3 s^3, s the squared distance from the frame's
+/// centre, 1 in the corners; the defaults are those of lenses without a parameter file.
+struct LensCoefficients {
+  float k0 = 1.00453f;
+  float k1 = -0.0214308f;
+  float k2 = 0.00571108f;
+  float k3 = 0.032517f;
 };
 
-/// What one call did. After a failed call the chain is empty.
-struct Report {
-  std::string chain;        ///< "none" (nothing to do) or "preview"
-  std::string buffer_kind;  ///< how CPU and GPU share memory: "staged", "memobj"; empty for "none"
-  int faces = 0;            ///< faces processed: those that can be, see Process
-  double upload_ms = 0;     ///< copying the caller's frame in; 0 for "none"
-  double engine_ms = 0;     ///< the engine's own work; 0 for "none"
-  double download_ms = 0;   ///< copying the result out; for "none" the whole copy
-};
+/// A camera of the device.
+enum class Camera { First, Second };
 
 /// What the machine offers, for diagnostics.
 struct DeviceInfo {
@@ -69,19 +64,38 @@ class LUMORA_PIPELINE_API Pipeline {
   Pipeline(const Pipeline&) = delete;
   Pipeline& operator=(const Pipeline&) = delete;
 
-  /// Processes one frame: `out` receives `in` with `look` applied to `faces`. Both frames have the
-  /// same size, from 32 x 32 pixels up, odd ones too; their formats and strides may differ, and
-  /// they may be the same memory. Pixels beyond the circles that SlimmingCircle tells keep their
-  /// values, and bytes between the rows of `out` are not written.
+  /// Processes one frame: `out` receives `in` with `look` applied to `faces`, whitening first. Both
+  /// frames have the same size, from 32 x 32 pixels up, odd ones too; their formats and strides may
+  /// differ, and they may be the same memory. Pixels that lie neither in the circle that
+  /// SlimmingCircle tells nor in the first ellipse of WhiteningEllipses keep their values, and
+  /// bytes between the rows of `out` are not written.
   ///
   /// With nothing to do (no face, everything off) the frame is copied unchanged, on the calling
   /// thread. A face that cannot be processed is left out: its centre lies outside the frame, or its
-  /// cheeks or chin coincide with it. A face that leaves the frame is slimmed less and less.
+  /// cheeks or chin coincide with it. A face that leaves the frame is slimmed less and less. Any
+  /// number of faces is processed, one after another where they overlap.
   ///
   /// The result depends on nothing but the arguments. On failure `out` is left as it was. `report`
   /// may be null.
   Status Process(const ConstFrameView& in, const FrameView& out, const std::vector<Face>& faces,
-                 const Look& look, Report* report = nullptr);
+                 const Look& look, Report* report = nullptr, const ProcessOptions& options = {});
+
+  /// Keystone correction: `out` receives `in` mapped onto a quadrilateral of it. `degree`, -100 to
+  /// 100, is in hundredths of the frame's size: a positive one shortens the left side of what is
+  /// sampled by so much at both ends, a negative one the right; 0 is a copy. Frames as in Process,
+  /// as large as the driver's textures.
+  Status Rectify(const ConstFrameView& in, const FrameView& out, int degree,
+                 Report* report = nullptr);
+
+  /// Radial correction of a lens with known coefficients. The picture is enlarged by about two
+  /// hundredths, so that its bent edges fall outside. Frames as in Rectify.
+  Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const LensCoefficients& lens,
+                       Report* report = nullptr);
+
+  /// The same with the coefficients that the files of the device's cameras name, the default ones
+  /// where there are none.
+  Status RectifyRadial(const ConstFrameView& in, const FrameView& out, Camera camera,
+                       Report* report = nullptr);
 
   /// What the engine runs on.
   DeviceInfo Device();

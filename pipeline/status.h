@@ -1,17 +1,27 @@
-// Making a Status.
+// What calls of the pipeline come back with.
 #ifndef LUMORA_PIPELINE_STATUS_H_
 #define LUMORA_PIPELINE_STATUS_H_
 
 #include <string>
-#include <utility>
-
-#include "pipeline/pipeline.h"
 
 namespace lumora {
 
-inline Status Failure(StatusCode code, std::string message) {
-  return {code, std::move(message)};
-}
+/// What went wrong.
+enum class StatusCode {
+  Ok,
+  InvalidArgument,  ///< the call's arguments cannot be used; nothing was done
+  NoDisplay,        ///< no EGL display or context could be had on this machine
+  TooLarge,         ///< the frame is larger than the driver's textures
+  EngineFailed,     ///< the engine refused to process (its log says why)
+};
+
+/// Success, or a code and a sentence that can be shown to a user.
+struct Status {
+  StatusCode code = StatusCode::Ok;
+  std::string message;
+
+  bool ok() const { return code == StatusCode::Ok; }
+};
 
 }  // namespace lumora
 

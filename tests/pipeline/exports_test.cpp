@@ -3,7 +3,9 @@
 
 #include <vector>
 
+#include "pipeline/converter.h"
 #include "pipeline/face.h"
+#include "pipeline/face_tracker.h"
 #include "pipeline/frame.h"
 #include "pipeline/pipeline.h"
 
@@ -32,6 +34,40 @@ TEST(SharedLibrary, OffersThePipeline) {
   const Face face = FaceFromEyes({24, 28}, {40, 28});
   EXPECT_TRUE(pipeline->Process(AsConst(frame), frame, {face}, Look{50}, &report).ok());
   EXPECT_EQ(report.faces, 1);
+}
+
+TEST(SharedLibrary, OffersTheConverterAndTheTracker) {
+  Status status;
+  const auto converter = Converter::Create(&status);
+  ASSERT_NE(converter, nullptr) << status.message;
+  std::vector<uint8_t> bytes(64 * 64 * 3 / 2, 128), rgb(64 * 64 * 3);
+  const FrameView frame{
+      PixelFormat::NV21, 64, 64, {bytes.data(), bytes.data() + 64 * 64, nullptr}, {64, 64, 0}};
+  EXPECT_TRUE(converter->Convert(AsConst(frame), {rgb.data(), 64, 64, 3, 64 * 3}, {}).ok());
+  FaceTracker tracker;
+  EXPECT_EQ(tracker.Detected({FaceFromEyes({24, 28}, {40, 28})}).size(), 1u);
+  EXPECT_EQ(tracker.Skipped().size(), 1u);
+}
+
+TEST(SharedLibrary, OffersLooksAndWhatTheyAmountTo) {
+  const auto look = FindPreset("natural");
+  ASSERT_TRUE(look.has_value());
+  EXPECT_TRUE(Whitens(*look));
+  EXPECT_FALSE(Presets().empty());
+  const Face face = FaceFromEyes({100, 100}, {140, 100});
+  EXPECT_GT(WhiteningEllipses(face)[kFaceEllipse].half_along, 20);
+  EXPECT_GT(SlimmingWarp(face, look->slim, 320, 240).strength, 0);
+}
+
+TEST(SharedLibrary, OffersRectification) {
+  const auto pipeline = Pipeline::Create(nullptr);
+  ASSERT_NE(pipeline, nullptr);
+  std::vector<uint8_t> bytes(64 * 64 * 3 / 2, 128);
+  const FrameView frame{
+      PixelFormat::NV21, 64, 64, {bytes.data(), bytes.data() + 64 * 64, nullptr}, {64, 64, 0}};
+  EXPECT_TRUE(pipeline->Rectify(AsConst(frame), frame, 5).ok());
+  EXPECT_TRUE(pipeline->RectifyRadial(AsConst(frame), frame, LensCoefficients{}).ok());
+  EXPECT_TRUE(pipeline->RectifyRadial(AsConst(frame), frame, Camera::Second).ok());
 }
 
 }  // namespace

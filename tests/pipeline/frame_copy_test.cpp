@@ -132,5 +132,45 @@ TEST(PaddedFrame, RepeatsTheLastColumnAndRow) {
   }
 }
 
+TEST(PaddedFrame, HoldsAFrameAtAnyPlaceAndExtendsItToAllSides) {
+  for (const auto& [width, height] : kSizes) {
+    const Samples samples = NoiseSamples(width, height);
+    FrameMemory in(PixelFormat::NV12, width, height), out(PixelFormat::I420, width, height, 3);
+    in.Fill(samples);
+    PaddedFrame padded;
+    const FramePlace place = {(AlignedSize(width) - width) / 4 * 2,
+                              (AlignedSize(height) - height) / 4 * 2};
+    padded.Load(in.const_view(), place);
+    padded.Store(out.view());
+    EXPECT_TRUE(out.Read() == samples);
+    EXPECT_TRUE(out.GuardsIntact());
+    for (int y = 0; y < padded.height(); ++y) {
+      for (int x = 0; x < padded.width(); ++x) {
+        const int from = std::clamp(y - place.top, 0, height - 1) * width +
+                         std::clamp(x - place.left, 0, width - 1);
+        ASSERT_EQ(padded.luma()[y * padded.width() + x], samples.y[static_cast<size_t>(from)])
+            << x << ", " << y;
+      }
+    }
+    const int chroma_width = in.chroma_width(), chroma_height = in.chroma_height();
+    for (int y = 0; y < padded.height() / 2; ++y) {
+      for (int x = 0; x < padded.width() / 2; ++x) {
+        const auto from =
+            static_cast<size_t>(std::clamp(y - place.top / 2, 0, chroma_height - 1) * chroma_width +
+                                std::clamp(x - place.left / 2, 0, chroma_width - 1));
+        ASSERT_EQ(padded.chroma()[y * padded.width() + 2 * x], samples.cr[from]) << x << ", " << y;
+      }
+    }
+  }
+}
+
+TEST(PaddedFrame, TakesOtherAlignmentsOfItsRows) {
+  FrameMemory in(PixelFormat::NV21, 97, 33);
+  PaddedFrame padded(128);
+  padded.Load(in.const_view());
+  EXPECT_EQ(padded.width(), 128);
+  EXPECT_EQ(padded.height(), 64);
+}
+
 }  // namespace
 }  // namespace lumora::test

@@ -8,71 +8,12 @@
 
 #include "pipeline/face_record.h"
 #include "pipeline/pipeline_fixture.h"
+#include "pipeline/smooth_samples.h"
+#include "pipeline/touched_area.h"
 #include "pipeline/warp_model.h"
 
 namespace lumora::test {
 namespace {
-
-/// Broad waves in every plane: bilinear sampling and rounding change them by little.
-Samples SmoothSamples(int width, int height) {
-  Samples samples = NoiseSamples(width, height);
-  const auto wave = [](int x, int y, double phase) {
-    return static_cast<uint8_t>(
-        std::lround(128 + 60 * std::sin(x * 0.21 + phase) + 50 * std::cos(y * 0.17 + phase)));
-  };
-  for (size_t i = 0; i < samples.y.size(); ++i) {
-    const int at = static_cast<int>(i);
-    samples.y[i] = wave(at % width, at / width, 0);
-  }
-  const int chroma_width = (width + 1) / 2;
-  for (size_t i = 0; i < samples.cb.size(); ++i) {
-    const int at = static_cast<int>(i);
-    samples.cb[i] = wave(at % chroma_width, at / chroma_width, 1);
-    samples.cr[i] = wave(at % chroma_width, at / chroma_width, 2);
-  }
-  return samples;
-}
-
-/// How much of a frame changed, inside and outside circles.
-struct Changes {
-  int inside = 0;
-  int outside = 0;
-};
-
-Changes CountChanges(const Samples& before, const Samples& after, int width, int height,
-                     const std::vector<Face>& faces) {
-  std::vector<WarpCircle> circles;
-  for (const Face& face : faces) circles.push_back(SlimmingCircle(face, width, height));
-  const auto inside = [&](int x, int y) {
-    const double px = x + 0.5, py = y + 0.5;
-    return std::any_of(circles.begin(), circles.end(), [&](const WarpCircle& circle) {
-      return std::hypot(px - static_cast<double>(circle.centre.x),
-                        py - static_cast<double>(circle.centre.y)) <=
-             static_cast<double>(circle.radius);
-    });
-  };
-  Changes changes;
-  const auto count = [&changes](bool is_inside) {
-    ++(is_inside ? changes.inside : changes.outside);
-  };
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const auto i = static_cast<size_t>(y * width + x);
-      if (before.y[i] != after.y[i]) count(inside(x, y));
-    }
-  }
-  const int chroma_width = (width + 1) / 2;
-  for (int y = 0; y < (height + 1) / 2; ++y) {
-    for (int x = 0; x < chroma_width; ++x) {
-      const auto i = static_cast<size_t>(y * chroma_width + x);
-      if (before.cb[i] == after.cb[i] && before.cr[i] == after.cr[i]) continue;
-      // A chroma sample stands for four pixels and is taken from one of them.
-      count(inside(2 * x, 2 * y) || inside(2 * x + 1, 2 * y) || inside(2 * x, 2 * y + 1) ||
-            inside(2 * x + 1, 2 * y + 1));
-    }
-  }
-  return changes;
-}
 
 constexpr std::pair<int, int> kSizes[] = {{64, 64}, {97, 133}, {160, 120}, {201, 99}};
 
@@ -117,7 +58,8 @@ TEST_F(PipelineTest, ChangesPixelsInsideTheCircleOnlyInEveryFormat) {
         const Status status =
             pipeline_->Process(in.const_view(), out.view(), faces, kFull, &report);
         ASSERT_TRUE(status.ok()) << status.message;
-        const Changes changes = CountChanges(samples, out.Read(), width, height, faces);
+        const TouchedArea area({}, faces, width, height);
+        const AreaChanges changes = CountChanges(samples, out.Read(), width, height, area);
         EXPECT_EQ(changes.outside, 0) << width << " x " << height;
         EXPECT_GT(changes.inside, width * height / 50) << width << " x " << height;
         EXPECT_TRUE(out.GuardsIntact());
@@ -143,15 +85,7 @@ TEST_F(PipelineTest, TakesEveryPixelFromWhereTheWarpSays) {
       for (int x = 0; x < width; ++x) {
         const Vector from = warp.Source({x + 0.5, y + 0.5});
         largest_move = std::max(largest_move, std::hypot(from.x - x - 0.5, from.y - y - 0.5));
-        const double column = std::clamp(from.x - 0.5, 0.0, width - 1.001);
-        const double row = std::clamp(from.y - 0.5, 0.0, height - 1.001);
-        const auto at =
-            static_cast<size_t>(static_cast<int>(row) * width + static_cast<int>(column));
-        const double fx = column - std::floor(column), fy = row - std::floor(row);
-        const auto step = static_cast<size_t>(width);
-        const double expected =
-            (samples.y[at] * (1 - fx) + samples.y[at + 1] * fx) * (1 - fy) +
-            (samples.y[at + step] * (1 - fx) + samples.y[at + step + 1] * fx) * fy;
+        const double expected = Interpolated(samples.y, width, height, from.x, from.y);
         // One for the texture unit's weights of 1/256, one for rounding.
         ASSERT_NEAR(result.y[static_cast<size_t>(y * width + x)], expected, 2)
             << x << ", " << y << " roll " << roll;

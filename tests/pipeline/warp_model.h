@@ -1,4 +1,4 @@
-// The slimming warp of the engine's preview chain, written down once more in double precision.
+// The slimming warp of the engine's two chains, written down once more in double precision.
 #ifndef LUMORA_TESTS_PIPELINE_WARP_MODEL_H_
 #define LUMORA_TESTS_PIPELINE_WARP_MODEL_H_
 
@@ -15,22 +15,24 @@ struct Vector {
 };
 
 /// The warp that a face record makes the engine draw in a frame of width x height pixels (multiples
-/// of 32, as the engine gets it).
+/// of 32, as the engine gets it), in the preview chain or in a capture.
 class WarpModel {
  public:
-  WarpModel(const FACE_INFO_t& record, int width, int height, int beauty_level)
-      : width_(width),
+  WarpModel(const FACE_INFO_t& record, int width, int height, int beauty_level,
+            bool capture = false)
+      : capture_(capture),
+        width_(width),
         height_(height),
         aspect_(height_ / width_),
         centre_{record.loc_x / width_, record.loc_y / height_} {
     const double larger = std::max(record.dist, record.chin_dist);
     const double shape = record.shapetype == 2 ? 0.5 : 1.0;
-    radius_ = std::min(larger * 1.15 / width_, 0.4);
+    radius_ = std::min(larger * (capture ? 1.05 : 1.15) / width_, 0.4);
     strength_ = shape * (1.1 + 0.1 * beauty_level) * std::pow(radius_, 0.3) *
                 static_cast<double>(record.dist_level_ratio);
     const double direction = (record.roll - 90) * 0.0174533;
     limiter_ = {0.55 * radius_ * std::cos(direction), 0.55 * radius_ * std::sin(direction)};
-    limiter_scale_ = 1.1 * record.dist / record.chin_dist;
+    limiter_scale_ = (capture ? 1.3 : 1.1) * record.dist / record.chin_dist;
   }
 
   double radius_pixels() const { return radius_ * width_; }
@@ -53,12 +55,14 @@ class WarpModel {
     const double hold = std::clamp(reach / (0.55 * radius_), 0.0, 1.0);
     if (hold == 0) return 0;
     const double ratio = std::clamp(distance / radius_ / hold, 0.0, 1.0);
+    if (capture_) return 1 - ratio;
     const double u = at.x / width_;
     const double v = at.y / height_;
     const double to_border = std::max(0.0, std::min({u, 1 - u, v, 1 - v}));
     return 1 - std::clamp(ratio * (2 - std::pow(to_border, 0.2)), 0.0, 1.0);
   }
 
+  bool capture_;
   double width_;
   double height_;
   double aspect_;

@@ -1,0 +1,84 @@
+#include "pipeline/chains.h"
+
+#include <algorithm>
+
+#include "pipeline/engine_limits.h"
+#include "pipeline/failure.h"
+#include "pipeline/merge.h"
+#include "pipeline/warp_geometry.h"
+
+namespace lumora {
+namespace {
+
+/// Adds the blocks that the engine walks in a rectangle of a frame.
+void ReportBlocks(const android::GPUBeautyFace& engine, const PixelRect& area, Report* report) {
+  const int right = std::min(area.x + area.width, engine.m_nFullWidth);
+  const int bottom = std::min(area.y + area.height, engine.m_nFullHeight);
+  const auto first = [](int start) { return (std::max(start, 0) + 1) / 2 * 2; };
+  for (int y = first(area.y); y < bottom; y += engine.m_nSrcHeight) {
+    for (int x = first(area.x); x < right; x += engine.m_nSrcWidth) {
+      report->blocks.push_back({x, y, std::min(engine.m_nSrcWidth, engine.m_nFullWidth - x),
+                                std::min(engine.m_nSrcHeight, engine.m_nFullHeight - y)});
+    }
+  }
+}
+
+/// The whole blocks on each side of a face that the engine slims.
+PixelRect SlimmingArea(const android::GPUBeautyFace& engine, const FACE_INFO_t& record) {
+  const int measure = std::max(record.dist, record.chin_dist);
+  const auto reach = [measure](int block) { return (measure + block - 1) / block * block; };
+  const int across = reach(engine.m_nSrcWidth);
+  const int down = reach(engine.m_nSrcHeight);
+  return {record.loc_x - across, record.loc_y - down, 2 * across, 2 * down};
+}
+
+}  // namespace
+
+Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look) {
+  android::GPUBeautyFace& engine = chain.setup.engine();
+  std::vector<WhiteningJob> jobs =
+      PlanWhitening(engine, chain.frame, faces, look, &chain.report.tones);
+  if (jobs.empty()) return {};
+  PaddedFrame& frame = chain.frame;
+  const CaptureScope capture(chain.setup);
+  if (Status status = chain.setup.CaptureBlocks(frame.width(), frame.height()); !status.ok()) {
+    return status;
+  }
+  chain.work.Resize(frame);
+  for (WhiteningJob& job : jobs) {
+    const bool done =
+        engine.DoFaceWhiteningLarge(frame.luma(), frame.chroma(), &job.record, 1,
+                                    job.intensity_level, job.saturation_level,
+                                    EngineEffect(look)) != 0 &&
+        engine.CopyMemYUVfromSrcTextureLarge(chain.work.luma(), chain.work.chroma(), 0, 1) != 0;
+    if (!done) return EngineRefused();
+    const android::FaceProcessRect& area = engine.m_rcFaceProcess[0];
+    ReportBlocks(engine, {area.X, area.Y, area.Width, area.Height}, &chain.report);
+    Blend(chain.work, job.mask, &frame);
+  }
+  return {};
+}
+
+Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
+  android::GPUBeautyFace& engine = chain.setup.engine();
+  PaddedFrame& frame = chain.frame;
+  const CaptureScope capture(chain.setup);
+  if (Status status = chain.setup.CapturePlanes(frame); !status.ok()) return status;
+  chain.work.Resize(frame);
+  for (const FaceJob& face : faces) {
+    FACE_INFO_t record = face.record;
+    engine.FaceProcessLarge(chain.work.luma(), chain.work.chroma(), frame.width(), frame.height(),
+                            0, &record, 1, kBeautyLevel);
+    ReportBlocks(engine, SlimmingArea(engine, record), &chain.report);
+    const PointF centre = {static_cast<float>(record.loc_x), static_cast<float>(record.loc_y)};
+    const double radius = CaptureRadius(record, frame.width());
+    CopyCircle(chain.work, centre, radius, &frame);
+    // The engine reads every face from the plane textures: the next one has to find this one's
+    // result there.
+    const PixelRect changed = CircleBounds(centre, radius, frame.width(), frame.height());
+    chain.setup.UpdatePlanes(frame, changed.y, changed.height);
+  }
+  return {};
+}
+
+}  // namespace lumora

@@ -1,0 +1,137 @@
+#include "pipeline/converter.h"
+
+#include <cstddef>
+#include <utility>
+
+#include "lumora/convert/gpu_color_converter.h"
+#include "pipeline/engine_faults.h"
+#include "pipeline/failure.h"
+#include "pipeline/frame_check.h"
+#include "pipeline/frame_copy.h"
+#include "pipeline/gl_state.h"
+#include "pipeline/guarded.h"
+#include "pipeline/serial_thread.h"
+#include "pipeline/stopwatch.h"
+
+namespace lumora {
+namespace {
+
+constexpr int kTexelBytes = 4;
+
+/// The engine's expansion writes whole images when rows are multiples of this many pixels.
+constexpr int kRowAlignment = 128;
+
+/// Copies the left part of an image of texels.
+void CopyImage(const uint8_t* texels, int texels_a_row, const ImageView& out) {
+  const auto from_stride = static_cast<size_t>(texels_a_row) * kTexelBytes;
+  for (int y = 0; y < out.height; ++y) {
+    const uint8_t* from = texels + static_cast<size_t>(y) * from_stride;
+    uint8_t* to = out.data + y * out.stride;
+    for (int x = 0; x < out.width; ++x, from += kTexelBytes, to += out.channels) {
+      for (int channel = 0; channel < 3; ++channel) to[channel] = from[channel];
+      if (out.channels == kTexelBytes) to[3] = 255;
+    }
+  }
+}
+
+}  // namespace
+
+/// The engine library's converter with the thread that it is bound to.
+class Converter::Worker {
+ public:
+  Worker() {
+    thread_.Run([this] { engine_ = std::make_unique<android::GPUColorConverter>(); });
+  }
+  ~Worker() {
+    thread_.Run([this] { engine_.reset(); });
+  }
+  Worker(const Worker&) = delete;
+  Worker& operator=(const Worker&) = delete;
+
+  bool Ready() {
+    return thread_.Run([this] { return engine_->m_bEGLReady; });
+  }
+
+  Status Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
+                 Report* report) {
+    return thread_.Run([&] { return ConvertHere(in, rgb, hsi, report); });
+  }
+
+ private:
+  Status ConvertHere(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
+                     Report* report);
+  Status Prepare(int width, int height);
+
+  std::unique_ptr<android::GPUColorConverter> engine_;  // touched by thread_ only
+  PaddedFrame frame_{kRowAlignment};
+  int width_ = 0;  // the size that the engine is set up for; 0 when it is not
+  int height_ = 0;
+  SerialThread thread_;
+};
+
+Status Converter::Worker::ConvertHere(const ConstFrameView& in, const ImageView& rgb,
+                                      const ImageView& hsi, Report* report) {
+  Stopwatch stopwatch;
+  frame_.Load(in);
+  report->upload_ms = stopwatch.Lap();
+  if (Status status = Prepare(frame_.width(), frame_.height()); !status.ok()) return status;
+
+  ClearGlErrors();
+  const bool done = engine_->ConvertYUV(frame_.luma()) != 0;
+  Status status = done ? CheckGlErrors() : EngineRefused();
+  report->engine_ms = stopwatch.Lap();
+  if (!status.ok()) {
+    width_ = height_ = 0;  // sets the engine up anew for the next frame
+    return status;
+  }
+  if (rgb.data != nullptr) CopyImage(engine_->GetRGB_Image(), frame_.width(), rgb);
+  if (hsi.data != nullptr) CopyImage(engine_->GetHSI_Image(), frame_.width(), hsi);
+  report->download_ms = stopwatch.Lap();
+  report->chain = "convert";
+  report->buffer_kind = BufferKind();
+  return {};
+}
+
+Status Converter::Worker::Prepare(int width, int height) {
+  if (width == width_ && height == height_) return {};
+  if (Status status = CheckTextureSize(width, height); !status.ok()) return status;
+  width_ = height_ = 0;
+  int stride = 0;
+  engine_->Init(width, height, &stride);
+  const char* fault =
+      FaultOf({}, {engine_->m_pInputImage, engine_->m_pOutputImage[0], engine_->m_pOutputImage[1]},
+              {engine_->m_hFrameBuffer[0], engine_->m_hFrameBuffer[1]});
+  if (engine_->m_hYUV2RGBProgram == 0 || engine_->m_hRGB2HSIProgram == 0) fault = kNoProgram;
+  if (fault != nullptr) return NotSetUp(fault);
+  width_ = width;
+  height_ = height;
+  return {};
+}
+
+std::unique_ptr<Converter> Converter::Create(Status* status) {
+  std::unique_ptr<Worker> worker;
+  const Status result = Guarded([&worker]() -> Status {
+    worker = std::make_unique<Worker>();
+    return worker->Ready() ? Status{} : NoDisplay();
+  });
+  if (status != nullptr) *status = result;
+  if (!result.ok()) return nullptr;
+  return std::unique_ptr<Converter>(new Converter(std::move(worker)));
+}
+
+Converter::Converter(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}
+
+Converter::~Converter() = default;
+
+Status Converter::Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
+                          Report* report) {
+  Report done;
+  Status status = Guarded([&]() -> Status {
+    if (Status checked = CheckConversion(in, rgb, hsi); !checked.ok()) return checked;
+    return worker_->Convert(in, rgb, hsi, &done);
+  });
+  if (report != nullptr) *report = status.ok() ? std::move(done) : Report{};
+  return status;
+}
+
+}  // namespace lumora

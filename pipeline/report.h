@@ -1,0 +1,45 @@
+// What a call of the pipeline did.
+#ifndef LUMORA_PIPELINE_REPORT_H_
+#define LUMORA_PIPELINE_REPORT_H_
+
+#include <string>
+#include <vector>
+
+namespace lumora {
+
+/// A rectangle of whole pixels.
+struct PixelRect {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+};
+
+/// What whitening measured of one face, and whether it could do what it was asked for. Faces that
+/// are very dark, very bright or almost without colour are left alone in that respect.
+struct FaceTone {
+  int face = 0;             ///< index into the faces of the call
+  int mean_intensity = 0;   ///< 0..255; intensity is shifted from 51 to 209 only
+  int mean_saturation = 0;  ///< 0..255; saturation is shifted from 51 up only
+  bool intensity_shifted = false;
+  bool saturation_shifted = false;
+};
+
+/// What one call did. After a failed call the chain is empty.
+struct Report {
+  std::string chain;        ///< "none" (nothing to do), "preview", "capture" or "convert"
+  std::string buffer_kind;  ///< how CPU and GPU share memory: "staged", "memobj"; empty for "none"
+  int faces = 0;            ///< faces processed: those that can be, see Pipeline::Process
+  std::vector<FaceTone> tones;    ///< the faces that were whitened
+  std::vector<PixelRect> blocks;  ///< what was drawn, clipped to the frame: one rectangle a block
+                                  ///< of a capture, the whole frame in the preview chain
+  double upload_ms = 0;           ///< copying the caller's frame in; 0 for "none"
+  double whiten_ms = 0;           ///< whitening with its blending; set-up included; 0 when off
+  double slim_ms = 0;             ///< slimming; set-up included; 0 when off
+  double engine_ms = 0;  ///< all of the engine's work: whitening, slimming, rectifying, converting
+  double download_ms = 0;  ///< copying the result out; for "none" the whole copy
+};
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_REPORT_H_

@@ -1,0 +1,124 @@
+#include "pipeline/whitening_plan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+#include "pipeline/whitening_geometry.h"
+
+namespace lumora {
+namespace {
+
+// The engine shifts intensity and saturation of faces within these means only. Close to the limits
+// the shift is taken back, so that a face of a video does not flicker on them.
+constexpr int kLeastIntensity = 51;
+constexpr int kMostIntensity = 209;
+constexpr int kLeastSaturation = 51;
+constexpr double kTaper = 20;
+
+// The shifts at full strength: of intensity in natural logits, of saturation in steps of 1/255.
+constexpr double kFullLift = 2.0;
+constexpr double kFullSaturation = 48;
+
+/// How a face looks in the middle of its square.
+struct Means {
+  int intensity = 0;
+  int saturation = 0;
+  int luma = 0;
+};
+
+Means Measure(android::GPUBeautyFace& engine, PaddedFrame& frame, const SampleSquare& square) {
+  int64_t intensity = 0, saturation = 0, luma = 0, count = 0;
+  const auto visit_column = [&](int x, int y) {
+    if (x < 0 || x >= frame.width()) return;
+    int h = 0, s = 0, i = 0;
+    engine.GetGPU_HSI(frame.luma(), x, y, frame.width(), frame.height(), h, s, i, 0);
+    intensity += i;
+    saturation += s;
+    luma += frame.luma()[static_cast<size_t>(y) * static_cast<size_t>(frame.width()) +
+                         static_cast<size_t>(x)];
+    ++count;
+  };
+  for (int y = square.centre_y - square.radius; y < square.centre_y + square.radius;
+       y += square.step) {
+    if (y < 0 || y >= frame.height()) continue;
+    for (int x = square.centre_x - square.radius; x < square.centre_x + square.radius;
+         x += square.step) {
+      visit_column(x, y);
+    }
+  }
+  if (count == 0) return {};
+  const auto mean = [count](int64_t sum) { return static_cast<int>(sum / count); };
+  return {mean(intensity), mean(saturation), mean(luma)};
+}
+
+/// 1 well inside the means that the engine accepts, falling to 0 at their limits.
+double TaperFrom(int limit, int value) {
+  return std::clamp(std::abs(value - limit) / kTaper, 0.0, 1.0);
+}
+
+bool InRange(int value, int least, int most) {
+  return value >= least && value <= most;
+}
+
+/// The level that lifts a face of that mean by the wanted share.
+int IntensityLevel(int mean, int whiten) {
+  if (!InRange(mean, kLeastIntensity, kMostIntensity)) return 0;
+  const double taper =
+      std::min(TaperFrom(kLeastIntensity - 1, mean), TaperFrom(kMostIntensity + 1, mean));
+  const double lift = whiten / 100.0 * kFullLift * taper;
+  const double logit = std::log(mean / (255.0 - mean));
+  const double target = 255 / (1 + std::exp(-(logit + lift)));
+  return static_cast<int>(std::lround(target)) - mean;
+}
+
+int SaturationLevel(int mean, int saturate) {
+  if (mean < kLeastSaturation) return 0;
+  return static_cast<int>(
+      std::lround(saturate / 100.0 * kFullSaturation * TaperFrom(kLeastSaturation - 1, mean)));
+}
+
+}  // namespace
+
+BEAUTYSHOT_EFFECT_t EngineEffect(const Look& look) {
+  switch (look.effect) {
+    case Effect::Intensity:
+      return BEAUTYSHOT_EFFECT_INTENSITY;
+    case Effect::Saturation:
+      return BEAUTYSHOT_EFFECT_SATURATION;
+    case Effect::Both:
+      return BEAUTYSHOT_EFFECT_BOTH;
+    case Effect::Mask:
+      return BEAUTYSHOT_EFFECT_MASK;
+    case Effect::Auto:
+      break;
+  }
+  if (look.saturate == 0) return BEAUTYSHOT_EFFECT_INTENSITY;
+  return look.whiten == 0 ? BEAUTYSHOT_EFFECT_SATURATION : BEAUTYSHOT_EFFECT_BOTH;
+}
+
+std::vector<WhiteningJob> PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
+                                        const std::vector<FaceJob>& faces, const Look& look,
+                                        std::vector<FaceTone>* tones) {
+  const BEAUTYSHOT_EFFECT_t effect = EngineEffect(look);
+  const bool both = effect == BEAUTYSHOT_EFFECT_BOTH;
+  const bool lifts = both || effect == BEAUTYSHOT_EFFECT_INTENSITY;
+  const bool colours = both || effect == BEAUTYSHOT_EFFECT_SATURATION;
+  std::vector<WhiteningJob> jobs;
+  for (const FaceJob& face : faces) {
+    const Ellipse outer = EllipsesOf(face.record)[kFaceEllipse];
+    if (outer.half_along == 0) continue;  // the engine would whiten a corner of the frame instead
+    const Means means = Measure(engine, frame, SampleSquareOf(face.record));
+    const int intensity = lifts ? IntensityLevel(means.intensity, look.whiten) : 0;
+    const int saturation = colours ? SaturationLevel(means.saturation, look.saturate) : 0;
+    tones->push_back(
+        {face.index, means.intensity, means.saturation, intensity > 0, saturation > 0});
+    if (intensity == 0 && saturation == 0 && effect != BEAUTYSHOT_EFFECT_MASK) continue;
+    jobs.push_back({face.record, intensity, saturation,
+                    SkinMask(face.face, outer, means.luma, frame.width(), frame.height())});
+  }
+  return jobs;
+}
+
+}  // namespace lumora

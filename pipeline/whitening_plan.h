@@ -1,0 +1,43 @@
+// What whitening is to do with each face of a frame.
+#ifndef LUMORA_PIPELINE_WHITENING_PLAN_H_
+#define LUMORA_PIPELINE_WHITENING_PLAN_H_
+
+#include <vector>
+
+#include "lumora/engine/gpu_beauty_face.h"
+#include "pipeline/face.h"
+#include "pipeline/frame_copy.h"
+#include "pipeline/look.h"
+#include "pipeline/report.h"
+#include "pipeline/skin_mask.h"
+
+namespace lumora {
+
+/// A face that can be processed.
+struct FaceJob {
+  int index = 0;  // among the faces of the call
+  Face face;
+  FACE_INFO_t record{};
+};
+
+/// One face to whiten.
+struct WhiteningJob {
+  FACE_INFO_t record{};
+  int intensity_level = 0;   // as the engine takes them, 0..255
+  int saturation_level = 0;  // 0..255
+  SkinMask mask;
+};
+
+/// The engine's name for what `look` asks for.
+BEAUTYSHOT_EFFECT_t EngineEffect(const Look& look);
+
+/// Measures the faces in `frame` as the engine will, and chooses the levels that make the same step
+/// of every skin tone: the engine's own levels lift bright skin to white. Faces for which nothing
+/// would be shifted have no job. `tones` receives what was measured.
+std::vector<WhiteningJob> PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
+                                        const std::vector<FaceJob>& faces, const Look& look,
+                                        std::vector<FaceTone>* tones);
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_WHITENING_PLAN_H_

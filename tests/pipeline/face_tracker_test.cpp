@@ -1,0 +1,131 @@
+// Faces followed from frame to frame.
+#include "pipeline/face_tracker.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "pipeline/landmarks.h"
+
+namespace lumora::test {
+namespace {
+
+Face FaceAt(float x, float y, float eye_distance = 60) {
+  return FaceFromEyes({x - eye_distance / 2, y}, {x + eye_distance / 2, y});
+}
+
+float EyeX(const Face& face) {
+  return Centre(face.landmarks.left_eye).x;
+}
+
+TEST(FaceTracker, TakesANewFaceAsItIs) {
+  FaceTracker tracker;
+  const Face face = FaceAt(200, 150);
+  const std::vector<Face> faces = tracker.Detected({face});
+  ASSERT_EQ(faces.size(), 1u);
+  EXPECT_FLOAT_EQ(EyeX(faces[0]), EyeX(face));
+  EXPECT_FLOAT_EQ(faces[0].landmarks.chin.y, face.landmarks.chin.y);
+  EXPECT_FLOAT_EQ(faces[0].box.width, face.box.width);
+}
+
+TEST(FaceTracker, MovesByAnEqualShareOfTheRestWithEveryFrame) {
+  FaceTracker tracker({0.5f, 3, 0.6f});
+  tracker.Detected({FaceAt(200, 150)});
+  const float start = EyeX(FaceAt(200, 150));
+  EXPECT_NEAR(EyeX(tracker.Detected({FaceAt(216, 150)})[0]), start + 8, 0.01);
+  EXPECT_NEAR(EyeX(tracker.Skipped()[0]), start + 12, 0.01);
+  EXPECT_NEAR(EyeX(tracker.Skipped()[0]), start + 14, 0.01);
+}
+
+TEST(FaceTracker, WithoutSmoothingFollowsAtOnce) {
+  FaceTracker tracker({0, 3, 0.6f});
+  tracker.Detected({FaceAt(200, 150)});
+  EXPECT_FLOAT_EQ(EyeX(tracker.Detected({FaceAt(216, 150)})[0]), EyeX(FaceAt(216, 150)));
+}
+
+TEST(FaceTracker, CalmsATremblingDetector) {
+  std::mt19937 random(7);
+  std::normal_distribution<float> tremble(0, 4);
+  FaceTracker tracker;
+  double raw = 0, calm = 0;
+  const float wanted = EyeX(FaceAt(300, 200));
+  for (int frame = 0; frame < 200; ++frame) {
+    const Face seen = FaceAt(300 + tremble(random), 200);
+    const Face shown = tracker.Detected({seen})[0];
+    if (frame < 10) continue;
+    raw += std::pow(EyeX(seen) - wanted, 2);
+    calm += std::pow(EyeX(shown) - wanted, 2);
+  }
+  EXPECT_LT(calm, raw / 3);
+}
+
+TEST(FaceTracker, KeepsFacesThatBlinkAndDropsFacesThatAreGone) {
+  FaceTracker tracker({0.5f, 2, 0.6f});
+  tracker.Detected({FaceAt(200, 150), FaceAt(500, 150)});
+  EXPECT_EQ(tracker.Detected({FaceAt(200, 150)}).size(), 2u);
+  EXPECT_EQ(tracker.Detected({FaceAt(200, 150)}).size(), 2u);
+  const std::vector<Face> left = tracker.Detected({FaceAt(200, 150)});
+  ASSERT_EQ(left.size(), 1u);
+  EXPECT_NEAR(EyeX(left[0]), EyeX(FaceAt(200, 150)), 0.01);
+}
+
+TEST(FaceTracker, AFaceThatComesBackInTimeStartsItsPatienceAnew) {
+  FaceTracker tracker({0.5f, 1, 0.6f});
+  for (int round = 0; round < 4; ++round) {
+    EXPECT_EQ(tracker.Detected({FaceAt(200, 150)}).size(), 1u);
+    EXPECT_EQ(tracker.Detected({}).size(), 1u);
+  }
+  EXPECT_EQ(tracker.Detected({}).size(), 0u);
+}
+
+TEST(FaceTracker, SkippedFramesLoseNobody) {
+  FaceTracker tracker({0.5f, 0, 0.6f});
+  tracker.Detected({FaceAt(200, 150)});
+  for (int frame = 0; frame < 50; ++frame) EXPECT_EQ(tracker.Skipped().size(), 1u);
+}
+
+TEST(FaceTracker, TellsNeighboursApartWhateverTheirOrder) {
+  FaceTracker tracker({0, 3, 0.6f});
+  tracker.Detected({FaceAt(200, 150), FaceAt(300, 150)});
+  const std::vector<Face> faces = tracker.Detected({FaceAt(306, 150), FaceAt(206, 150)});
+  ASSERT_EQ(faces.size(), 2u);
+  EXPECT_FLOAT_EQ(EyeX(faces[0]), EyeX(FaceAt(206, 150)));
+  EXPECT_FLOAT_EQ(EyeX(faces[1]), EyeX(FaceAt(306, 150)));
+}
+
+TEST(FaceTracker, AFaceFarAwayIsAnotherOne) {
+  FaceTracker tracker;
+  tracker.Detected({FaceAt(200, 150)});
+  const std::vector<Face> faces = tracker.Detected({FaceAt(600, 150)});
+  ASSERT_EQ(faces.size(), 2u);
+  EXPECT_FLOAT_EQ(EyeX(faces[1]), EyeX(FaceAt(600, 150)));
+}
+
+TEST(FaceTracker, TurnsByTheShorterWay) {
+  FaceTracker tracker({0.5f, 3, 0.6f});
+  Face face = FaceAt(200, 150);
+  face.roll_degrees = 170;
+  tracker.Detected({face});
+  face.roll_degrees = -170;
+  EXPECT_NEAR(std::abs(tracker.Detected({face})[0].roll_degrees), 180, 0.01);
+}
+
+TEST(FaceTracker, IgnoresFacesWithoutNumbers) {
+  FaceTracker tracker;
+  Face broken = FaceAt(200, 150);
+  broken.landmarks.chin.x = std::numeric_limits<float>::quiet_NaN();
+  EXPECT_TRUE(tracker.Detected({broken}).empty());
+}
+
+TEST(FaceTracker, ForgetsEverybodyAfterACut) {
+  FaceTracker tracker;
+  tracker.Detected({FaceAt(200, 150)});
+  tracker.Reset();
+  EXPECT_TRUE(tracker.Skipped().empty());
+}
+
+}  // namespace
+}  // namespace lumora::test

@@ -1,0 +1,144 @@
+// Keystone and radial correction of whole frames.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "pipeline/pipeline_fixture.h"
+#include "pipeline/smooth_samples.h"
+#include "reference/rectification.h"
+
+namespace lumora::test {
+namespace {
+
+constexpr std::pair<int, int> kSizes[] = {{128, 96}, {97, 133}, {161, 99}, {50, 200}};
+
+/// What the reference says of the middle of a pixel, for luma.
+template <typename Map>
+void ExpectLuma(const Samples& before, const Samples& after, int width, int height, Map map,
+                double tolerance) {
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const reference::Vec2 from = map(reference::Vec2{(x + 0.5) / width, (y + 0.5) / height});
+      const double expected =
+          Interpolated(before.y, width, height, from.x * width, from.y * height);
+      ASSERT_NEAR(after.y[static_cast<size_t>(y * width + x)], expected, tolerance)
+          << width << " x " << height << " at " << x << ", " << y;
+    }
+  }
+}
+
+TEST_F(PipelineTest, RectifyMapsTheFrameOntoTheQuadWhateverItsSize) {
+  for (const auto& [width, height] : kSizes) {
+    const Samples samples = SmoothSamples(width, height);
+    for (const int degree : {20, -13, 1, 100, -100}) {
+      FrameMemory in(PixelFormat::NV12, width, height, 3), out(PixelFormat::I420, width, height, 7);
+      in.Fill(samples);
+      Report report;
+      const Status status = pipeline_->Rectify(in.const_view(), out.view(), degree, &report);
+      ASSERT_TRUE(status.ok()) << status.message;
+      EXPECT_EQ(report.chain, "preview");
+      EXPECT_GT(report.engine_ms, 0);
+      const auto quad = reference::QuadOfDegree(degree);
+      ExpectLuma(
+          samples, out.Read(), width, height,
+          [&quad](reference::Vec2 at) { return reference::QuadMap(at, quad); }, 2);
+      EXPECT_TRUE(out.GuardsIntact());
+    }
+  }
+}
+
+TEST_F(PipelineTest, RectifyByNothingIsAByteCopy) {
+  const Samples samples = NoiseSamples(97, 133);
+  FrameMemory in(PixelFormat::NV21, 97, 133), out(PixelFormat::NV21, 97, 133);
+  in.Fill(samples);
+  Report report;
+  ASSERT_TRUE(pipeline_->Rectify(in.const_view(), out.view(), 0, &report).ok());
+  EXPECT_TRUE(out.Read() == samples);
+  EXPECT_EQ(report.chain, "none");
+}
+
+/// The radial map of a whole frame: a slight enlargement, then the polynomial.
+reference::Vec2 RadialOf(reference::Vec2 at, const reference::RadialCoefficients& k) {
+  const reference::Corners corners = reference::CroppedCorners();
+  const double low = corners[1].x, high = corners[3].x;
+  return reference::RadialMap({low + (high - low) * at.x, low + (high - low) * at.y}, k);
+}
+
+TEST_F(PipelineTest, RectifyRadialFollowsThePolynomialAboutTheFramesOwnCentre) {
+  const LensCoefficients lenses[] = {{}, {1, 0, 0, 0}, {1.02f, -0.08f, 0.02f, 0.01f}};
+  for (const auto& [width, height] :
+       {std::pair(128, 96), std::pair(161, 131), std::pair(98, 190)}) {
+    const Samples samples = SmoothSamples(width, height);
+    for (const LensCoefficients& lens : lenses) {
+      FrameMemory in(PixelFormat::NV21, width, height, 3), out(PixelFormat::NV12, width, height, 7);
+      in.Fill(samples);
+      const Status status = pipeline_->RectifyRadial(in.const_view(), out.view(), lens);
+      ASSERT_TRUE(status.ok()) << status.message;
+      const reference::RadialCoefficients k = {
+          static_cast<double>(lens.k0), static_cast<double>(lens.k1), static_cast<double>(lens.k2),
+          static_cast<double>(lens.k3)};
+      // Frames that do not fill the engine's are bent by a mean of both directions: within half a
+      // pixel in the corners, on waves of up to 20 steps a pixel.
+      const bool exact = width % 32 == 0 && height % 32 == 0;
+      ExpectLuma(
+          samples, out.Read(), width, height, [&k](reference::Vec2 at) { return RadialOf(at, k); },
+          exact ? 2 : 12);
+      EXPECT_TRUE(out.GuardsIntact());
+    }
+  }
+}
+
+TEST_F(PipelineTest, RectifyRadialWithoutCameraFilesUsesTheDefaultLens) {
+  const Samples samples = NoiseSamples(128, 96);
+  FrameMemory in(PixelFormat::NV21, 128, 96), out(PixelFormat::NV21, 128, 96),
+      with_lens(PixelFormat::NV21, 128, 96);
+  in.Fill(samples);
+  ASSERT_TRUE(pipeline_->RectifyRadial(in.const_view(), with_lens.view(), LensCoefficients{}).ok());
+  for (const Camera camera : {Camera::First, Camera::Second}) {
+    ASSERT_TRUE(pipeline_->RectifyRadial(in.const_view(), out.view(), camera).ok());
+    EXPECT_TRUE(out.Read() == with_lens.Read());
+  }
+  EXPECT_FALSE(out.Read() == samples);
+}
+
+TEST_F(PipelineTest, RectificationRefusesWhatItCannotDo) {
+  FrameMemory in(PixelFormat::NV21, 64, 64), out(PixelFormat::NV21, 64, 64);
+  const auto before = out.Everything();
+  for (const int degree : {-101, 101}) {
+    const Status status = pipeline_->Rectify(in.const_view(), out.view(), degree);
+    EXPECT_EQ(status.code, StatusCode::InvalidArgument);
+    EXPECT_THAT(status.message, testing::HasSubstr("degree"));
+  }
+  LensCoefficients lens;
+  lens.k2 = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(pipeline_->RectifyRadial(in.const_view(), out.view(), lens).code,
+            StatusCode::InvalidArgument);
+  FrameMemory small(PixelFormat::NV21, 64, 62);
+  EXPECT_EQ(pipeline_->Rectify(in.const_view(), small.view(), 5).code, StatusCode::InvalidArgument);
+  EXPECT_EQ(out.Everything(), before);
+}
+
+TEST_F(PipelineTest, RectificationAndFacesTakeTurns) {
+  const Samples samples = NoiseSamples(128, 96);
+  const std::vector<Face> faces = {FaceIn(128, 96)};
+  Look look = kFull;
+  look.whiten = 50;
+  const auto rectified = [&] {
+    FrameMemory in(PixelFormat::NV21, 128, 96), out(PixelFormat::NV21, 128, 96);
+    in.Fill(samples);
+    EXPECT_TRUE(pipeline_->Rectify(in.const_view(), out.view(), 10).ok());
+    return out.Read();
+  };
+  const Samples first = rectified();
+  const Samples face = Through(*pipeline_, samples, 128, 96, faces, look);
+  EXPECT_TRUE(rectified() == first);
+  EXPECT_TRUE(Through(*pipeline_, samples, 128, 96, faces, look) == face);
+}
+
+}  // namespace
+}  // namespace lumora::test
