@@ -104,6 +104,29 @@ TEST(BadInput, CommandLinesWithoutSenseEndWithCode2) {
       {{"photo", in, "-o", out, "--compare", out}, "same name"},
       {{"photo", in, "-o", "-", "--json"}, "standard output"},
       {{"photo", "-", "-o", out, "--faces", "-"}, "standard input"},
+      {{"photo", in, "-o", out, "--whiten", "101"}, "whiten"},
+      {{"photo", in, "-o", out, "--effect", "glow"}, "effect"},
+      {{"photo", in, "-o", out, "--preset", "clown"}, "preset"},
+      {{"photo", in, "-o", out, "--chain", "food"}, "chain"},
+      {{"rectify", in, "-o", out}, "--degree"},
+      {{"rectify", in, "-o", out, "--degree", "1", "--camera", "0"}, "--degree"},
+      {{"rectify", in, "-o", out, "--degree", "101"}, "degree"},
+      {{"rectify", in, "-o", out, "--radial", "1,2"}, "radial"},
+      {{"rectify", in, "-o", out, "--camera", "2"}, "camera"},
+      {{"convert", in, "-o", out}, "--to"},
+      {{"convert", in, "-o", out, "--to", "cmyk"}, "to"},
+      {{"convert", in, "-o", out, "--to", "nv21"}, "a PNG holds rgb or hsi"},
+      {{"convert", in, "-o", folder / "out.jpg", "--to", "rgb"}, "JPEG"},
+      {{"convert", in, "-o", out, "--to", "rgb", "--size", "64x64"}, "raw frames"},
+      {{"convert", folder / "f.nv21", "-o", out, "--to", "rgb"}, "give --size"},
+      {{"convert", folder / "f.nv21", "-o", out, "--to", "rgb", "--size", "64"}, "640x480"},
+      {{"convert", folder / "f.nv21", "-o", out, "--to", "rgb", "--size", "64x64x"}, "640x480"},
+      {{"convert", folder / "f.nv21", "-o", out, "--to", "rgb", "--size", "1x1"}, "at least 32"},
+      {{"convert", folder / "f.nv21", "-o", out, "--to", "rgb", "--size", "99999x99999"},
+       "200 million"},
+      {{"video", "-", "-o", out, "--faces", "-"}, "standard input"},
+      {{"video", in, "-o", "-", "--json"}, "standard output"},
+      {{"video", in, "-o", out, "--detect-every", "0"}, "detect-every"},
       {{"demo"}, "DIR"},
       {{"demo", folder / "demo", "--size", "10"}, "size"},
   };
@@ -140,6 +163,51 @@ TEST(BadInput, AFacesFileThatIsWrongIsQuotedByPlace) {
   EXPECT_THAT(folder.Names(), testing::ElementsAre("f.json", "in.png"));
 }
 
+TEST(BadInput, ARawFrameOfAnotherSizeIsReportedInBytes) {
+  const Folder folder;
+  const std::string frame(64 * 48 * 3 / 2, 'y');
+  for (const auto& [name, content] : {std::pair<std::string, std::string>{"more", frame + "y"},
+                                      {"less", frame.substr(1)},
+                                      {"swapped", std::string(50 * 64 * 3 / 2, 'y')}}) {
+    SCOPED_TRACE(name);
+    const std::string in = folder.Put(name + ".nv21", content);
+    ExpectOneLineOfError(
+        RunLumora({"convert", in, "-o", folder / "out.png", "--to", "rgb", "--size", "64x48"}), 3,
+        "holds " + std::to_string(content.size()) + " bytes, but a frame of 64x48 has 4608");
+  }
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("less.nv21", "more.nv21", "swapped.nv21"));
+}
+
+TEST(BadInput, ClipsThatCannotBeReadEndWithCode3) {
+  const std::string size = "YUV4MPEG2 W64 H48 F25:1 ";
+  const struct {
+    const char* name;
+    std::string content;
+    const char* says;
+  } kClips[] = {
+      {"empty", "", "it is empty"},
+      {"text", "hello, world\n", "not a Y4M clip"},
+      {"no line end", "YUV4MPEG2 W64 H48", "not a Y4M clip"},
+      {"noise", std::string(100000, '\x7f'), "not a Y4M clip"},
+      {"no width", "YUV4MPEG2 H48 F25:1\n", "width or height"},
+      {"negative", "YUV4MPEG2 W-64 H48\n", "width or height"},
+      {"words", "YUV4MPEG2 Wide H48\n", "width or height"},
+      {"one pixel", "YUV4MPEG2 W1 H1\n", "1 x 1 pixels, at least 32 x 32"},
+      {"enormous", "YUV4MPEG2 W99999 H99999\n", "more than 200 million"},
+      {"4:2:2", size + "C422\n", "8-bit 4:2:0 or mono is needed"},
+      {"4:4:4", size + "C444\n", "8-bit 4:2:0 or mono is needed"},
+      {"10 bits", size + "C420p10\n", "8-bit 4:2:0 or mono is needed"},
+  };
+  for (const auto& clip : kClips) {
+    SCOPED_TRACE(clip.name);
+    const Folder folder;
+    const std::string in = folder.Put("in.y4m", clip.content);
+    ExpectOneLineOfError(RunLumora({"video", in, "-o", folder / "out.y4m"}), 3, clip.says);
+    ExpectOneLineOfError(RunLumora({"video", "-", "-o", "-"}, clip.content), 3, clip.says);
+    EXPECT_THAT(folder.Names(), testing::ElementsAre("in.y4m"));
+  }
+}
+
 TEST(NoFace, ThePictureStaysAsItIsWithANote) {
   const Folder folder;
   for (const char* name : {"in.png", "in.jpg"}) {
@@ -170,13 +238,15 @@ TEST(NoFace, EndsWithCode5WhereOneIsRequired) {
 TEST(Help, IsPrintedOnStandardOutput) {
   const Result general = RunLumora({"--help"});
   EXPECT_EQ(general.exit_code, 0);
-  for (const char* word : {"photo", "demo", "doctor", "Exit codes"}) {
+  for (const char* word :
+       {"photo", "video", "rectify", "convert", "demo", "doctor", "Exit codes"}) {
     EXPECT_THAT(general.out, HasSubstr(word));
   }
   const Result photo = RunLumora({"photo", "--help"});
   EXPECT_EQ(photo.exit_code, 0);
   for (const char* word : {"--output", "--slim", "--faces", "--compare", "--explain", "--json",
-                           "--require-face", "landmarks68", "5 no face found"}) {
+                           "--require-face", "landmarks68", "5 no face found", "--whiten",
+                           "--saturate", "--effect", "--preset", "natural", "--chain"}) {
     EXPECT_THAT(photo.out, HasSubstr(word));
   }
   EXPECT_THAT(photo.err, IsEmpty());

@@ -14,9 +14,10 @@ using testing::HasSubstr;
 TEST(Demo, WritesEveryPortraitBeforeAndAfter) {
   const Folder folder;
   const std::string target = folder / "new/demo";
-  const Result result = RunLumora({"demo", target, "--size", "320", "--slim", "100"});
+  const Result result =
+      RunLumora({"demo", target, "--size", "320", "--slim", "100", "--capture", "1600"});
   ASSERT_EQ(result.exit_code, 0) << result.err;
-  EXPECT_EQ(Lines(result.out), 13) << result.out;
+  EXPECT_EQ(Lines(result.out), 25) << result.out;
   for (int i = 1; i <= 4; ++i) {
     SCOPED_TRACE(i);
     const std::string name = target + "/portrait-" + std::to_string(i);
@@ -29,15 +30,60 @@ TEST(Demo, WritesEveryPortraitBeforeAndAfter) {
     EXPECT_GT(Decode(ReadFile(name + "-compare.png")).cols, 640);
     EXPECT_THAT(result.out, HasSubstr(name + "-compare.png\n"));
   }
-  EXPECT_GT(Decode(ReadFile(target + "/overview.png")).cols, 1280);
+  EXPECT_GT(Decode(ReadFile(target + "/overview.png")).cols, 5 * 320);
+  EXPECT_EQ(Decode(ReadFile(target + "/group-after.png")).size(), cv::Size(640, 480));
+  EXPECT_EQ(Decode(ReadFile(target + "/capture-after.jpg")).size(), cv::Size(1600, 1200));
   EXPECT_THAT(result.out, HasSubstr(target + "/overview.png\n"));
+}
+
+/// How much brighter the middle of the cheeks of a demo portrait got, on the average.
+double Brightening(const std::string& name) {
+  const cv::Mat before = Decode(ReadFile(name + "-before.png"));
+  const cv::Mat after = Decode(ReadFile(name + "-after.png"));
+  cv::Scalar change;
+  for (const double x : {0.4, 0.6}) {
+    const cv::Rect cheek(static_cast<int>(x * before.cols) - 6,
+                         static_cast<int>(0.52 * before.rows) - 6, 12, 12);
+    change += cv::mean(after(cheek)) - cv::mean(before(cheek));
+  }
+  return (change[0] + change[1] + change[2]) / 6;
+}
+
+TEST(Demo, WhitensEverySkinTone) {
+  const Folder folder;
+  const Result result = RunLumora({"demo", folder / "d", "--size", "320", "--slim", "0", "--whiten",
+                                   "100", "--saturate", "0", "--capture", "0"});
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  for (int i = 1; i <= 4; ++i) {
+    SCOPED_TRACE(i);
+    const double brightening = Brightening(folder / ("d/portrait-" + std::to_string(i)));
+    EXPECT_GT(brightening, 2);  // bright skin is lifted least
+    EXPECT_LT(brightening, 60);
+  }
+}
+
+TEST(Demo, RectificationMakesTheTiltedPictureStraight) {
+  const Folder folder;
+  ASSERT_EQ(RunLumora({"demo", folder / "d", "--size", "320", "--capture", "0"}).exit_code, 0);
+  const cv::Mat drawn = Decode(ReadFile(folder / "d/portrait-3-before.png"));
+  const cv::Mat steps = Decode(ReadFile(folder / "d/portrait-3-steps.png"));
+  // The first two pictures of the row, found by the row's own layout: equal gaps, then pictures.
+  const int gap = (steps.cols - 5 * drawn.cols) / 6, top = steps.rows - gap - drawn.rows;
+  const auto step = [&](int i) {
+    return steps(cv::Rect(gap + i * (drawn.cols + gap), top, drawn.cols, drawn.rows));
+  };
+  const auto difference = [&](const cv::Mat& other) {
+    return cv::norm(drawn, other, cv::NORM_L1) / static_cast<double>(drawn.total() * 3);
+  };
+  EXPECT_GT(difference(step(0)), 8);
+  EXPECT_LT(difference(step(1)), 4);  // resampled twice
 }
 
 TEST(Doctor, FindsEverythingInOrder) {
   const Result result = RunLumora({"doctor"});
   EXPECT_EQ(result.exit_code, 0) << result.out << result.err;
   for (const char* name : {"display", "driver", "buffers", "program binaries", "cache directory",
-                           "face classifiers", "test render"}) {
+                           "face classifiers", "test slimming", "test whitening"}) {
     EXPECT_THAT(result.out, HasSubstr(std::string("OK      ") + name));
   }
   EXPECT_THAT(result.out, testing::Not(HasSubstr("FAILED")));
@@ -48,7 +94,7 @@ TEST(Doctor, ReportsForMachines) {
   EXPECT_EQ(result.exit_code, 0);
   const auto report = nlohmann::json::parse(result.out);
   EXPECT_TRUE(report.at("ok").get<bool>());
-  EXPECT_GE(report.at("checks").size(), 8u);
+  EXPECT_GE(report.at("checks").size(), 9u);
 }
 
 TEST(Doctor, SaysWhatIsWrongWithACacheThatCannotBeWritten) {
@@ -58,7 +104,7 @@ TEST(Doctor, SaysWhatIsWrongWithACacheThatCannotBeWritten) {
   if (result.out.find("not offered") != std::string::npos) GTEST_SKIP() << "no cache in use";
   EXPECT_EQ(result.exit_code, 1) << result.out;
   EXPECT_THAT(result.out, HasSubstr("FAILED  cache directory"));
-  EXPECT_THAT(result.out, HasSubstr("OK      test render"));
+  EXPECT_THAT(result.out, HasSubstr("OK      test slimming"));
 }
 
 TEST(EngineLog, IsSilentUnlessAskedFor) {

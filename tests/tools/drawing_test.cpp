@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
@@ -65,7 +66,7 @@ TEST(Portraits, SkinTonesAreClearlyDifferent) {
 
 TEST(FaceFinder, FindsADrawnFaceByItsEyes) {
   const Portrait portrait = DrawPortrait(0, 512);
-  const auto found = tools::FindFaces(portrait.picture);
+  const auto found = tools::FaceFinder().Find(portrait.picture);
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].found_by, tools::FoundBy::Eyes);
   const PointF left = Middle(found[0].face.landmarks.left_eye);
@@ -85,9 +86,43 @@ TEST(FaceFinder, FindsATurnedHeadWithItsRoll) {
     cv::Mat turned;  // OpenCV's angles are counter-clockwise
     cv::warpAffine(portrait.picture, turned, cv::getRotationMatrix2D({256, 256}, -degrees, 1),
                    {512, 512}, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
-    const auto found = tools::FindFaces(turned);
+    const auto found = tools::FaceFinder().Find(turned);
     ASSERT_EQ(found.size(), 1u);
     EXPECT_NEAR(found[0].face.roll_degrees, degrees, 6);
+  }
+}
+
+TEST(Group, EveryFaceLiesWhereItSays) {
+  const tools::Group group = tools::DrawGroup({1200, 900});
+  ASSERT_EQ(group.picture.size(), cv::Size(1200, 900));
+  ASSERT_EQ(static_cast<int>(group.faces.size()), PortraitCount());
+  auto found = tools::FaceFinder().Find(group.picture);
+  ASSERT_EQ(found.size(), group.faces.size());
+  for (const Face& face : group.faces) {
+    const PointF eye = Middle(face.landmarks.left_eye);
+    double nearest = 1e9;
+    for (const auto& other : found) {
+      const PointF at = Middle(other.face.landmarks.left_eye);
+      nearest = std::min(nearest, static_cast<double>(std::hypot(at.x - eye.x, at.y - eye.y)));
+    }
+    EXPECT_LT(nearest, 15);
+  }
+}
+
+TEST(TitledRow, ShowsEveryPictureInItsPlace) {
+  std::vector<tools::Titled> row;
+  for (const int value : {40, 80, 120, 160, 200}) {
+    row.push_back({"a", cv::Mat(60, 80, CV_8UC3, cv::Scalar(value, 255, 0))});
+  }
+  const cv::Mat sheet = tools::TitledRow(row);
+  int end = 0;
+  for (const tools::Titled& titled : row) {
+    const cv::Vec3b colour = titled.picture.at<cv::Vec3b>(0, 0);
+    cv::Mat mask;
+    cv::inRange(sheet, cv::Scalar(colour), cv::Scalar(colour), mask);
+    EXPECT_EQ(cv::countNonZero(mask), 60 * 80);
+    EXPECT_GE(cv::boundingRect(mask).x, end);
+    end = cv::boundingRect(mask).br().x;
   }
 }
 
@@ -112,13 +147,14 @@ TEST(CompareSheet, LargePicturesAreScaledToASensibleWidth) {
 
 TEST(ExplainSheet, DrawsInsideAndKeepsTheRest) {
   const Portrait portrait = DrawPortrait(1, 1400);
-  const cv::Mat sheet = tools::ExplainSheet(portrait.picture, {portrait.face});
+  const cv::Mat sheet = tools::ExplainSheet(portrait.picture, {portrait.face}, {});
   ASSERT_EQ(sheet.size(), portrait.picture.size());
   const WarpCircle circle = SlimmingCircle(portrait.face, 1400, 1400);
   const cv::Point2d centre(static_cast<double>(circle.centre.x),
                            static_cast<double>(circle.centre.y));
+  // The ellipse of the face reaches above the circle, by less than a third of its radius.
   EXPECT_EQ(LargestDifferenceOutside(sheet, portrait.picture, centre,
-                                     static_cast<double>(circle.radius) + 20),
+                                     static_cast<double>(circle.radius) * 1.33),
             0);
   // The circle is seen at its left and right ends.
   for (const double side : {-1.0, 1.0}) {
@@ -126,6 +162,28 @@ TEST(ExplainSheet, DrawsInsideAndKeepsTheRest) {
                        static_cast<int>(centre.y));
     EXPECT_NE(sheet.at<cv::Vec3b>(at), portrait.picture.at<cv::Vec3b>(at));
   }
+}
+
+TEST(ExplainSheet, ShowsTheEllipsesAndTheBlocks) {
+  const Portrait portrait = DrawPortrait(1, 1400);
+  const std::vector<PixelRect> blocks = {{20, 1000, 384, 384}};
+  const cv::Mat sheet = tools::ExplainSheet(portrait.picture, {portrait.face}, blocks);
+  const auto differs = [&](double x, double y) {
+    // Whole numbers and the width of a line leave two pixels of play.
+    const cv::Rect around(static_cast<int>(x) - 2, static_cast<int>(y) - 2, 5, 5);
+    return cv::norm(sheet(around), portrait.picture(around), cv::NORM_INF) > 40;
+  };
+  for (const lumora::Ellipse& ellipse : WhiteningEllipses(portrait.face)) {
+    const double turn = static_cast<double>(ellipse.angle_degrees) * CV_PI / 180;
+    EXPECT_TRUE(differs(static_cast<double>(ellipse.centre.x) +
+                            static_cast<double>(ellipse.half_along) * std::cos(turn),
+                        static_cast<double>(ellipse.centre.y) +
+                            static_cast<double>(ellipse.half_along) * std::sin(turn)));
+  }
+  EXPECT_TRUE(differs(20, 1200));
+  EXPECT_TRUE(differs(404, 1200));
+  EXPECT_TRUE(differs(200, 1000));
+  EXPECT_FALSE(differs(60, 1200));
 }
 
 }  // namespace

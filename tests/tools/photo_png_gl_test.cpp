@@ -148,7 +148,7 @@ TEST_F(PhotoPng, ReportAndSidePicturesTellWhatWasDone) {
   const auto report = nlohmann::json::parse(result.out);
   EXPECT_EQ(report.at("width"), 401);
   EXPECT_EQ(report.at("height"), 333);
-  EXPECT_EQ(report.at("slim"), 100);
+  EXPECT_EQ(report.at("look").at("slim"), 100);
   EXPECT_EQ(report.at("chain"), "preview");
   EXPECT_FALSE(report.at("buffer").get<std::string>().empty());
   EXPECT_GT(report.at("timings_ms").at("engine").get<double>(), 0);

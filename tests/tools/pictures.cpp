@@ -125,6 +125,13 @@ cv::Mat Decode(const Bytes& file) {
   return cv::imdecode(file, cv::IMREAD_UNCHANGED);
 }
 
+std::string Sitter::FacesJson(double right) const {
+  std::ostringstream json;
+  json << R"({"faces": [{"eyes": [[)" << left_eye.x + right << ", " << left_eye.y << "], ["
+       << right_eye.x + right << ", " << right_eye.y << "]]}]}";
+  return json.str();
+}
+
 Sitter PortraitOf(int width, int height) {
   const int side = std::min(width, height);
   const int x = (width - side) / 2, y = (height - side) / 2;
@@ -134,10 +141,9 @@ Sitter PortraitOf(int width, int height) {
   if (drawn != side) cv::resize(portrait, portrait, {side, side}, 0, 0, cv::INTER_LINEAR);
   cv::copyMakeBorder(portrait, sitter.picture, y, height - side - y, x, width - side - x,
                      cv::BORDER_REPLICATE);
-  std::ostringstream json;
-  json << R"({"faces": [{"eyes": [[)" << x + kLeftEyeX * side << ", " << y + kEyeY * side << "], ["
-       << x + kRightEyeX * side << ", " << y + kEyeY * side << "]]}]}";
-  sitter.faces_json = json.str();
+  sitter.left_eye = {x + kLeftEyeX * side, y + kEyeY * side};
+  sitter.right_eye = {x + kRightEyeX * side, y + kEyeY * side};
+  sitter.faces_json = sitter.FacesJson(0);
   sitter.centre = {x + 0.5 * side, y + kFaceY * side};
   sitter.reach = kReach * side;
   return sitter;

@@ -60,6 +60,9 @@ cv::Mat Decode(const Bytes& file);
 struct Sitter {
   cv::Mat picture;  ///< 8-bit BGR
   std::string faces_json;
+  cv::Point2d left_eye, right_eye;
+  /// The same as faces_json for a portrait that has moved to the right.
+  std::string FacesJson(double right) const;
   cv::Point2d centre;  ///< of the face
   double reach;        ///< pixels; a circle that covers everything slimming may touch
 };

@@ -1,11 +1,13 @@
 #include "tests/tools/process.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 
 namespace lumora::test {
@@ -39,6 +41,36 @@ class Stream {
   std::FILE* file_;
 };
 
+/// A terminal that remembers the little that is written to it.
+class Terminal {
+ public:
+  Terminal() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
+    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) {
+      throw std::runtime_error("no terminal");
+    }
+    slave_ = open(ptsname(master_), O_RDWR | O_NOCTTY);
+  }
+  ~Terminal() { close(master_); }
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+
+  int fd() const { return slave_; }
+
+  std::string Content() {
+    close(slave_);
+    std::string content;
+    char part[1 << 12];
+    for (ssize_t got; (got = read(master_, part, sizeof(part))) > 0;) {
+      content.append(part, static_cast<size_t>(got));
+    }
+    return content;
+  }
+
+ private:
+  int master_;
+  int slave_ = -1;
+};
+
 }  // namespace
 
 Result RunLumora(const std::vector<std::string>& arguments, const std::string& input,
@@ -50,12 +82,14 @@ Result RunLumora(const std::vector<std::string>& arguments, const std::string& i
   argv.push_back(nullptr);
 
   Stream in(input), out, err;
+  std::optional<Terminal> terminal;
+  if (environment.terminal) terminal.emplace();
   const pid_t child = fork();
   if (child == 0) {
     for (const auto& [name, value] : environment.set) setenv(name.c_str(), value.c_str(), 1);
     dup2(in.fd(), STDIN_FILENO);
     dup2(out.fd(), STDOUT_FILENO);
-    dup2(err.fd(), STDERR_FILENO);
+    dup2(terminal ? terminal->fd() : err.fd(), STDERR_FILENO);
     execv(argv[0], argv.data());
     _exit(127);
   }
@@ -64,7 +98,7 @@ Result RunLumora(const std::vector<std::string>& arguments, const std::string& i
   Result result;
   result.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   result.out = out.Content();
-  result.err = err.Content();
+  result.err = terminal ? terminal->Content() : err.Content();
   return result;
 }
 

@@ -15,6 +15,7 @@ struct Result {
 
 struct Environment {
   std::vector<std::pair<std::string, std::string>> set;
+  bool terminal = false;  ///< standard error is a terminal
 };
 
 /// Runs the lumora command of this build to its end.

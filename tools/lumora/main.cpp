@@ -1,4 +1,4 @@
-// lumora: slims faces in pictures, on the command line.
+// lumora: face effects on pictures and clips, on the command line.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -18,10 +18,11 @@ const char kExitCodes[] =
 
 namespace {
 
-constexpr AddCommand kCommands[] = {AddPhoto, AddDemo, AddDoctor};
+constexpr AddCommand kCommands[] = {AddPhoto, AddVideo, AddRectify, AddConvert, AddDemo, AddDoctor};
 
 int Run(int argc, char** argv) {
-  CLI::App program("Slims faces in pictures, on the GPU or on what stands in for it.", "lumora");
+  CLI::App program("Retouches faces in pictures and clips, on the GPU or on what stands in for it.",
+                   "lumora");
   program.set_version_flag("--version", "lumora " LUMORA_VERSION);
   program.require_subcommand(1);
   program.footer(kExitCodes);

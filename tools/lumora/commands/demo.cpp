@@ -1,28 +1,56 @@
 // lumora demo: portraits drawn by the program itself, before and after.
 #include <filesystem>
 #include <memory>
+#include <opencv2/imgproc.hpp>
 #include <string>
 #include <vector>
 
 #include "tools/lumora/drawing/compare.h"
+#include "tools/lumora/drawing/explain.h"
 #include "tools/lumora/drawing/portrait.h"
 #include "tools/lumora/picture/colour_picture.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/support/command.h"
+#include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
-#include "tools/lumora/support/slimmer.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
 namespace {
 
 constexpr int kSmallest = 64, kUsual = 640, kLargest = 4096;  // pixels
+constexpr int kDegree = 8;                                    // of the keystone correction
 
 struct DemoOptions {
   std::string folder;
-  int slim = 70;  // stronger than photo's: the difference is the point here
+  Look look = {70, 70, 15};  // stronger than photo's: the difference is the point here
   int size = kUsual;
+  int capture = 4000;
 };
+
+/// The picture as a tilted camera takes it: the one that rectification by kDegree makes straight.
+/// Its left side is smaller.
+cv::Mat Tilted(const cv::Mat& straight) {
+  constexpr float kInset = kDegree / 100.f;
+  const auto width = static_cast<float>(straight.cols);
+  const auto height = static_cast<float>(straight.rows);
+  cv::Mat places(straight.size(), CV_32FC2), tilted;
+  for (int y = 0; y < straight.rows; ++y) {
+    for (int x = 0; x < straight.cols; ++x) {
+      const float u = ((static_cast<float>(x) + 0.5f) / width - kInset / 2) / (1 - kInset);
+      const float v =
+          0.5f + ((static_cast<float>(y) + 0.5f) / height - 0.5f) / (1 - 2 * kInset * (1 - u));
+      places.at<cv::Vec2f>(y, x) = {u * width - 0.5f, v * height - 0.5f};
+    }
+  }
+  cv::remap(straight, tilted, places, {}, cv::INTER_LINEAR, cv::BORDER_REFLECT);
+  return tilted;
+}
+
+/// The 4:3 picture of that width.
+cv::Size FourToThree(int width) {
+  return {width, width * 3 / 4};
+}
 
 class Demo {
  public:
@@ -36,24 +64,70 @@ class Demo {
                     "cannot create the folder " + options_.folder + ": " + error.message());
     }
     CheckWritable(PathOf("overview.png"));
-    Slimmer slimmer;
-    std::vector<cv::Mat> sheets;
+    engine_ = std::make_unique<Engine>();
+    std::vector<cv::Mat> rows;
     for (int i = 0; i < PortraitCount(); ++i) {
       const Portrait portrait = DrawPortrait(i, options_.size);
-      ColourPicture picture(portrait.picture.clone());
-      const Frame420 frame = picture.Frame();
-      picture.Merge(frame, slimmer.Slim(frame, {portrait.face}, options_.slim));
-      sheets.push_back(CompareSheet(portrait.picture, picture.Bgr()));
-      const std::string name = "portrait-" + std::to_string(i + 1);
-      Write(name + "-before.png", portrait.picture);
-      Write(name + "-after.png", picture.Bgr());
-      Write(name + "-compare.png", sheets.back());
+      rows.push_back(Show("portrait-" + std::to_string(i + 1), portrait.picture, {portrait.face}));
     }
-    Write("overview.png", Tiled(sheets, 2));
+    Write("overview.png", Stacked(rows));
+    const Group group = DrawGroup(FourToThree(2 * options_.size));
+    Show("group", group.picture, group.faces);
+    if (options_.capture > 0) ShowCapture();
     return ExitCode::Done;
   }
 
  private:
+  /// Writes one picture before and after, and step by step, from a photo that was taken with a
+  /// tilted camera. Returns the steps.
+  cv::Mat Show(const std::string& name, const cv::Mat& drawn, const std::vector<Face>& faces) {
+    const cv::Mat tilted = Tilted(drawn);
+    const cv::Mat straight = Rectified(tilted);
+    Look slim, whiten = options_.look;
+    slim.slim = options_.look.slim;
+    whiten.slim = 0;
+    const cv::Mat steps = TitledRow({{"as taken", tilted},
+                                     {"rectified", straight},
+                                     {"slimmed", Retouched(straight, faces, slim)},
+                                     {"whitened", Retouched(straight, faces, whiten)},
+                                     {"all together", Retouched(straight, faces, options_.look)}});
+    const cv::Mat after = Retouched(drawn, faces, options_.look);
+    Write(name + "-before.png", drawn);
+    Write(name + "-after.png", after);
+    Write(name + "-compare.png", CompareSheet(drawn, after));
+    Write(name + "-steps.png", steps);
+    return steps;
+  }
+
+  /// A large still, which goes through the engine block by block.
+  void ShowCapture() {
+    const Group group = DrawGroup(FourToThree(options_.capture));
+    Report report;
+    const cv::Mat after = Retouched(group.picture, group.faces, options_.look, &report);
+    WriteJpeg("capture-before.jpg", group.picture);
+    WriteJpeg("capture-after.jpg", after);
+    WriteJpeg("capture-compare.jpg", CompareSheet(group.picture, after));
+    WriteJpeg("capture-explain.jpg", ExplainSheet(group.picture, group.faces, report.blocks));
+  }
+
+  cv::Mat Retouched(const cv::Mat& picture, const std::vector<Face>& faces, const Look& look,
+                    Report* report = nullptr) {
+    ColourPicture retouched(picture.clone());
+    const Frame420 frame = retouched.Frame();
+    retouched.Merge(frame, engine_->Process(frame, faces, look, report));
+    return retouched.Bgr();
+  }
+
+  cv::Mat Rectified(const cv::Mat& picture) {
+    ColourPicture rectified(picture.clone());
+    const Frame420 frame = rectified.Frame();
+    rectified.Merge(frame, engine_->Run(frame, [](Pipeline& pipeline, const ConstFrameView& in,
+                                                  const FrameView& out) {
+      return pipeline.Rectify(in, out, kDegree);
+    }));
+    return rectified.Bgr();
+  }
+
   std::string PathOf(const std::string& name) const {
     return (std::filesystem::path(options_.folder) / name).string();
   }
@@ -63,24 +137,36 @@ class Demo {
     Print(PathOf(name));
   }
 
+  void WriteJpeg(const std::string& name, const cv::Mat& picture) {
+    WriteWhole(PathOf(name), EncodeJpeg(picture));
+    Print(PathOf(name));
+  }
+
   const DemoOptions& options_;
+  std::unique_ptr<Engine> engine_;
 };
 
 }  // namespace
 
 void AddDemo(CLI::App& program, Action* action) {
   CLI::App* command =
-      program.add_subcommand("demo", "Draw portraits and slim them: no photo is needed");
+      program.add_subcommand("demo", "Draw portraits and retouch them: no photo is needed");
   auto options = std::make_shared<DemoOptions>();
   command->add_option("DIR", options->folder, "folder for the pictures; it is made if need be")
       ->required();
-  command
-      ->add_option("--slim", options->slim,
-                   "how much cheeks and chin are narrowed, 0 (exactly off) to 100")
-      ->check(CLI::Range(0, 100))
-      ->capture_default_str();
+  const auto scale = [command](const char* name, int* value, const char* help) {
+    command->add_option(name, *value, help)->check(CLI::Range(0, 100))->capture_default_str();
+  };
+  scale("--slim", &options->look.slim, "how much cheeks and chin are narrowed");
+  scale("--whiten", &options->look.whiten, "how much the skin is brightened");
+  scale("--saturate", &options->look.saturate, "how much richer its colour gets");
   command->add_option("--size", options->size, "width and height of a portrait in pixels")
       ->check(CLI::Range(kSmallest, kLargest))
+      ->capture_default_str();
+  command
+      ->add_option("--capture", options->capture,
+                   "width of the large still in pixels; 0 leaves it out")
+      ->check(CLI::Range(0, 2 * kLargest))
       ->capture_default_str();
   command->footer(kExitCodes);
   command->callback([options, action] { *action = [options] { return Demo(*options).Run(); }; });

@@ -9,8 +9,8 @@
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/support/command.h"
+#include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
-#include "tools/lumora/support/slimmer.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
@@ -29,10 +29,13 @@ class Doctor {
   ExitCode Run() {
     ExitCode code = ExitCode::Done;
     try {
-      Slimmer slimmer;
-      CheckDevice(slimmer.Device());
+      Engine engine;
+      const DeviceInfo device = engine.pipeline().Device();
+      CheckDevice(device);
       CheckClassifiers();
-      CheckRender(slimmer);
+      CheckRender("test slimming", TestSlimming(engine));
+      CheckRender("test whitening", TestWhitening(engine));
+      CheckCache(device);  // last: the first programs that are kept make the directory
     } catch (const Failure& failure) {
       code = failure.code();
       Report(code == ExitCode::NoDisplay ? "display" : "engine", false, failure.what());
@@ -62,7 +65,6 @@ class Doctor {
     Report("program binaries", true,
            device.program_binaries ? "offered, programs are kept"
                                    : "not offered, programs are compiled at every start");
-    CheckCache(device);
   }
 
   void CheckCache(const DeviceInfo& device) {
@@ -84,9 +86,8 @@ class Doctor {
            folder.empty() ? "not found; install the package opencv-data" : folder);
   }
 
-  void CheckRender(Slimmer& slimmer) {
-    const SelfTest test = RunSelfTest(slimmer);
-    Report("test render", test.passed, test.Sentence());
+  void CheckRender(const std::string& name, const SelfTest& test) {
+    Report(name, test.passed, test.sentence);
   }
 
   void PrintJson(bool ok) const {

@@ -1,10 +1,6 @@
-// lumora photo: one picture in, the slimmed picture out.
-#include <unistd.h>
-
-#include <chrono>
+// lumora photo: one picture in, the retouched picture out.
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -13,11 +9,12 @@
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/face_geometry.h"
 #include "tools/lumora/faces/faces_json.h"
-#include "tools/lumora/picture/metadata.h"
-#include "tools/lumora/picture/picture.h"
+#include "tools/lumora/picture/picture_edit.h"
 #include "tools/lumora/support/command.h"
+#include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
-#include "tools/lumora/support/slimmer.h"
+#include "tools/lumora/support/look_options.h"
+#include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
@@ -27,48 +24,22 @@ using Json = nlohmann::ordered_json;
 
 struct PhotoOptions {
   std::string in, out;
-  int slim = kNaturalSlim;
+  LookOptions look;
+  Chain chain = Chain::Auto;
   std::string faces, compare, explain;
   bool json = false;
   bool require_face = false;
 };
 
-double Now() {
-  return std::chrono::duration<double, std::milli>(
-             std::chrono::steady_clock::now().time_since_epoch())
-      .count();
-}
-
-/// Everything that can be known to be wrong before the picture is read.
-void CheckOutputs(const PhotoOptions& options) {
-  std::set<std::string> outputs;
-  for (const std::string& path : {options.out, options.compare, options.explain}) {
-    if (path.empty()) continue;
-    if (!outputs.insert(path).second) {
-      throw Failure(ExitCode::Usage, path + ": two results cannot have the same name");
-    }
-    if (path == kStandardStream) {
-      if (options.json) throw Failure(ExitCode::Usage, "--json needs standard output for itself");
-      if (isatty(STDOUT_FILENO) != 0) {
-        throw Failure(ExitCode::Usage, "a picture cannot be shown on a terminal; redirect it");
-      }
-    } else {
-      FormatOfName(path);
-    }
-  }
+void CheckNames(const PhotoOptions& options) {
   if (options.in == kStandardStream && options.faces == kStandardStream) {
     throw Failure(ExitCode::Usage, "standard input cannot be both the picture and the faces");
   }
-  for (const std::string& path : outputs) CheckWritable(path);
-}
-
-/// The format of a result; for standard output, that of the input.
-FileFormat FormatFor(const std::string& path, FileFormat input) {
-  return path == kStandardStream ? input : FormatOfName(path);
+  CheckPictureOutputs({options.out, options.compare, options.explain}, options.json);
 }
 
 std::vector<FoundFace> FacesOf(const PhotoOptions& options, const Picture& picture) {
-  if (options.faces.empty()) return FindFaces(picture.Bgr());
+  if (options.faces.empty()) return FaceFinder().Find(picture.Bgr());
   const Bytes text = ReadWhole(options.faces);
   std::vector<FoundFace> faces;
   for (const Face& face :
@@ -85,6 +56,12 @@ Json PointJson(PointF point) {
 Json FaceJson(const FoundFace& found, cv::Size frame) {
   const Face& face = found.face;
   const WarpCircle circle = SlimmingCircle(face, frame.width, frame.height);
+  Json ellipses = Json::array();
+  for (const Ellipse& ellipse : WhiteningEllipses(face)) {
+    ellipses.push_back({{"centre", PointJson(ellipse.centre)},
+                        {"half_axes", {ellipse.half_along, ellipse.half_across}},
+                        {"angle", ellipse.angle_degrees}});
+  }
   Json landmarks = Json::object();
   for (const NamedPoint& mark : NamedLandmarks(face.landmarks)) {
     landmarks[mark.name] = PointJson(mark.at);
@@ -96,40 +73,40 @@ Json FaceJson(const FoundFace& found, cv::Size frame) {
            {{"centre", PointJson(circle.centre)},
             {"radius", circle.radius},
             {"towards", PointJson(circle.towards)}}},
+          {"ellipses", ellipses},
           {"landmarks", landmarks}};
 }
 
 class Photo {
  public:
-  explicit Photo(const PhotoOptions& options) : options_(options) {}
+  explicit Photo(const PhotoOptions& options) : options_(options), look_(options.look.Chosen()) {}
 
   ExitCode Run() {
-    CheckOutputs(options_);
+    CheckNames(options_);
     const double start = Now();
-    file_ = ReadWhole(options_.in);
-    input_ = DecodePicture(file_, options_.in == kStandardStream ? "standard input" : options_.in);
+    edit_ = std::make_unique<PictureEdit>(options_.in);
     const double decoded = Now();
-    found_ = FacesOf(options_, *input_.picture);
+    found_ = FacesOf(options_, edit_->picture());
     const double searched = Now();
     if (found_.empty() && options_.require_face) {
       throw Failure(ExitCode::NoFace, options_.in + ": no face found");
     }
-    if (found_.empty()) Note("no face found, the picture stays as it is");
+    if (found_.empty()) edit_->Note("no face found, the picture stays as it is");
     Process();
     const double processed = Now();
     WriteResults();
     const double written = Now();
     timings_ = {{"decode", decoded - start},       {"find_faces", searched - decoded},
-                {"upload", report_.upload_ms},     {"engine", report_.engine_ms},
+                {"upload", report_.upload_ms},     {"whiten", report_.whiten_ms},
+                {"slim", report_.slim_ms},         {"engine", report_.engine_ms},
                 {"download", report_.download_ms}, {"process", processed - searched},
                 {"write", written - processed},    {"total", written - start}};
-    Tell();
+    edit_->TellNotes();
+    if (options_.json) Tell();
     return ExitCode::Done;
   }
 
  private:
-  void Note(const std::string& note) { input_.notes.push_back(note); }
-
   std::vector<Face> Faces() const {
     std::vector<Face> faces;
     for (const FoundFace& found : found_) faces.push_back(found.face);
@@ -138,64 +115,68 @@ class Photo {
 
   void Process() {
     const bool compares = !options_.compare.empty() || !options_.explain.empty();
-    if (compares) before_ = input_.picture->Bgr().clone();
-    if (found_.empty() || options_.slim == 0) return;  // exactly off: no engine is started
-    const Frame420 frame = input_.picture->Frame();
-    const Frame420 slimmed = Slimmer().Slim(frame, Faces(), options_.slim, &report_);
-    input_.picture->Merge(frame, slimmed);
-    processed_ = true;
+    if (compares) before_ = edit_->picture().Bgr().clone();
+    const bool off = look_.slim == 0 && !Whitens(look_);
+    if (found_.empty() || off) return;  // exactly off: no engine is started
+    const Frame420 frame = edit_->picture().Frame();
+    edit_->Merge(frame, Engine().Process(frame, Faces(), look_, &report_, options_.chain));
+    for (const FaceTone& tone : report_.tones) NoteTone(tone);
   }
 
-  Bytes Result() {
-    const FileFormat format = FormatFor(options_.out, input_.format);
-    const bool as_it_was = !processed_ && format == input_.format && input_.orientation == 1;
-    if (as_it_was) return file_;
-    Bytes result = input_.picture->Encode(format);
-    const std::string problem = CopyMetadata(file_, input_.picture->size(), result);
-    if (!problem.empty()) Note(problem);
-    return result;
+  /// Faces that whitening leaves alone are told: nothing is to be silently missing.
+  void NoteTone(const FaceTone& tone) {
+    const std::string face = "face " + std::to_string(tone.face + 1);
+    const bool wants_intensity = look_.whiten > 0 && look_.effect != Effect::Saturation;
+    const bool wants_saturation = look_.saturate > 0 && look_.effect != Effect::Intensity;
+    if (look_.effect == Effect::Mask) return;
+    if (wants_intensity && !tone.intensity_shifted) {
+      edit_->Note(face + " is too dark or too bright to be whitened");
+    }
+    if (wants_saturation && !tone.saturation_shifted) {
+      edit_->Note(face + " has too little colour to be made richer");
+    }
   }
 
   /// All results are complete in memory before the first one is written.
   void WriteResults() {
-    std::vector<std::pair<std::string, Bytes>> results = {{options_.out, Result()}};
+    std::vector<std::pair<std::string, Bytes>> results = {
+        {options_.out, edit_->Encode(options_.out)}};
+    const auto add = [&](const std::string& path, const cv::Mat& sheet) {
+      results.emplace_back(path, EncodeNew(sheet, edit_->FormatFor(path)));
+    };
     if (!options_.compare.empty()) {
-      const cv::Mat sheet = CompareSheet(before_, input_.picture->Bgr());
-      results.emplace_back(options_.compare,
-                           EncodeNew(sheet, FormatFor(options_.compare, input_.format)));
+      add(options_.compare, CompareSheet(before_, edit_->picture().Bgr()));
     }
     if (!options_.explain.empty()) {
-      const cv::Mat sheet = ExplainSheet(before_, Faces());
-      results.emplace_back(options_.explain,
-                           EncodeNew(sheet, FormatFor(options_.explain, input_.format)));
+      add(options_.explain, ExplainSheet(before_, Faces(), report_.blocks));
     }
     for (const auto& [path, content] : results) WriteWhole(path, content);
   }
 
   void Tell() const {
-    for (const std::string& note : input_.notes) Complain(options_.in + ": " + note);
-    if (!options_.json) return;
-    const cv::Size size = input_.picture->size();
+    const cv::Size size = edit_->picture().size();
     Json faces = Json::array();
     for (const FoundFace& found : found_) faces.push_back(FaceJson(found, size));
     PrintReport({{"input", options_.in},
                  {"output", options_.out},
                  {"width", size.width},
                  {"height", size.height},
-                 {"slim", options_.slim},
+                 {"look", LookJson(look_)},
                  {"faces", faces},
+                 {"tones", TonesJson(report_.tones)},
                  {"chain", report_.chain.empty() ? "none" : report_.chain},
                  {"buffer", report_.buffer_kind},
+                 {"blocks", BlocksJson(report_.blocks)},
                  {"timings_ms", timings_},
-                 {"notes", input_.notes}});
+                 {"peak_memory_mib", PeakMemory()},
+                 {"notes", edit_->notes()}});
   }
 
   const PhotoOptions& options_;
-  Bytes file_;
-  LoadedPicture input_;
+  Look look_;
+  std::unique_ptr<PictureEdit> edit_;
   std::vector<FoundFace> found_;
   cv::Mat before_;
-  bool processed_ = false;
   Report report_;
   Json timings_;
 };
@@ -203,24 +184,23 @@ class Photo {
 }  // namespace
 
 void AddPhoto(CLI::App& program, Action* action) {
-  CLI::App* command = program.add_subcommand("photo", "Slim the faces in a JPEG or PNG picture");
+  CLI::App* command = program.add_subcommand("photo", "Retouch the faces in a JPEG or PNG picture");
   auto options = std::make_shared<PhotoOptions>();
   command->add_option("IN", options->in, "picture to read; - is standard input")->required();
   command
       ->add_option("-o,--output", options->out,
                    "picture to write, .jpg, .jpeg or .png; - is standard output, in IN's format")
       ->required();
-  command
-      ->add_option("--slim", options->slim,
-                   "how much cheeks and chin are narrowed, 0 (exactly off) to 100")
-      ->check(CLI::Range(0, 100))
-      ->capture_default_str();
+  options->look.AddTo(*command);
+  AddChain(*command, &options->chain);
   command->add_option("--faces", options->faces,
                       "FACES.json: take the faces from there instead of looking for them");
   command->add_option("--compare", options->compare,
                       "also write a picture with before and after side by side");
-  command->add_option("--explain", options->explain,
-                      "also write a picture that shows what was found and what will move");
+  command->add_option(
+      "--explain", options->explain,
+      "also write a picture that shows what was found, where pixels move and brighten,\n"
+      "and the blocks that were drawn");
   command->add_flag("--json", options->json, "print a report for machines on standard output");
   command->add_flag("--require-face", options->require_face,
                     "fail with exit code 5, and write nothing, when no face is found");

@@ -8,8 +8,8 @@
 namespace lumora::tools {
 namespace {
 
-constexpr int kSize = 256;  // pixels; a multiple of 32, so that nothing is padded
-constexpr int kSlim = 100;
+constexpr int kSize = 256;       // pixels; a multiple of 32, so that nothing is padded
+constexpr int kStrongest = 100;  // of 100
 
 // The planes are ramps, so that a sample tells from which row or column it was taken, and so that
 // filtering does not matter: between two pixels lies what lies between their values.
@@ -25,134 +25,130 @@ constexpr double kTolerance = 2;
 constexpr double kClearChange = 4;  // steps of 1/255
 constexpr int kLeastMoved = 500;    // pixels
 
+// Whitening fades towards the rim of the face and around its features.
+constexpr double kLeastBrighter = 0.25;   // of the face's ellipse
+constexpr int kSkin[] = {150, 112, 148};  // Y, Cb, Cr
+
 double Ramp(double position) {
   return kBase + kSlope * position;
 }
 
-/// Luma rises with x, Cb with y, and Cr falls with x.
-struct Ramps {
-  static double Luma(WarpModel::Position at) { return Ramp(at.x); }
-  static double Cb(WarpModel::Position at) { return Ramp(at.y); }
-  static double Cr(WarpModel::Position at) { return Ramp(kSize - at.x); }
+struct Position {
+  double x, y;
 };
 
-cv::Mat Plane(int size, double pixels_a_sample, double (*ramp)(WarpModel::Position)) {
+/// Luma rises with x, Cb with y, and Cr falls with x.
+struct Ramps {
+  static double Luma(Position at) { return Ramp(at.x); }
+  static double Cb(Position at) { return Ramp(at.y); }
+  static double Cr(Position at) { return Ramp(kSize - at.x); }
+};
+
+cv::Mat Plane(int size, double pixels_a_sample, double (*ramp)(Position)) {
   cv::Mat plane(size, size, CV_8U);
   for (int y = 0; y < size; ++y) {
     for (int x = 0; x < size; ++x) {
-      const WarpModel::Position at = {(x + 0.5) * pixels_a_sample, (y + 0.5) * pixels_a_sample};
+      const Position at = {(x + 0.5) * pixels_a_sample, (y + 0.5) * pixels_a_sample};
       plane.at<uint8_t>(y, x) = static_cast<uint8_t>(std::lround(ramp(at)));
     }
   }
   return plane;
 }
 
-/// Calls `use` with the difference of every `step`-th sample of a plane from the model.
-void Compare(const cv::Mat& plane, const WarpModel& model, double (*ramp)(WarpModel::Position),
-             int step, const std::function<void(double)>& use) {
+Face TestFace() {
+  return FaceFromEyes({98, 100}, {158, 100});
+}
+
+/// The place that the pixel around `at` shows, in double precision.
+Position Source(const FaceWarp& warp, Position at) {
+  const double dx = at.x - static_cast<double>(warp.centre.x);
+  const double dy = at.y - static_cast<double>(warp.centre.y);
+  const double distance = std::hypot(dx, dy);
+  const double from_limiter = std::hypot(at.x - static_cast<double>(warp.limiter.x),
+                                         at.y - static_cast<double>(warp.limiter.y));
+  const double hold = std::min(1.0, from_limiter / (static_cast<double>(warp.limiter_scale) *
+                                                    static_cast<double>(warp.reach)));
+  const double border = std::min({at.x / kSize, 1 - at.x / kSize, at.y / kSize, 1 - at.y / kSize});
+  const double inwards = 2 - std::pow(border, static_cast<double>(warp.border_exponent));
+  const double weight =
+      std::min(1.0, distance / static_cast<double>(warp.radius) / std::max(hold, 1e-9) * inwards);
+  const double pull = static_cast<double>(warp.strength) * distance * (1 - weight);
+  return {std::clamp(at.x + dx * pull, 0.5, kSize - 0.5),
+          std::clamp(at.y + dy * pull, 0.5, kSize - 0.5)};
+}
+
+/// The largest difference of a plane from the model, in steps of 1/255.
+double LargestDifference(const cv::Mat& plane, const FaceWarp& warp, double (*ramp)(Position)) {
   const double pixels_a_sample = static_cast<double>(kSize) / plane.cols;
-  for (int y = 0; y < plane.rows; y += step) {
-    for (int x = 0; x < plane.cols; x += step) {
-      const WarpModel::Position source =
-          model.Source((x + 0.5) * pixels_a_sample, (y + 0.5) * pixels_a_sample, kSize, kSize);
-      use(std::abs(plane.at<uint8_t>(y, x) - ramp(source)));
+  double largest = 0;
+  for (int y = 0; y < plane.rows; ++y) {
+    for (int x = 0; x < plane.cols; ++x) {
+      const Position source =
+          Source(warp, {(x + 0.5) * pixels_a_sample, (y + 0.5) * pixels_a_sample});
+      largest = std::max(largest, std::abs(plane.at<uint8_t>(y, x) - ramp(source)));
     }
   }
+  return largest;
 }
 
-double SumOfDifferences(const Frame420& result, const WarpModel& model) {
-  double sum = 0;
-  const auto add = [&sum](double difference) { sum += difference * difference; };
-  Compare(result.y, model, Ramps::Luma, 6, add);
-  Compare(result.cb, model, Ramps::Cb, 3, add);
-  return sum;
-}
-
-/// The pipeline is free to choose how strong a warp it makes of `slim`, and how far it holds back
-/// the upper face. These two numbers are read from the result; that one pair of them explains all
-/// samples of three planes is the proof.
-WarpModel Fitted(const Frame420& result, const WarpCircle& circle) {
-  WarpModel best;
-  best.centre_x = static_cast<double>(circle.centre.x);
-  best.centre_y = static_cast<double>(circle.centre.y);
-  best.radius = static_cast<double>(circle.radius);
-  best.towards_x = static_cast<double>(circle.towards.x);
-  best.towards_y = static_cast<double>(circle.towards.y);
-  const double most = kSize / std::max(1.0, best.radius);  // doubles the distance at the rim
-  best.strength = most / 2;
-  best.limiter = 1.5;
-  double least = SumOfDifferences(result, best);
-  double strength_step = most / 8, limiter_step = 0.25;
-  for (int round = 0; round < 8; ++round) {
-    const WarpModel middle = best;
-    for (int s = -4; s <= 4; ++s) {
-      for (int l = -4; l <= 4; ++l) {
-        WarpModel tried = middle;
-        tried.strength += s * strength_step;
-        tried.limiter = std::max(0.1, tried.limiter + l * limiter_step);
-        const double sum = SumOfDifferences(result, tried);
-        if (sum < least) {
-          least = sum;
-          best = tried;
-        }
-      }
-    }
-    strength_step /= 2.5;
-    limiter_step /= 2.5;
-  }
-  return best;
+/// Whether the pixel lies in the ellipse, made larger by `rim` pixels.
+bool Inside(const lumora::Ellipse& ellipse, double x, double y, double rim) {
+  const double turn = static_cast<double>(ellipse.angle_degrees) * CV_PI / 180;
+  const double dx = x - static_cast<double>(ellipse.centre.x);
+  const double dy = y - static_cast<double>(ellipse.centre.y);
+  const double along = dx * std::cos(turn) + dy * std::sin(turn);
+  const double across = dy * std::cos(turn) - dx * std::sin(turn);
+  return std::hypot(along / (static_cast<double>(ellipse.half_along) + rim),
+                    across / (static_cast<double>(ellipse.half_across) + rim)) <= 1;
 }
 
 }  // namespace
 
-WarpModel::Position WarpModel::Source(double x, double y, int width, int height) const {
-  // Unit of length: the width of the frame, in both directions.
-  const double shape = static_cast<double>(height) / width;
-  const double u = x / width, v = y / height;
-  const double du = u - centre_x / width, dv = v - centre_y / height;
-  const double distance = std::hypot(du, dv * shape);
-  const double face_radius = radius / width;
-  // The limiter lies towards the forehead.
-  const double reach = 0.55 * face_radius;
-  const double from_limiter =
-      std::hypot(du + reach * towards_x, (dv + reach * towards_y) * shape) / limiter;
-  // 0 is the whole warp, 1 none.
-  double rest =
-      std::clamp(distance / face_radius / std::clamp(from_limiter / reach, 1e-9, 1.0), 0.0, 1.0);
-  const double border = std::max(0.0, std::min({u, 1 - u, v, 1 - v}));
-  rest = std::clamp(rest * (2 - std::pow(border, 0.2)), 0.0, 1.0);
-  const double pull = 1 + strength * distance * (1 - rest);
-  return {std::clamp(x + (pull - 1) * du * width, 0.5, width - 0.5),
-          std::clamp(y + (pull - 1) * dv * height, 0.5, height - 0.5)};
-}
-
-std::string SelfTest::Sentence() const {
+SelfTest TestSlimming(Engine& engine) {
+  const Frame420 frame = {Plane(kSize, 1, Ramps::Luma), Plane(kSize / 2, 2, Ramps::Cb),
+                          Plane(kSize / 2, 2, Ramps::Cr)};
+  Look look;
+  look.slim = kStrongest;
+  const Frame420 result = engine.Process(frame, {TestFace()}, look);
+  cv::Mat change;
+  cv::absdiff(frame.y, result.y, change);
+  const int moved = cv::countNonZero(change >= kClearChange);
+  const FaceWarp warp = SlimmingWarp(TestFace(), kStrongest, kSize, kSize);
+  const double difference = std::max({LargestDifference(result.y, warp, Ramps::Luma),
+                                      LargestDifference(result.cb, warp, Ramps::Cb),
+                                      LargestDifference(result.cr, warp, Ramps::Cr)});
   char text[160];
   std::snprintf(text, sizeof(text),
                 "%d pixels moved, largest difference from the CPU %.1f/255 (allowed: %.0f/255)",
-                moved_pixels, largest_difference, kTolerance);
-  return text;
+                moved, difference, kTolerance);
+  return {moved >= kLeastMoved && difference <= kTolerance, text};
 }
 
-SelfTest RunSelfTest(Slimmer& slimmer) {
-  const Frame420 frame = {Plane(kSize, 1, Ramps::Luma), Plane(kSize / 2, 2, Ramps::Cb),
-                          Plane(kSize / 2, 2, Ramps::Cr)};
-  const Face face = FaceFromEyes({98, 100}, {158, 100});
-  const Frame420 result = slimmer.Slim(frame, {face}, kSlim);
-
-  SelfTest test;
-  cv::Mat change;
-  cv::absdiff(frame.y, result.y, change);
-  test.moved_pixels = cv::countNonZero(change >= kClearChange);
-  const WarpModel model = Fitted(result, SlimmingCircle(face, kSize, kSize));
-  const auto keep_largest = [&test](double difference) {
-    test.largest_difference = std::max(test.largest_difference, difference);
-  };
-  Compare(result.y, model, Ramps::Luma, 1, keep_largest);
-  Compare(result.cb, model, Ramps::Cb, 1, keep_largest);
-  Compare(result.cr, model, Ramps::Cr, 1, keep_largest);
-  test.passed = test.moved_pixels >= kLeastMoved && test.largest_difference <= kTolerance;
-  return test;
+SelfTest TestWhitening(Engine& engine) {
+  const cv::Size half(kSize / 2, kSize / 2);
+  const Frame420 frame = {cv::Mat(kSize, kSize, CV_8U, cv::Scalar(kSkin[0])),
+                          cv::Mat(half, CV_8U, cv::Scalar(kSkin[1])),
+                          cv::Mat(half, CV_8U, cv::Scalar(kSkin[2]))};
+  Look look;
+  look.whiten = kStrongest;
+  const Face face = TestFace();
+  const Frame420 result = engine.Process(frame, {face}, look);
+  const lumora::Ellipse outer = WhiteningEllipses(face)[kFaceEllipse];
+  int brighter = 0, stray = 0;
+  for (int y = 0; y < kSize; ++y) {
+    for (int x = 0; x < kSize; ++x) {
+      const int change = result.y.at<uint8_t>(y, x) - kSkin[0];
+      if (change >= kClearChange) ++brighter;
+      // Chroma samples on the rim belong to pixels on both sides of it.
+      if (change != 0 && !Inside(outer, x + 0.5, y + 0.5, 2)) ++stray;
+    }
+  }
+  const double area =
+      CV_PI * static_cast<double>(outer.half_along) * static_cast<double>(outer.half_across);
+  char text[160];
+  std::snprintf(text, sizeof(text), "%.0f %% of the face is brighter, %d pixels outside changed",
+                100 * brighter / std::max(1.0, area), stray);
+  return {brighter >= kLeastBrighter * area && stray == 0, text};
 }
 
 }  // namespace lumora::tools

@@ -9,7 +9,9 @@ namespace {
 
 constexpr int kShift = 4;        // fractional bits of polygon corners
 constexpr int kCurveSteps = 12;  // straight pieces between two points of a smooth curve
-constexpr double kUnits = 1000;  // width and height of the drawing plane
+constexpr double kUnits = 1000;  // of the drawing plane that fill a place
+// Pictures with more pixels are drawn in their own size: their outlines are smooth enough.
+constexpr int kMostDoubled = 4'500'000;
 
 cv::Vec3f Bgr(Rgb colour) {
   return {static_cast<float>(colour & 0xff), static_cast<float>((colour >> 8) & 0xff),
@@ -125,9 +127,15 @@ Points Stroke(const Points& line, double widest) {
   return upper;
 }
 
-Canvas::Canvas(int size, Rgb background)
-    : size_(size), scale_(2 * size / kUnits), pixels_(2 * size, 2 * size, CV_32FC3) {
+Canvas::Canvas(cv::Size size, Rgb background)
+    : size_(size), factor_(size.area() > kMostDoubled ? 1 : 2), pixels_(size * factor_, CV_32FC3) {
   pixels_.setTo(cv::Scalar(Bgr(background)));
+  Place({0, 0}, size.height);
+}
+
+void Canvas::Place(cv::Point2d corner, double side) {
+  scale_ = factor_ * side / kUnits;
+  origin_ = corner * factor_;
 }
 
 cv::Mat Canvas::Mask(const Points& outline) const {
@@ -138,8 +146,8 @@ cv::Mat Canvas::MaskOf(const Points& outline, const cv::Rect& area) const {
   std::vector<cv::Point> corners;
   for (const cv::Point2d& point : outline) {
     corners.emplace_back(
-        static_cast<int>(std::lround((point.x * scale_ - area.x) * (1 << kShift))),
-        static_cast<int>(std::lround((point.y * scale_ - area.y) * (1 << kShift))));
+        static_cast<int>(std::lround((point.x * scale_ + origin_.x - area.x) * (1 << kShift))),
+        static_cast<int>(std::lround((point.y * scale_ + origin_.y - area.y) * (1 << kShift))));
   }
   cv::Mat mask(area.size(), CV_8U, cv::Scalar(0));
   cv::fillPoly(mask, std::vector<std::vector<cv::Point>>{corners}, cv::Scalar(255), cv::LINE_AA,
@@ -153,10 +161,10 @@ cv::Rect Canvas::Reach(const Points& outline, double rim) const {
     low = {std::min(low.x, point.x), std::min(low.y, point.y)};
     high = {std::max(high.x, point.x), std::max(high.y, point.y)};
   }
-  const cv::Point corner(static_cast<int>(std::floor((low.x - rim) * scale_)),
-                         static_cast<int>(std::floor((low.y - rim) * scale_)));
-  const cv::Point end(static_cast<int>(std::ceil((high.x + rim) * scale_)),
-                      static_cast<int>(std::ceil((high.y + rim) * scale_)));
+  const cv::Point corner(static_cast<int>(std::floor((low.x - rim) * scale_ + origin_.x)),
+                         static_cast<int>(std::floor((low.y - rim) * scale_ + origin_.y)));
+  const cv::Point end(static_cast<int>(std::ceil((high.x + rim) * scale_ + origin_.x)),
+                      static_cast<int>(std::ceil((high.y + rim) * scale_ + origin_.y)));
   return cv::Rect(corner, end) & cv::Rect({0, 0}, pixels_.size());
 }
 
@@ -183,7 +191,7 @@ void Canvas::Fill(const Points& outline, const Paint& paint) {
 void Canvas::Fade(double top, double bottom, Rgb colour, double opacity) {
   const cv::Vec3f target = Bgr(colour);
   for (int y = 0; y < pixels_.rows; ++y) {
-    const double along = std::clamp((y / scale_ - top) / (bottom - top), 0.0, 1.0);
+    const double along = std::clamp(((y - origin_.y) / scale_ - top) / (bottom - top), 0.0, 1.0);
     const float share = static_cast<float>(along * opacity);
     cv::Vec3f* row = pixels_.ptr<cv::Vec3f>(y);
     for (int x = 0; x < pixels_.cols; ++x) row[x] += (target - row[x]) * share;
@@ -191,8 +199,8 @@ void Canvas::Fade(double top, double bottom, Rgb colour, double opacity) {
 }
 
 cv::Mat Canvas::Picture() const {
-  cv::Mat small, picture;
-  cv::resize(pixels_, small, {size_, size_}, 0, 0, cv::INTER_AREA);
+  cv::Mat small = pixels_, picture;
+  if (factor_ != 1) cv::resize(pixels_, small, size_, 0, 0, cv::INTER_AREA);
   small.convertTo(picture, CV_8UC3);
   return picture;
 }

@@ -1,4 +1,4 @@
-// A small painter for illustrations: smooth closed shapes, flat or soft, on a square picture.
+// A small painter for illustrations: smooth closed shapes, flat or soft.
 #ifndef LUMORA_TOOLS_DRAWING_CANVAS_H_
 #define LUMORA_TOOLS_DRAWING_CANVAS_H_
 
@@ -13,7 +13,8 @@ using Rgb = unsigned;
 /// A mix of two colours: 0 gives `a`, 1 gives `b`.
 Rgb Mix(Rgb a, Rgb b, double share_of_b);
 
-/// Points of the drawing plane, which is 1000 x 1000 units whatever the picture's size.
+/// Points of the drawing plane: units of which 1000 fill the height of the picture, or the part of
+/// it that `Canvas::Place` names.
 using Points = std::vector<cv::Point2d>;
 
 /// A smooth closed curve through the given points.
@@ -45,8 +46,11 @@ struct Paint {
 
 class Canvas {
  public:
-  /// A canvas for a picture of `size` x `size` pixels. It draws at twice that size.
-  Canvas(int size, Rgb background);
+  /// A canvas for a picture of `size` pixels. Small ones are drawn at twice that size.
+  Canvas(cv::Size size, Rgb background);
+
+  /// From now on 1000 units in both directions are `side` pixels of the picture, from `corner` on.
+  void Place(cv::Point2d corner, double side);
 
   void Fill(const Points& outline, const Paint& paint);
   /// Everything from row `top` units downward gets more and more of the colour.
@@ -62,8 +66,10 @@ class Canvas {
   cv::Rect Reach(const Points& outline, double rim) const;
   cv::Mat MaskOf(const Points& outline, const cv::Rect& area) const;
 
-  int size_;
-  double scale_;  ///< canvas pixels a unit
+  cv::Size size_;
+  int factor_;          ///< canvas pixels a pixel of the picture
+  double scale_ = 1;    ///< canvas pixels a unit
+  cv::Point2d origin_;  ///< canvas pixels
   cv::Mat pixels_;
 };
 

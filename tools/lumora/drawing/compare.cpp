@@ -33,29 +33,30 @@ void Title(cv::Mat& sheet, const std::string& text, const cv::Rect& bar) {
 
 }  // namespace
 
-cv::Mat CompareSheet(const cv::Mat& before, const cv::Mat& after) {
-  const cv::Mat left = Fitted(before), right = Fitted(after);
-  const int gap = std::clamp(left.cols / 40, 4, 24);
-  const int bar = std::clamp(left.cols / 12, 20, 56);
-  cv::Mat sheet(bar + left.rows + gap, 2 * left.cols + 3 * gap, CV_8UC3, kPaper);
-  const cv::Rect left_place(gap, bar, left.cols, left.rows);
-  const cv::Rect right_place(2 * gap + left.cols, bar, right.cols, right.rows);
-  left.copyTo(sheet(left_place));
-  right.copyTo(sheet(right_place));
-  Title(sheet, "before", {left_place.x, 0, left_place.width, bar});
-  Title(sheet, "after", {right_place.x, 0, right_place.width, bar});
+cv::Mat TitledRow(const std::vector<Titled>& pictures) {
+  std::vector<cv::Mat> fitted;
+  for (const Titled& titled : pictures) fitted.push_back(Fitted(titled.picture));
+  const cv::Size size = fitted.front().size();
+  const int gap = std::clamp(size.width / 40, 4, 24);
+  const int bar = std::clamp(size.width / 12, 20, 56);
+  const int count = static_cast<int>(pictures.size());
+  cv::Mat sheet(bar + size.height + gap, count * (size.width + gap) + gap, CV_8UC3, kPaper);
+  int left = gap;
+  for (size_t i = 0; i < pictures.size(); ++i) {
+    fitted[i].copyTo(sheet({left, bar, fitted[i].cols, fitted[i].rows}));
+    Title(sheet, pictures[i].title, {left, 0, size.width, bar});
+    left += size.width + gap;
+  }
   return sheet;
 }
 
-cv::Mat Tiled(const std::vector<cv::Mat>& pictures, int columns) {
-  const cv::Size tile = pictures.front().size();
-  const int count = static_cast<int>(pictures.size());
-  const int rows = (count + columns - 1) / columns;
-  cv::Mat sheet(rows * tile.height, columns * tile.width, CV_8UC3, kPaper);
-  for (int i = 0; i < count; ++i) {
-    const cv::Point corner(i % columns * tile.width, i / columns * tile.height);
-    pictures[static_cast<size_t>(i)].copyTo(sheet(cv::Rect(corner, tile)));
-  }
+cv::Mat CompareSheet(const cv::Mat& before, const cv::Mat& after) {
+  return TitledRow({{"before", before}, {"after", after}});
+}
+
+cv::Mat Stacked(const std::vector<cv::Mat>& pictures) {
+  cv::Mat sheet;
+  cv::vconcat(pictures, sheet);
   return sheet;
 }
 

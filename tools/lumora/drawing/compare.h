@@ -3,16 +3,25 @@
 #define LUMORA_TOOLS_DRAWING_COMPARE_H_
 
 #include <opencv2/core.hpp>
+#include <string>
 #include <vector>
 
 namespace lumora::tools {
 
-/// Both 8-bit BGR pictures side by side under the titles "before" and "after". Nothing is cropped;
-/// pictures wider than 1200 pixels are scaled down to that.
+struct Titled {
+  std::string title;
+  cv::Mat picture;  ///< 8-bit BGR
+};
+
+/// Pictures of one size side by side, each under its title. Nothing is cropped; pictures wider than
+/// 1200 pixels are scaled down to that.
+cv::Mat TitledRow(const std::vector<Titled>& pictures);
+
+/// Both pictures under the titles "before" and "after".
 cv::Mat CompareSheet(const cv::Mat& before, const cv::Mat& after);
 
-/// Pictures of one size in rows of `columns`.
-cv::Mat Tiled(const std::vector<cv::Mat>& pictures, int columns);
+/// Pictures of one width below each other.
+cv::Mat Stacked(const std::vector<cv::Mat>& pictures);
 
 }  // namespace lumora::tools
 

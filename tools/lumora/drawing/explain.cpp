@@ -20,6 +20,9 @@ const cv::Scalar kBoxColour(90, 200, 90);
 const cv::Scalar kCircleColour(240, 170, 40);
 const cv::Scalar kArrowColour(60, 90, 245);
 const cv::Scalar kMarkColour(60, 230, 255);
+const cv::Scalar kEllipseColour(235, 120, 235);
+const cv::Scalar kBlockColour(255, 255, 255);
+constexpr double kBlockOpacity = 0.5;
 
 // Cheeks and chin move most: angles from the direction of the chin at which arrows are drawn.
 constexpr double kArrowDegrees[] = {-80, -55, -28, 0, 28, 55, 80};
@@ -49,13 +52,32 @@ class Sheet {
                     colour(kBoxColour), thickness, cv::LINE_AA, kFractionBits);
       DrawCircle(circle, colour(kCircleColour), thickness);
       DrawArrows(circle, colour(kArrowColour), thickness);
+      for (const lumora::Ellipse& ellipse : WhiteningEllipses(face)) {
+        DrawEllipse(ellipse, colour(kEllipseColour), thickness);
+      }
     }
     DrawLandmarks(face);
+  }
+
+  /// Thin and half transparent: blocks overlap, and what they show is to be seen.
+  void Draw(const std::vector<PixelRect>& blocks) {
+    cv::Mat outlined = pixels_.clone();
+    for (const bool rim : {true, false}) {
+      for (const PixelRect& block : blocks) {
+        cv::rectangle(outlined, At(Corner(block.x, block.y)),
+                      At(Corner(block.x + block.width, block.y + block.height)),
+                      rim ? kDark : kBlockColour, rim ? line_ + 2 : line_, cv::LINE_AA,
+                      kFractionBits);
+      }
+    }
+    cv::addWeighted(outlined, kBlockOpacity, pixels_, 1 - kBlockOpacity, 0, pixels_);
   }
 
   cv::Mat pixels() const { return pixels_; }
 
  private:
+  static PointF Corner(int x, int y) { return {static_cast<float>(x), static_cast<float>(y)}; }
+
   cv::Point At(PointF point) const {
     const auto fixed = [this](float value) {
       return static_cast<int>(
@@ -68,6 +90,14 @@ class Sheet {
     const auto radius = static_cast<double>(circle.radius) * scale_ * (1 << kFractionBits);
     cv::circle(pixels_, At(circle.centre), static_cast<int>(std::lround(radius)), colour, thickness,
                cv::LINE_AA, kFractionBits);
+  }
+
+  void DrawEllipse(const lumora::Ellipse& ellipse, const cv::Scalar& colour, int thickness) {
+    if (!(ellipse.half_along > 0 && ellipse.half_across > 0)) return;
+    const cv::Point axes = At({ellipse.half_along, ellipse.half_across});
+    cv::ellipse(pixels_, At(ellipse.centre), {axes.x, axes.y},
+                static_cast<double>(ellipse.angle_degrees), 0, 360, colour, thickness, cv::LINE_AA,
+                kFractionBits);
   }
 
   void DrawArrows(const WarpCircle& circle, const cv::Scalar& colour, int thickness) {
@@ -115,8 +145,10 @@ class Sheet {
 
 }  // namespace
 
-cv::Mat ExplainSheet(const cv::Mat& picture, const std::vector<Face>& faces) {
+cv::Mat ExplainSheet(const cv::Mat& picture, const std::vector<Face>& faces,
+                     const std::vector<PixelRect>& blocks) {
   Sheet sheet(picture, faces);
+  sheet.Draw(blocks);
   for (const Face& face : faces) sheet.Draw(face, picture.size());
   return sheet.pixels();
 }

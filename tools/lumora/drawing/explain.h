@@ -1,4 +1,4 @@
-// A picture that shows what was found in it and what slimming will move.
+// A picture that shows what was found in it and what is done to it.
 #ifndef LUMORA_TOOLS_DRAWING_EXPLAIN_H_
 #define LUMORA_TOOLS_DRAWING_EXPLAIN_H_
 
@@ -6,13 +6,16 @@
 #include <vector>
 
 #include "pipeline/face.h"
+#include "pipeline/report.h"
 
 namespace lumora::tools {
 
 /// The 8-bit BGR picture (enlarged or reduced to a size in which the drawing can be read) with, for
 /// each face: its box, the landmarks with their numbers in the order of NamedLandmarks, the circle
-/// in which pixels move, and arrows along which they move.
-cv::Mat ExplainSheet(const cv::Mat& picture, const std::vector<Face>& faces);
+/// in which pixels move with arrows along which they move, and the ellipses of whitening. Blocks
+/// are outlined with dashes.
+cv::Mat ExplainSheet(const cv::Mat& picture, const std::vector<Face>& faces,
+                     const std::vector<PixelRect>& blocks);
 
 }  // namespace lumora::tools
 

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "tools/lumora/drawing/canvas.h"
+#include "tools/lumora/drawing/portrait_features.h"
 #include "tools/lumora/drawing/portrait_hair.h"
 #include "tools/lumora/drawing/portrait_people.h"
 
@@ -10,12 +11,6 @@
 // x = 500 and looks at the viewer.
 namespace lumora::tools {
 namespace {
-
-constexpr double kEyeY = 436;
-constexpr double kEyeX = 582;  // centre of the right eye
-constexpr double kEyeHalfWidth = 40;
-constexpr double kBrowY = 368;
-constexpr double kMouthY = 632;
 
 const Points& HeadOutline() {
   static const Points outline = Smooth(Symmetric({{500, 176},
@@ -81,11 +76,12 @@ void DrawBody(Canvas& canvas, const Person& person) {
                                              {880, 930},
                                              {915, 1040},
                                              {930, 1200},
-                                             {500, 1200}}));
+                                             {935, 1700},
+                                             {500, 1700}}));
   canvas.Fill(shoulders, {0x202020, 0.35, 22});
   canvas.Fill(shoulders, {person.shirt});
   const cv::Mat shirt = canvas.Mask(shoulders);
-  for (int row = 0; row < 7; ++row) {
+  for (int row = 0; row < 17; ++row) {
     canvas.Fill(
         Stroke({{-200, 950.0 + 44 * row}, {500, 905.0 + 44 * row}, {1200, 950.0 + 44 * row}}, 15),
         {person.shirt_stripe, 0.9, 0, &shirt});
@@ -162,152 +158,63 @@ void DrawSkin(Canvas& canvas, const Person& person) {
   }
 }
 
-void DrawNose(Canvas& canvas, const Person& person) {
-  const Rgb light = Mix(person.skin, 0xffffff, 0.45);
-  const Rgb dark = Mix(person.skin_shadow, 0x000000, 0.25);
-  canvas.Fill(Stroke({{524, 440}, {520, 500}, {538, 548}}, 16), {person.skin_shadow, 0.55, 8});
-  canvas.Fill(Stroke({{476, 440}, {482, 500}, {464, 548}}, 10), {person.skin_shadow, 0.3, 7});
-  canvas.Fill(Ellipse({500, 566}, 48, 17), {person.skin_shadow, 0.7, 9});
-  canvas.Fill(Ellipse({500, 546}, 27, 21), {person.skin, 0.85, 7});
-  canvas.Fill(Stroke({{497, 400}, {496, 470}, {494, 530}}, 13), {light, 0.5, 6});
-  canvas.Fill(Ellipse({492, 540}, 11, 9), {light, 0.75, 5});
-  for (const Points& nostril : {Ellipse({520, 569}, 10, 5, -12), Ellipse({480, 569}, 10, 5, 12)}) {
-    canvas.Fill(nostril, {dark, 0.85, 1.5});
+/// Takes points of the drawing plane to pixels of the picture.
+struct Place {
+  cv::Point2d corner;
+  double side;
+
+  double Length(double units) const { return units * side / 1000; }
+  PointF At(double x, double y) const {
+    return {static_cast<float>(corner.x + Length(x)), static_cast<float>(corner.y + Length(y))};
   }
-  const Points wing = Stroke({{536, 538}, {548, 556}, {536, 572}}, 5);
-  for (const Points& line : {wing, Mirrored(wing)}) canvas.Fill(line, {dark, 0.45, 1.5});
-}
-
-void DrawMouth(Canvas& canvas, const Person& person) {
-  const Rgb dark = Mix(person.lips, 0x000000, 0.45);
-  const Points upper = Smooth({{424, 612},
-                               {458, 611},
-                               {486, 606},
-                               {500, 610},
-                               {514, 606},
-                               {542, 611},
-                               {576, 612},
-                               {540, 635},
-                               {500, 643},
-                               {460, 635}});
-  const Points lower = Smooth({{428, 615},
-                               {462, 633},
-                               {500, 640},
-                               {538, 633},
-                               {572, 615},
-                               {548, 654},
-                               {500, 673},
-                               {452, 654}});
-  canvas.Fill(Ellipse({500, 690}, 46, 10), {person.skin_shadow, 0.6, 8});
-  canvas.Fill(lower, {Mix(person.lips, 0xffffff, 0.1), 1, 0.8});
-  canvas.Fill(upper, {person.lips, 1, 0.8});
-  canvas.Fill(Ellipse({494, 655}, 30, 6), {0xffffff, 0.35, 5});
-  canvas.Fill(Stroke({{418, 608}, {460, 633}, {500, 641}, {540, 633}, {582, 608}}, 7.5),
-              {dark, 0.9, 0.8});
-  for (const Points& corner : {Ellipse({583, 608}, 9, 8), Ellipse({417, 608}, 9, 8)}) {
-    canvas.Fill(corner, {person.skin_shadow, 0.8, 4});
+  FeatureBox Around(double x, double y, double half_width, double half_height) const {
+    return {At(x - half_width, y), At(x + half_width, y), At(x, y - half_height),
+            At(x, y + half_height)};
   }
-}
+};
 
-void DrawEye(Canvas& canvas, const Person& person, bool mirrored) {
-  const auto placed = [mirrored](const Points& p) { return mirrored ? Mirrored(p) : p; };
-  const double shine_x = mirrored ? 1000 - kEyeX - 6 : kEyeX - 6;  // light comes from one side
-  const Rgb lash = Mix(person.hair, 0x120c0a, 0.75);
-  const Points lid = {{kEyeX - kEyeHalfWidth, kEyeY + 8},
-                      {kEyeX - 22, kEyeY - 14},
-                      {kEyeX + 2, kEyeY - 22},
-                      {kEyeX + 26, kEyeY - 14},
-                      {kEyeX + kEyeHalfWidth, kEyeY + 2}};
-  Points almond = lid;
-  for (const cv::Point2d low : {cv::Point2d(kEyeX + 24, kEyeY + 16), cv::Point2d(kEyeX, kEyeY + 21),
-                                cv::Point2d(kEyeX - 24, kEyeY + 17)}) {
-    almond.push_back(low);
-  }
-  const Points opening = placed(Smooth(almond));
-  canvas.Fill(placed(Ellipse({kEyeX, kEyeY - 6}, 54, 36)), {person.skin_shadow, 0.5, 12});
-  canvas.Fill(opening, {0xfbf8f4});
-  const cv::Mat clip = canvas.Mask(opening);
-  const cv::Point2d iris(kEyeX - 1, kEyeY - 2);
-  canvas.Fill(placed(Ellipse(iris, 21, 21)), {Mix(person.iris, 0x000000, 0.55), 1, 0, &clip});
-  canvas.Fill(placed(Ellipse(iris, 17, 17)), {person.iris, 1, 1.5, &clip});
-  canvas.Fill(placed(Ellipse(iris + cv::Point2d(0, 7), 11, 8)),
-              {Mix(person.iris, 0xffffff, 0.4), 0.6, 3, &clip});
-  canvas.Fill(placed(Ellipse(iris, 9, 9)), {0x0c0808, 1, 0.7, &clip});
-  canvas.Fill(placed(Stroke(lid, 26)), {0x2a1a14, 0.4, 5, &clip});  // shadow of the lid
-  canvas.Fill(Ellipse({shine_x, kEyeY - 9}, 6, 6), {0xffffff, 0.95, 0.7, &clip});
-  // Upper lashes end in a small wing, the crease above follows them.
-  Points lashes = lid;
-  lashes.emplace_back(kEyeX + kEyeHalfWidth + 8, kEyeY - 4);
-  canvas.Fill(placed(Stroke(lashes, 11)), {lash, 0.95, 0.8});
-  canvas.Fill(
-      placed(
-          Stroke({{kEyeX - 32, kEyeY - 18}, {kEyeX + 2, kEyeY - 36}, {kEyeX + 38, kEyeY - 16}}, 5)),
-      {Mix(person.skin_shadow, 0x000000, 0.3), 0.7, 1.5});
-  canvas.Fill(
-      placed(Stroke({{kEyeX - 26, kEyeY + 19}, {kEyeX, kEyeY + 24}, {kEyeX + 30, kEyeY + 13}}, 4)),
-      {person.skin_shadow, 0.8, 1.5});
-  canvas.Fill(placed(Smooth({{kEyeX - 56, kBrowY + 12},
-                             {kEyeX - 30, kBrowY - 6},
-                             {kEyeX + 10, kBrowY - 14},
-                             {kEyeX + 58, kBrowY + 8},
-                             {kEyeX + 12, kBrowY + 3},
-                             {kEyeX - 28, kBrowY + 12}})),
-              {Mix(person.hair, 0x000000, 0.2), 0.9, 1.5});
-}
-
-void DrawGlasses(Canvas& canvas) {
-  constexpr Rgb kFrame = 0x5a2f2a;
-  const cv::Point2d kLensCentre(588, 446);
-  for (const bool mirrored : {false, true}) {
-    const auto placed = [mirrored](const Points& p) { return mirrored ? Mirrored(p) : p; };
-    const Points lens = Smooth({{512, 410},
-                                {560, 396},
-                                {620, 398},
-                                {662, 414},
-                                {656, 466},
-                                {626, 498},
-                                {566, 498},
-                                {526, 470}});
-    Points rim;
-    for (const cv::Point2d& point : lens) {
-      rim.push_back(kLensCentre + (point - kLensCentre) * 1.11);
-    }
-    const cv::Mat ring = canvas.Mask(placed(rim)) - canvas.Mask(placed(lens));
-    canvas.Fill(placed(lens), {0xffffff, 0.12});
-    canvas.Fill(placed(rim), {kFrame, 1, 0, &ring});
-    canvas.Fill(placed(Stroke({{654, 420}, {676, 414}, {704, 412}}, 9)), {kFrame});
-  }
-  canvas.Fill(Stroke({{478, 422}, {500, 410}, {522, 422}}, 11), {kFrame});
-}
-
-PointF Placed(double x, double y, double scale) {
-  return {static_cast<float>(x * scale), static_cast<float>(y * scale)};
-}
-
-FeatureBox Around(double x, double y, double half_width, double half_height, double scale) {
-  return {Placed(x - half_width, y, scale), Placed(x + half_width, y, scale),
-          Placed(x, y - half_height, scale), Placed(x, y + half_height, scale)};
-}
-
-Face Landmarks(double scale) {
+Face FaceAt(const Place& place) {
   Face face;
-  face.box = {static_cast<float>(312 * scale), static_cast<float>(340 * scale),
-              static_cast<float>(376 * scale), static_cast<float>(412 * scale)};
+  const PointF corner = place.At(312, 340);
+  face.box = {corner.x, corner.y, static_cast<float>(place.Length(376)),
+              static_cast<float>(place.Length(412))};
   FaceLandmarks& marks = face.landmarks;
-  marks.left_eye = Around(1000 - kEyeX, kEyeY, kEyeHalfWidth, 21, scale);
-  marks.right_eye = Around(kEyeX, kEyeY, kEyeHalfWidth, 21, scale);
-  marks.left_brow = Around(1000 - kEyeX, kBrowY, 57, 13, scale);
-  marks.right_brow = Around(kEyeX, kBrowY, 57, 13, scale);
-  marks.mouth = Around(500, kMouthY + 7, 80, 34, scale);
-  marks.nasion = Placed(500, kEyeY - 14, scale);
-  marks.nose_tip = Placed(500, 548, scale);
-  marks.chin = Placed(500, 763, scale);
-  marks.left_temple = Placed(312, kEyeY, scale);
-  marks.right_temple = Placed(688, kEyeY, scale);
-  marks.left_jaw = Placed(327, kMouthY, scale);
-  marks.right_jaw = Placed(673, kMouthY, scale);
+  marks.left_eye = place.Around(1000 - kEyeX, kEyeY, kEyeHalfWidth, 21);
+  marks.right_eye = place.Around(kEyeX, kEyeY, kEyeHalfWidth, 21);
+  marks.left_brow = place.Around(1000 - kEyeX, kBrowY, 57, 13);
+  marks.right_brow = place.Around(kEyeX, kBrowY, 57, 13);
+  marks.mouth = place.Around(500, kMouthY + 7, 80, 34);
+  marks.nasion = place.At(500, kEyeY - 14);
+  marks.nose_tip = place.At(500, 548);
+  marks.chin = place.At(500, 763);
+  marks.left_temple = place.At(312, kEyeY);
+  marks.right_temple = place.At(688, kEyeY);
+  marks.left_jaw = place.At(327, kMouthY);
+  marks.right_jaw = place.At(673, kMouthY);
   return face;
 }
+
+void DrawPerson(Canvas& canvas, const Person& person) {
+  DrawHairBehindHead(canvas, person);
+  DrawBody(canvas, person);
+  DrawEars(canvas, person);
+  DrawSkin(canvas, person);
+  DrawNose(canvas, person);
+  DrawMouth(canvas, person);
+  DrawEyes(canvas, person);
+  DrawHairOverForehead(canvas, person);
+  if (person.glasses) DrawGlasses(canvas);
+}
+
+/// Who stands where in a group, from the back to the front: shares of the picture's height.
+struct Standing {
+  int person;
+  double centre_x, top;
+};
+constexpr Standing kStanding[] = {
+    {1, 0.475, 0.0}, {3, 0.86, 0.01}, {0, 0.19, 0.37}, {2, 1.14, 0.36}};
+constexpr double kStandingSide = 0.63;
+constexpr int kGroupWall = 2;  // the person whose wall is behind them: its lines are straight
 
 }  // namespace
 
@@ -317,19 +224,27 @@ int PortraitCount() {
 
 Portrait DrawPortrait(int index, int size) {
   const Person& person = kPeople[index];
-  Canvas canvas(size, person.wall);
+  Canvas canvas({size, size}, person.wall);
   DrawWallpaper(canvas, person);
-  DrawHairBehindHead(canvas, person);
-  DrawBody(canvas, person);
-  DrawEars(canvas, person);
-  DrawSkin(canvas, person);
-  DrawNose(canvas, person);
-  DrawMouth(canvas, person);
-  DrawEye(canvas, person, false);
-  DrawEye(canvas, person, true);
-  DrawHairOverForehead(canvas, person);
-  if (person.glasses) DrawGlasses(canvas);
-  return {canvas.Picture(), Landmarks(size / 1000.0)};
+  DrawPerson(canvas, person);
+  return {canvas.Picture(), FaceAt({{0, 0}, static_cast<double>(size)})};
+}
+
+Group DrawGroup(cv::Size size) {
+  Canvas canvas(size, kPeople[kGroupWall].wall);
+  canvas.Place({0, 0}, size.width);  // the wall is square, and its lower end is out of sight
+  DrawWallpaper(canvas, kPeople[kGroupWall]);
+  Group group;
+  for (const Standing& standing : kStanding) {
+    const double side = kStandingSide * size.height;
+    const Place place = {{standing.centre_x * size.height - side / 2, standing.top * size.height},
+                         side};
+    canvas.Place(place.corner, place.side);
+    DrawPerson(canvas, kPeople[standing.person]);
+    group.faces.push_back(FaceAt(place));
+  }
+  group.picture = canvas.Picture();
+  return group;
 }
 
 }  // namespace lumora::tools

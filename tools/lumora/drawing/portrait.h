@@ -4,6 +4,7 @@
 #define LUMORA_TOOLS_DRAWING_PORTRAIT_H_
 
 #include <opencv2/core.hpp>
+#include <vector>
 
 #include "pipeline/face.h"
 
@@ -19,6 +20,14 @@ int PortraitCount();
 
 /// Draws person `index` (from 0 on) as a picture of `size` x `size` pixels.
 Portrait DrawPortrait(int index, int size);
+
+struct Group {
+  cv::Mat picture;          ///< 8-bit BGR
+  std::vector<Face> faces;  ///< in pixels of the picture
+};
+
+/// Draws all of them in one picture, which is wider than high.
+Group DrawGroup(cv::Size size);
 
 }  // namespace lumora::tools
 

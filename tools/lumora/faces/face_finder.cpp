@@ -66,9 +66,11 @@ bool Overlap(const cv::Rect& a, const cv::Rect& b) {
   return common > kSameFace * (a.area() + b.area() - common);
 }
 
-class FaceFinder {
+}  // namespace
+
+class FaceFinder::Search {
  public:
-  explicit FaceFinder(const std::string& folder) : eyes_(folder) {
+  explicit Search(const std::string& folder) : eyes_(folder) {
     for (const char* file :
          {"haarcascade_frontalface_alt2.xml", "haarcascade_frontalface_default.xml"}) {
       cascades_.push_back(LoadCascade(folder, file));
@@ -133,8 +135,6 @@ class FaceFinder {
   EyeFinder eyes_;
 };
 
-}  // namespace
-
 const char* NameOf(FoundBy found_by) {
   switch (found_by) {
     case FoundBy::Eyes:
@@ -156,14 +156,18 @@ std::string CascadeFolder() {
   return {};
 }
 
-std::vector<FoundFace> FindFaces(const cv::Mat& bgr) {
-  FaceFinder finder(CascadeFolder());
-  const double scale = std::max(1.0, std::max(bgr.cols, bgr.rows) / double{kSearchSide});
-  cv::Mat small = bgr, gray;
-  if (scale > 1) cv::resize(bgr, small, {}, 1 / scale, 1 / scale, cv::INTER_AREA);
-  cv::cvtColor(small, gray, cv::COLOR_BGR2GRAY);
+FaceFinder::FaceFinder() : search_(std::make_unique<Search>(CascadeFolder())) {}
+
+FaceFinder::~FaceFinder() = default;
+
+std::vector<FoundFace> FaceFinder::Find(const cv::Mat& picture) {
+  const double scale = std::max(1.0, std::max(picture.cols, picture.rows) / double{kSearchSide});
+  cv::Mat small = picture;
+  if (scale > 1) cv::resize(picture, small, {}, 1 / scale, 1 / scale, cv::INTER_AREA);
+  cv::Mat gray = small;
+  if (small.channels() == 3) cv::cvtColor(small, gray, cv::COLOR_BGR2GRAY);
   for (const double degrees : {0.0, 30.0, -30.0}) {
-    std::vector<FoundFace> faces = finder.Find(TurnedBy(gray, degrees), scale);
+    std::vector<FoundFace> faces = search_->Find(TurnedBy(gray, degrees), scale);
     if (!faces.empty()) return faces;
   }
   return {};

@@ -17,6 +17,9 @@ using Action = std::function<ExitCode()>;
 using AddCommand = void (*)(CLI::App& program, Action* action);
 
 void AddPhoto(CLI::App& program, Action* action);
+void AddVideo(CLI::App& program, Action* action);
+void AddRectify(CLI::App& program, Action* action);
+void AddConvert(CLI::App& program, Action* action);
 void AddDemo(CLI::App& program, Action* action);
 void AddDoctor(CLI::App& program, Action* action);
 

@@ -6,21 +6,16 @@
 #include <string>
 #include <vector>
 
+#include "tools/lumora/support/streams.h"
+
 namespace lumora::tools {
 
 using Bytes = std::vector<uint8_t>;
 
-inline constexpr char kStandardStream[] = "-";
-
 /// The file's content. Throws Failure (Unreadable) naming the path.
 Bytes ReadWhole(const std::string& path);
 
-/// Throws Failure (Failed) unless a file can be written there. Leaves nothing behind; meant for the
-/// time before long work.
-void CheckWritable(const std::string& path);
-
-/// Writes the file in one step: a reader sees the old content or the new one, never a part.
-/// Symbolic links are followed, and a device or pipe is written directly. Throws Failure (Failed).
+/// Writes the file in one step, as OutputStream does. Throws Failure (Failed).
 void WriteWhole(const std::string& path, const Bytes& content);
 
 }  // namespace lumora::tools

@@ -1,0 +1,178 @@
+// lumora convert: a picture or a raw frame in, its colours in another form out.
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <opencv2/imgproc.hpp>
+#include <optional>
+#include <string>
+
+#include "pipeline/converter.h"
+#include "tools/lumora/picture/picture.h"
+#include "tools/lumora/picture/raw_frame.h"
+#include "tools/lumora/support/command.h"
+#include "tools/lumora/support/engine.h"
+#include "tools/lumora/support/files.h"
+#include "tools/lumora/support/talk.h"
+
+namespace lumora::tools {
+namespace {
+
+struct ConvertOptions {
+  std::string in, out, to, size, format;
+};
+
+Failure Misused(const std::string& what) {
+  return {ExitCode::Usage, what};
+}
+
+/// What a file name says about its content.
+std::string Ending(const std::string& path) {
+  const std::string ending = std::filesystem::path(path).extension().string();
+  return ending.empty() ? ending : ending.substr(1);
+}
+
+cv::Size ParseSize(const std::string& text) {
+  int width = 0, height = 0, end = 0;
+  const bool whole = std::sscanf(text.c_str(), "%6dx%6d%n", &width, &height, &end) == 2 &&
+                     static_cast<size_t>(end) == text.size();
+  if (!whole) throw Misused("--size: expected WIDTHxHEIGHT, like 640x480");
+  if (width < kSmallestSide || height < kSmallestSide) {
+    throw Misused("--size: at least 32 x 32 pixels are needed");
+  }
+  if (static_cast<int64_t>(width) * height > kMostPixels) {
+    throw Misused("--size: more than 200 million pixels");
+  }
+  return {width, height};
+}
+
+/// The frame to convert, with the memory behind it.
+class Source {
+ public:
+  explicit Source(const ConvertOptions& options) {
+    const std::string raw = options.format.empty() ? Ending(options.in) : options.format;
+    if (const std::optional<PixelFormat> format = FormatNamed(raw)) {
+      ReadRaw(options, *format);
+    } else {
+      ReadPicture(options);
+    }
+  }
+
+  const ConstFrameView& view() const { return view_; }
+  cv::Size size() const { return {view_.width, view_.height}; }
+
+ private:
+  void ReadRaw(const ConvertOptions& options, PixelFormat format) {
+    if (options.size.empty()) throw Misused("raw frames do not tell their size: give --size");
+    const cv::Size size = ParseSize(options.size);
+    bytes_ = ReadWhole(options.in);
+    const size_t expected = RawFrameBytes(size);
+    if (bytes_.size() != expected) {
+      throw Failure(ExitCode::Unreadable, options.in + ": holds " + std::to_string(bytes_.size()) +
+                                              " bytes, but a frame of " + options.size + " has " +
+                                              std::to_string(expected));
+    }
+    view_ = RawFrameView(static_cast<const uint8_t*>(bytes_.data()), format, size);
+  }
+
+  void ReadPicture(const ConvertOptions& options) {
+    if (!options.size.empty())
+      throw Misused("--size belongs to raw frames; a picture tells its own");
+    const LoadedPicture loaded = DecodePicture(ReadWhole(options.in), options.in);
+    for (const std::string& note : loaded.notes) Complain(options.in + ": " + note);
+    planes_ = loaded.picture->Frame();
+    view_ = planes_.View();
+    // The planes were made even; the frame has the picture's own size.
+    view_.width = loaded.picture->size().width;
+    view_.height = loaded.picture->size().height;
+  }
+
+  Bytes bytes_;
+  Frame420 planes_;
+  ConstFrameView view_;
+};
+
+/// One of the images that the colour converter makes, three channels.
+cv::Mat ImageOf(const Source& source, bool hsi) {
+  Status status;
+  const std::unique_ptr<Converter> converter = Converter::Create(&status);
+  ThrowUnlessOk(status);
+  cv::Mat image(source.size(), CV_8UC3);
+  const ImageView wanted = {image.data, image.cols, image.rows, 3,
+                            static_cast<std::ptrdiff_t>(image.step)};
+  const ImageView unwanted = {};
+  ThrowUnlessOk(
+      converter->Convert(source.view(), hsi ? unwanted : wanted, hsi ? wanted : unwanted));
+  return image;
+}
+
+Bytes FrameIn(PixelFormat format, const Source& source) {
+  Bytes bytes(RawFrameBytes(source.size()));
+  const FrameView out = RawFrameView(bytes.data(), format, source.size());
+  // Without an effect the pipeline copies, from any format to any other.
+  ThrowUnlessOk(Engine().pipeline().Process(source.view(), out, {}, Look{}));
+  return bytes;
+}
+
+ExitCode Convert(const ConvertOptions& options) {
+  const std::string ending = Ending(options.out);
+  const bool as_picture = ending == "png";
+  const std::optional<PixelFormat> frame_format = FormatNamed(options.to);
+  if (as_picture && frame_format) {
+    throw Misused(options.out + ": a PNG holds rgb or hsi, not " + options.to);
+  }
+  if (ending == "jpg" || ending == "jpeg") {
+    throw Misused(options.out + ": write .png or raw bytes; a JPEG would alter the channels");
+  }
+  if (options.out == kStandardStream && isatty(STDOUT_FILENO) != 0) {
+    throw Misused("raw bytes cannot be shown on a terminal; redirect them");
+  }
+  CheckWritable(options.out);
+  const Source source(options);
+  if (frame_format) {
+    WriteWhole(options.out, FrameIn(*frame_format, source));
+    return ExitCode::Done;
+  }
+  const cv::Mat image = ImageOf(source, options.to == "hsi");
+  if (as_picture) {
+    cv::Mat red_last;  // the order that the encoder expects
+    cv::cvtColor(image, red_last, cv::COLOR_RGB2BGR);
+    WriteWhole(options.out, EncodePng(red_last));
+  } else {
+    WriteWhole(options.out, Bytes(image.datastart, image.dataend));
+  }
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+void AddConvert(CLI::App& program, Action* action) {
+  CLI::App* command =
+      program.add_subcommand("convert", "Convert the colours of a picture or a raw frame");
+  auto options = std::make_shared<ConvertOptions>();
+  command
+      ->add_option("IN", options->in,
+                   "JPEG or PNG, or one raw frame (.nv21, .nv12, .i420, .yuv, or any name with\n"
+                   "--format); - is standard input")
+      ->required();
+  command
+      ->add_option("-o,--output", options->out,
+                   ".png: an image of the three channels; any other name, and - for standard\n"
+                   "output: raw bytes, three a pixel or the planes of a frame")
+      ->required();
+  command
+      ->add_option("--to", options->to,
+                   "rgb; hsi (hue, saturation and intensity, 0 to 255 each); nv21, nv12, i420")
+      ->required()
+      ->check(CLI::IsMember({"rgb", "hsi", "nv21", "nv12", "i420"}));
+  command->add_option("--size", options->size, "WIDTHxHEIGHT of a raw frame in pixels");
+  command->add_option("--format", options->format, "IN is a raw frame: nv21, nv12, i420")
+      ->check(CLI::IsMember({"nv21", "nv12", "i420"}));
+  command->footer(std::string("Raw frames are full-range BT.601, their planes one after another "
+                              "without padding.\n\n") +
+                  kExitCodes);
+  command->callback([options, action] { *action = [options] { return Convert(*options); }; });
+}
+
+}  // namespace lumora::tools

@@ -1,0 +1,103 @@
+// lumora rectify: one picture in, the picture with straightened lines out.
+#include <array>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/lumora/drawing/compare.h"
+#include "tools/lumora/picture/picture_edit.h"
+#include "tools/lumora/support/command.h"
+#include "tools/lumora/support/engine.h"
+#include "tools/lumora/support/report_json.h"
+#include "tools/lumora/support/talk.h"
+
+namespace lumora::tools {
+namespace {
+
+struct RectifyOptions {
+  std::string in, out, compare;
+  std::optional<int> degree, camera;
+  std::vector<float> radial;
+  bool json = false;
+};
+
+ExitCode Rectify(const RectifyOptions& options) {
+  CheckPictureOutputs({options.out, options.compare}, options.json);
+  const double start = Now();
+  PictureEdit edit(options.in);
+  const cv::Mat before = options.compare.empty() ? cv::Mat() : edit.picture().Bgr().clone();
+  const Frame420 frame = edit.picture().Frame();
+  Report report;
+  edit.Merge(frame, Engine().Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in,
+                                            const FrameView& out) {
+    if (options.degree) return pipeline.Rectify(in, out, *options.degree, &report);
+    if (options.camera) {
+      const Camera camera = *options.camera == 0 ? Camera::First : Camera::Second;
+      return pipeline.RectifyRadial(in, out, camera, &report);
+    }
+    const std::vector<float>& k = options.radial;
+    return pipeline.RectifyRadial(in, out, LensCoefficients{k[0], k[1], k[2], k[3]}, &report);
+  }));
+  std::vector<std::pair<std::string, Bytes>> results = {{options.out, edit.Encode(options.out)}};
+  if (!options.compare.empty()) {
+    results.emplace_back(options.compare, EncodeNew(CompareSheet(before, edit.picture().Bgr()),
+                                                    edit.FormatFor(options.compare)));
+  }
+  for (const auto& [path, content] : results) WriteWhole(path, content);
+  edit.TellNotes();
+  if (options.json) {
+    PrintReport({{"input", options.in},
+                 {"output", options.out},
+                 {"width", edit.picture().size().width},
+                 {"height", edit.picture().size().height},
+                 {"chain", report.chain},
+                 {"buffer", report.buffer_kind},
+                 {"timings_ms",
+                  {{"upload", report.upload_ms},
+                   {"engine", report.engine_ms},
+                   {"download", report.download_ms},
+                   {"total", Now() - start}}},
+                 {"peak_memory_mib", PeakMemory()},
+                 {"notes", edit.notes()}});
+  }
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+void AddRectify(CLI::App& program, Action* action) {
+  CLI::App* command =
+      program.add_subcommand("rectify", "Straighten the lines in a JPEG or PNG picture");
+  auto options = std::make_shared<RectifyOptions>();
+  command->add_option("IN", options->in, "picture to read; - is standard input")->required();
+  command
+      ->add_option("-o,--output", options->out,
+                   "picture to write, .jpg, .jpeg or .png; - is standard output, in IN's format")
+      ->required();
+  CLI::Option_group* how = command->add_option_group("how", "exactly one of");
+  how->add_option(
+         "--degree", options->degree,
+         "-100 to 100: lines that run together; above 0 widens the left side, below 0 the\n"
+         "right, by so many hundredths of the picture at both ends")
+      ->check(CLI::Range(-100, 100));
+  how->add_option(
+         "--radial", options->radial,
+         "k0,k1,k2,k3: bent lines; a point is taken from k0 + k1 s + k2 s^2 + k3 s^3 times\n"
+         "its distance from the middle, s its square, 1 in the corners")
+      ->delimiter(',')
+      ->expected(4);
+  how->add_option("--camera", options->camera,
+                  "0 or 1: bent lines, by the parameter file of this device's camera (below\n"
+                  "LUMORA_SYSTEM_ROOT), or usual coefficients where there is none")
+      ->check(CLI::Range(0, 1));
+  how->require_option(1);
+  command->add_option("--compare", options->compare,
+                      "also write a picture with before and after side by side");
+  command->add_flag("--json", options->json, "print a report for machines on standard output");
+  command->footer(kExitCodes);
+  command->callback([options, action] { *action = [options] { return Rectify(*options); }; });
+}
+
+}  // namespace lumora::tools

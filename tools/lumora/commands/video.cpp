@@ -1,0 +1,193 @@
+// lumora video: a Y4M clip in, the retouched clip out, one frame at a time.
+#include <unistd.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tools/lumora/faces/faces_json.h"
+#include "tools/lumora/support/command.h"
+#include "tools/lumora/support/engine.h"
+#include "tools/lumora/support/look_options.h"
+#include "tools/lumora/support/report_json.h"
+#include "tools/lumora/support/talk.h"
+#include "tools/lumora/video/face_source.h"
+#include "tools/lumora/video/progress.h"
+#include "tools/lumora/video/sample_range.h"
+#include "tools/lumora/video/y4m.h"
+
+namespace lumora::tools {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct VideoOptions {
+  std::string in, out, faces;
+  LookOptions look;
+  int detect_every = 5;
+  std::string range = "auto";
+  bool json = false;
+};
+
+void CheckNames(const VideoOptions& options) {
+  if (options.in == kStandardStream && options.faces == kStandardStream) {
+    throw Failure(ExitCode::Usage, "standard input cannot be both the clip and the faces");
+  }
+  if (options.out == kStandardStream) {
+    if (options.json) throw Failure(ExitCode::Usage, "--json needs standard output for itself");
+    if (isatty(STDOUT_FILENO) != 0) {
+      throw Failure(ExitCode::Usage, "a clip cannot be shown on a terminal; redirect it");
+    }
+  }
+  CheckWritable(options.out);
+}
+
+class Video {
+ public:
+  explicit Video(const VideoOptions& options)
+      : options_(options),
+        look_(options.look.Chosen()),
+        reader_(options.in),
+        input_(reader_.header()),
+        output_(reader_.header()),
+        stretched_(reader_.header()) {}
+
+  ExitCode Run() {
+    const std::unique_ptr<FaceSource> faces =
+        options_.faces.empty() ? DetectedFaces(options_.detect_every) : ListedFaces(options_.faces);
+    ChooseRange();
+    Y4mWriter writer(options_.out, reader_.header());
+    const double start = Now();
+    {
+      Progress progress(reader_.FrameCount());
+      while (reader_.Read(input_)) {
+        const ClipFrame& processed = Process(faces->Next(Luma()));
+        writer.Write(reader_.frame_line(), processed);
+        progress.Show(++frames_);
+      }
+      writer.Finish();
+    }
+    if (const std::string remark = faces->Remark(); !remark.empty()) Note(remark);
+    for (const std::string& note : notes_) Complain(note);
+    if (options_.json) Tell((Now() - start) / 1000);
+    return ExitCode::Done;
+  }
+
+ private:
+  void Note(const std::string& note) { notes_.push_back(note); }
+
+  /// Slimming moves samples and does not care what they mean; whitening does.
+  void ChooseRange() {
+    if (!Whitens(look_)) return;
+    if (options_.range == "auto") {
+      limited_ = !reader_.header().full_range.value_or(false);
+      if (!reader_.header().full_range) {
+        Note(options_.in + ": does not say its colour range; taken as limited (see --range)");
+      }
+    } else {
+      limited_ = options_.range == "limited";
+    }
+  }
+
+  cv::Mat Luma() {
+    const FrameView view = input_.MutableView();
+    return {view.height, view.width, CV_8U, view.planes[0], static_cast<size_t>(view.strides[0])};
+  }
+
+  /// The frame that goes into the file.
+  const ClipFrame& Process(const std::vector<Face>& faces) {
+    if (!faces.empty()) ++frames_with_faces_;
+    if (!limited_) {
+      Engage(input_, output_, faces);
+      return output_;
+    }
+    StretchToFull(input_, stretched_);
+    Engage(stretched_, output_, faces);
+    MergeFromFull(stretched_, output_, input_);
+    return input_;
+  }
+
+  void Engage(const ClipFrame& in, ClipFrame& out, const std::vector<Face>& faces) {
+    Report report;
+    ThrowUnlessOk(engine_.pipeline().Process(in.View(), out.MutableView(), faces, look_, &report,
+                                             {Chain::Preview}));
+    engine_ms_ += report.engine_ms;
+    faces_ += report.faces;
+    if (report.faces > 0) buffer_kind_ = report.buffer_kind;
+  }
+
+  void Tell(double seconds) const {
+    const cv::Size size = reader_.header().size;
+    const auto count = static_cast<double>(frames_);
+    PrintReport({{"input", options_.in},
+                 {"output", options_.out},
+                 {"width", size.width},
+                 {"height", size.height},
+                 {"look", LookJson(look_)},
+                 {"range", limited_ ? "limited" : "full"},
+                 {"frames", frames_},
+                 {"frames_with_faces", frames_with_faces_},
+                 {"faces", faces_},
+                 {"chain", faces_ > 0 ? "preview" : "none"},
+                 {"buffer", buffer_kind_},
+                 {"seconds", seconds},
+                 {"frames_per_second", seconds > 0 ? count / seconds : 0},
+                 {"engine_ms_per_frame", frames_ > 0 ? engine_ms_ / count : 0},
+                 {"peak_memory_mib", PeakMemory()},
+                 {"notes", notes_}});
+  }
+
+  const VideoOptions& options_;
+  Look look_;
+  Y4mReader reader_;
+  ClipFrame input_, output_;
+  ClipFrame stretched_;  // the input in full range, for clips of limited range
+  Engine engine_;
+  bool limited_ = false;
+  std::vector<std::string> notes_;
+  int64_t frames_ = 0, frames_with_faces_ = 0, faces_ = 0;
+  double engine_ms_ = 0;
+  std::string buffer_kind_;
+};
+
+constexpr char kVideoFormats[] =
+    "Clips are Y4M: 8-bit 4:2:0 of any chroma position, or mono, which stays mono. Their headers\n"
+    "are handed on as they are. To and from other formats:\n"
+    "  ffmpeg -i clip.mp4 -pix_fmt yuv420p -f yuv4mpegpipe - | lumora video - -o - |\n"
+    "    ffmpeg -i - retouched.mp4\n\n"
+    "FILE.jsonl has one line a frame, each {\"faces\": [...]} as for photo (lumora photo --help);\n"
+    "an empty line is a frame without faces.";
+
+}  // namespace
+
+void AddVideo(CLI::App& program, Action* action) {
+  CLI::App* command = program.add_subcommand("video", "Retouch the faces in a Y4M clip");
+  auto options = std::make_shared<VideoOptions>();
+  command->add_option("IN", options->in, "clip to read; - is standard input")->required();
+  command->add_option("-o,--output", options->out, "clip to write; - is standard output")
+      ->required();
+  options->look.AddTo(*command);
+  command->add_option("--faces", options->faces,
+                      "FILE.jsonl: take the faces from there instead of looking for them");
+  command
+      ->add_option("--detect-every", options->detect_every,
+                   "look for faces in every n-th frame and follow them in between")
+      ->check(CLI::Range(1, 1000))
+      ->capture_default_str();
+  command
+      ->add_option("--range", options->range,
+                   "range of the samples: full, limited, or auto (as the clip says, else limited)")
+      ->check(CLI::IsMember({"auto", "full", "limited"}))
+      ->capture_default_str();
+  command->add_flag("--json", options->json, "print a report for machines on standard output");
+  command->footer(std::string(kVideoFormats) + "\n\n" + kExitCodes);
+  command->callback([options, action] {
+    *action = [options] {
+      CheckNames(*options);
+      return Video(*options).Run();
+    };
+  });
+}
+
+}  // namespace lumora::tools

@@ -1,0 +1,60 @@
+#include "tools/lumora/picture/picture_edit.h"
+
+#include <unistd.h>
+
+#include <set>
+
+#include "tools/lumora/picture/metadata.h"
+#include "tools/lumora/support/failure.h"
+#include "tools/lumora/support/talk.h"
+
+namespace lumora::tools {
+
+void CheckPictureOutputs(const std::vector<std::string>& paths, bool report) {
+  std::set<std::string> outputs;
+  for (const std::string& path : paths) {
+    if (path.empty()) continue;
+    if (!outputs.insert(path).second) {
+      throw Failure(ExitCode::Usage, path + ": two results cannot have the same name");
+    }
+    if (path == kStandardStream) {
+      if (report) throw Failure(ExitCode::Usage, "--json needs standard output for itself");
+      if (isatty(STDOUT_FILENO) != 0) {
+        throw Failure(ExitCode::Usage, "a picture cannot be shown on a terminal; redirect it");
+      }
+    } else {
+      FormatOfName(path);
+    }
+  }
+  for (const std::string& path : outputs) CheckWritable(path);
+}
+
+PictureEdit::PictureEdit(const std::string& path)
+    : path_(path),
+      file_(ReadWhole(path)),
+      input_(DecodePicture(file_, path == kStandardStream ? "standard input" : path)) {}
+
+void PictureEdit::TellNotes() const {
+  for (const std::string& note : input_.notes) Complain(path_ + ": " + note);
+}
+
+void PictureEdit::Merge(const Frame420& before, const Frame420& after) {
+  input_.picture->Merge(before, after);
+  changed_ = true;
+}
+
+FileFormat PictureEdit::FormatFor(const std::string& path) const {
+  return path == kStandardStream ? input_.format : FormatOfName(path);
+}
+
+Bytes PictureEdit::Encode(const std::string& path) {
+  const FileFormat format = FormatFor(path);
+  const bool as_it_was = !changed_ && format == input_.format && input_.orientation == 1;
+  if (as_it_was) return file_;
+  Bytes result = input_.picture->Encode(format);
+  const std::string problem = CopyMetadata(file_, input_.picture->size(), result);
+  if (!problem.empty()) Note(problem);
+  return result;
+}
+
+}  // namespace lumora::tools

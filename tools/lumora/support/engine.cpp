@@ -1,0 +1,26 @@
+#include "tools/lumora/support/engine.h"
+
+#include "tools/lumora/support/failure.h"
+
+namespace lumora::tools {
+
+Engine::Engine() {
+  Status status;
+  pipeline_ = Pipeline::Create(&status);
+  ThrowUnlessOk(status);
+}
+
+Frame420 Engine::Process(const Frame420& frame, const std::vector<Face>& faces, const Look& look,
+                         Report* report, Chain chain) {
+  return Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
+    return pipeline.Process(in, out, faces, look, report, {chain});
+  });
+}
+
+Frame420 Engine::Run(const Frame420& frame, const Work& work) {
+  Frame420 result = frame.Clone();
+  ThrowUnlessOk(work(*pipeline_, frame.View(), result.MutableView()));
+  return result;
+}
+
+}  // namespace lumora::tools

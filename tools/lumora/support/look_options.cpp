@@ -1,0 +1,98 @@
+#include "tools/lumora/support/look_options.h"
+
+#include <map>
+#include <vector>
+
+#include "tools/lumora/support/failure.h"
+
+namespace lumora::tools {
+namespace {
+
+const std::map<std::string, Effect> kEffects = {{"auto", Effect::Auto},
+                                                {"intensity", Effect::Intensity},
+                                                {"saturation", Effect::Saturation},
+                                                {"both", Effect::Both},
+                                                {"mask", Effect::Mask}};
+const std::map<std::string, Chain> kChains = {
+    {"auto", Chain::Auto}, {"preview", Chain::Preview}, {"capture", Chain::Capture}};
+
+template <typename Value>
+std::string NameOf(const std::map<std::string, Value>& names, Value value) {
+  for (const auto& [name, named] : names) {
+    if (named == value) return name;
+  }
+  return {};
+}
+
+/// An option that takes one of the names, and shows them instead of their numbers.
+template <typename Value>
+void AddChoice(CLI::App& command, const std::string& option, Value* value,
+               const std::map<std::string, Value>& names, const std::string& help) {
+  std::vector<std::string> words;
+  for (const auto& entry : names) words.push_back(entry.first);
+  command
+      .add_option_function<std::string>(
+          option, [value, &names](const std::string& word) { *value = names.at(word); }, help)
+      ->check(CLI::IsMember(words))
+      ->default_str(NameOf(names, *value));
+}
+
+Look Preset(const std::string& name) {
+  const std::optional<Look> look = FindPreset(name);
+  if (!look) throw Failure(ExitCode::Usage, "there is no preset \"" + name + "\"");
+  return *look;
+}
+
+}  // namespace
+
+void LookOptions::AddTo(CLI::App& command) {
+  const auto scale = [&command](const char* name, std::optional<int>* value, const char* help) {
+    command.add_option(name, *value, help)->check(CLI::Range(0, 100));
+  };
+  scale("--slim", &slim_, "how much cheeks and chin are narrowed, 0 (exactly off) to 100");
+  scale("--whiten", &whiten_, "how much the skin is brightened, 0 (exactly off) to 100");
+  scale("--saturate", &saturate_, "how much richer its colour gets, 0 (exactly off) to 100");
+  AddChoice(command, "--effect", &effect_, kEffects,
+            "parts of whitening to apply; mask: every pass is drawn, and nothing is shifted");
+  std::string presets = "a look with a name:";
+  std::vector<std::string> names;
+  for (const lumora::Preset& preset : Presets()) {
+    const Look& look = preset.look;
+    names.emplace_back(preset.name);
+    presets += std::string("\n  ") + preset.name + ": " + preset.description + " (" +
+               std::to_string(look.slim) + ", " + std::to_string(look.whiten) + ", " +
+               std::to_string(look.saturate) + ")";
+  }
+  presets += "\nScales that are given replace the preset's. Without a preset and a scale: ";
+  command.add_option("--preset", preset_, presets + kUsualPreset)->check(CLI::IsMember(names));
+}
+
+Look LookOptions::Chosen() const {
+  const bool named = slim_ || whiten_ || saturate_;
+  Look look;
+  if (!preset_.empty()) {
+    look = Preset(preset_);
+  } else if (!named) {
+    look = Preset(kUsualPreset);
+  }
+  look.slim = slim_.value_or(look.slim);
+  look.whiten = whiten_.value_or(look.whiten);
+  look.saturate = saturate_.value_or(look.saturate);
+  if (effect_ != Effect::Auto) look.effect = effect_;
+  return look;
+}
+
+nlohmann::ordered_json LookJson(const Look& look) {
+  return {{"slim", look.slim},
+          {"whiten", look.whiten},
+          {"saturate", look.saturate},
+          {"effect", NameOf(kEffects, look.effect)}};
+}
+
+void AddChain(CLI::App& command, Chain* chain) {
+  AddChoice(command, "--chain", chain, kChains,
+            "way through the engine: preview (the whole picture at once), capture (only the blocks "
+            "around faces), auto (preview up to 1280 pixels across)");
+}
+
+}  // namespace lumora::tools

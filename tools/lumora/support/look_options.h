@@ -1,0 +1,39 @@
+// The options that say how faces are to look, the same in every command.
+#ifndef LUMORA_TOOLS_SUPPORT_LOOK_OPTIONS_H_
+#define LUMORA_TOOLS_SUPPORT_LOOK_OPTIONS_H_
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "pipeline/pipeline.h"
+
+namespace lumora::tools {
+
+/// What was given on the command line. Without any of the scales and without a preset the look is
+/// that of kUsualPreset; otherwise scales that are not named are those of the preset, or 0.
+class LookOptions {
+ public:
+  static constexpr char kUsualPreset[] = "natural";
+
+  /// Adds --slim, --whiten, --saturate, --effect and --preset; the object must outlive parsing.
+  void AddTo(CLI::App& command);
+
+  Look Chosen() const;
+
+ private:
+  std::optional<int> slim_, whiten_, saturate_;
+  Effect effect_ = Effect::Auto;
+  std::string preset_;
+};
+
+/// For reports.
+nlohmann::ordered_json LookJson(const Look& look);
+
+/// Adds --chain.
+void AddChain(CLI::App& command, Chain* chain);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_SUPPORT_LOOK_OPTIONS_H_

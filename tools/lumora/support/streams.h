@@ -1,0 +1,64 @@
+// Files in and out piece by piece. "-" is standard input or output.
+#ifndef LUMORA_TOOLS_SUPPORT_STREAMS_H_
+#define LUMORA_TOOLS_SUPPORT_STREAMS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace lumora::tools {
+
+inline constexpr char kStandardStream[] = "-";
+
+/// Both streams throw Failure, Unreadable on the way in and Failed on the way out, with a sentence
+/// that names the path.
+class InputStream {
+ public:
+  explicit InputStream(const std::string& path);
+  ~InputStream();
+  InputStream(const InputStream&) = delete;
+  InputStream& operator=(const InputStream&) = delete;
+
+  /// For messages: the path, or "standard input".
+  const std::string& name() const { return name_; }
+
+  /// Fills `bytes` as far as the stream goes. Returns how many there were: fewer than `count` only
+  /// at the end.
+  size_t Read(uint8_t* bytes, size_t count);
+
+  /// How long the whole input is, where it is a file.
+  std::optional<uint64_t> Length() const;
+
+ private:
+  std::string name_;
+  int fd_;
+};
+
+/// Output that takes the place of a file in one step: a reader sees the old content or the new one,
+/// never a part, and a process that ends early leaves nothing behind. Symbolic links are followed,
+/// and a device, a pipe or standard output is written directly.
+class OutputStream {
+ public:
+  explicit OutputStream(const std::string& path);
+  ~OutputStream();
+  OutputStream(const OutputStream&) = delete;
+  OutputStream& operator=(const OutputStream&) = delete;
+
+  void Write(const uint8_t* bytes, size_t count);
+  /// Puts the file into its place. Without this call nothing is left of it.
+  void Finish();
+
+ private:
+  class Target;
+  std::unique_ptr<Target> target_;
+};
+
+/// Throws Failure (Failed) unless a file can be written there. Leaves nothing behind; meant for the
+/// time before long work.
+void CheckWritable(const std::string& path);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_SUPPORT_STREAMS_H_
