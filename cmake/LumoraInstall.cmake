@@ -11,6 +11,9 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/LumoraConfigVersion.cmak
 install(FILES "${PROJECT_BINARY_DIR}/LumoraConfig.cmake"
   "${PROJECT_BINARY_DIR}/LumoraConfigVersion.cmake" DESTINATION "${lumora_package_directory}")
 
+file(RELATIVE_PATH lumora_pc_to_include
+  "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/${CMAKE_INSTALL_INCLUDEDIR}")
+
 function(lumora_install_pkg_config name)
   configure_file("cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
