@@ -41,13 +41,21 @@ class Stream {
   std::FILE* file_;
 };
 
+/// The master side of a new terminal, negative where the system has none to give.
+int OpenTerminal() {
+  const int master = posix_openpt(O_RDWR | O_NOCTTY);
+  if (master >= 0 && (grantpt(master) != 0 || unlockpt(master) != 0)) {
+    close(master);
+    return -1;
+  }
+  return master;
+}
+
 /// A terminal that remembers the little that is written to it.
 class Terminal {
  public:
-  Terminal() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
-    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) {
-      throw std::runtime_error("no terminal");
-    }
+  Terminal() : master_(OpenTerminal()) {
+    if (master_ < 0) throw std::runtime_error("no terminal");
     slave_ = open(ptsname(master_), O_RDWR | O_NOCTTY);
   }
   ~Terminal() { close(master_); }
@@ -72,6 +80,12 @@ class Terminal {
 };
 
 }  // namespace
+
+bool TerminalsExist() {
+  const int master = OpenTerminal();
+  if (master >= 0) close(master);
+  return master >= 0;
+}
 
 Result RunLumora(const std::vector<std::string>& arguments, const std::string& input,
                  const Environment& environment) {

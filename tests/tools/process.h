@@ -15,8 +15,11 @@ struct Result {
 
 struct Environment {
   std::vector<std::pair<std::string, std::string>> set;
-  bool terminal = false;  ///< standard error is a terminal
+  bool terminal = false;  ///< standard error is a terminal; see TerminalsExist
 };
+
+/// Whether this system gives pseudo-terminals; some containers have none.
+bool TerminalsExist();
 
 /// Runs the lumora command of this build to its end.
 Result RunLumora(const std::vector<std::string>& arguments, const std::string& input = {},

@@ -229,6 +229,7 @@ TEST_F(VideoClip, ReportTellsWhatWasDone) {
 
 TEST_F(VideoClip, ProgressIsShownOnATerminalOnly) {
   EXPECT_EQ(Run({"--faces", faces_, "--slim", "50"}, scene_.clip.Text()).err, "");
+  if (!TerminalsExist()) GTEST_SKIP() << "this system has no pseudo-terminals";
   Environment on_terminal;
   on_terminal.terminal = true;
   const Result result = RunLumora(
