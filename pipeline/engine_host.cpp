@@ -40,7 +40,7 @@ Status EngineHost::Beautify(const ConstFrameView& in, const FrameView& out,
   frame_.Load(in);
   report->upload_ms = stopwatch.Lap();
 
-  const Status status = RunEffects(faces, look, chain, report);
+  Status status = RunEffects(faces, look, chain, report);
   report->engine_ms = stopwatch.Lap();
   if (status.ok()) {
     frame_.Store(out);

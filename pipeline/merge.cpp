@@ -12,7 +12,7 @@ namespace {
 
 uint8_t Mix(uint8_t from, uint8_t to, float weight) {
   const float moved = static_cast<float>(from) + weight * static_cast<float>(to - from);
-  return static_cast<uint8_t>(moved + 0.5f);
+  return static_cast<uint8_t>(std::lround(moved));
 }
 
 /// The start of a row in both planes of a padded frame.

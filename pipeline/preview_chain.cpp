@@ -70,6 +70,7 @@ Status SlimPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
     return EngineRefused();
   }
   std::vector<FACE_INFO_t> records;
+  records.reserve(faces.size());
   for (const FaceJob& face : faces) records.push_back(face.record);
   // The engine writes the luma over its input and the chroma to its output: the frame again.
   const int done =

@@ -38,7 +38,8 @@ Ellipse EllipseOf(const fpf_point& p0, const fpf_point& p1, const fpf_point& p2,
   const fpf_point first = Middle(p0, p1);
   const fpf_point second = Middle(p2, p3);
   const auto half = [padding](const fpf_point& from, const fpf_point& to) {
-    return static_cast<float>(padding + Distance(from, to) / 2);
+    const int whole_pixels = Distance(from, to) / 2;
+    return static_cast<float>(padding + whole_pixels);
   };
   Ellipse ellipse;
   ellipse.centre = {static_cast<float>(level ? first.x : second.x),

@@ -80,7 +80,8 @@ int ClampToByte(double value) {
 /// The hue of a colour whose channels are not all equal: a sixth of a turn a step, rounded.
 int HueDegrees(int r, int g, int b, int largest, float range) {
   const auto rounded = [range](int difference, float offset) {
-    return static_cast<int>(static_cast<float>(60 * difference) / range + offset + 0.5f);
+    const float degrees = static_cast<float>(60 * difference) / range + offset;
+    return static_cast<int>(degrees + 0.5f);  // NOLINT(bugprone-incorrect-roundings): cut after 0.5
   };
   if (r == largest) return rounded(g - b, g < b ? 360.0f : 0.0f);
   if (g == largest) return rounded(b - r, 120.0f);
@@ -118,8 +119,8 @@ HsiSample SampleYuv(const unsigned char* frame, int x, int y, int stride, int he
 void EllipseMatrix(const EllipseAxes& axes, int width, int height, float matrix[9]) {
   const Crossing centre = Cross(axes.p0, axes.p1, axes.p2, axes.p3);
   const auto half_axis = [&axes](const fpf_point& from, const fpf_point& to) {
-    return static_cast<float>(axes.padding) +
-           static_cast<float>(Distance(from, to) / 2) * axes.scale;
+    const int half = Distance(from, to) / 2;  // whole pixels, before scaling
+    return static_cast<float>(axes.padding) + static_cast<float>(half) * axes.scale;
   };
   const float a = half_axis(axes.p0, axes.p1);
   const float b = half_axis(axes.p2, axes.p3);

@@ -86,11 +86,11 @@ class Demo {
     Look slim, whiten = options_.look;
     slim.slim = options_.look.slim;
     whiten.slim = 0;
-    const cv::Mat steps = TitledRow({{"as taken", tilted},
-                                     {"rectified", straight},
-                                     {"slimmed", Retouched(straight, faces, slim)},
-                                     {"whitened", Retouched(straight, faces, whiten)},
-                                     {"all together", Retouched(straight, faces, options_.look)}});
+    cv::Mat steps = TitledRow({{"as taken", tilted},
+                               {"rectified", straight},
+                               {"slimmed", Retouched(straight, faces, slim)},
+                               {"whitened", Retouched(straight, faces, whiten)},
+                               {"all together", Retouched(straight, faces, options_.look)}});
     const cv::Mat after = Retouched(drawn, faces, options_.look);
     Write(name + "-before.png", drawn);
     Write(name + "-after.png", after);

@@ -35,6 +35,7 @@ void Title(cv::Mat& sheet, const std::string& text, const cv::Rect& bar) {
 
 cv::Mat TitledRow(const std::vector<Titled>& pictures) {
   std::vector<cv::Mat> fitted;
+  fitted.reserve(pictures.size());
   for (const Titled& titled : pictures) fitted.push_back(Fitted(titled.picture));
   const cv::Size size = fitted.front().size();
   const int gap = std::clamp(size.width / 40, 4, 24);

@@ -29,6 +29,7 @@ template <typename Value>
 void AddChoice(CLI::App& command, const std::string& option, Value* value,
                const std::map<std::string, Value>& names, const std::string& help) {
   std::vector<std::string> words;
+  words.reserve(names.size());
   for (const auto& entry : names) words.push_back(entry.first);
   command
       .add_option_function<std::string>(
