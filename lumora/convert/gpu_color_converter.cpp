@@ -8,6 +8,7 @@
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/row_sizes.h"
+#include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/shader_texts.h"
 
@@ -88,10 +89,7 @@ SEGLImage* GPUColorConverter::MakeImage(int width, int height, GLint wrap) {
   auto* image = new (std::nothrow) SEGLImage(1);
   if (image == nullptr) return nullptr;
   image->Create(width, height, 1);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, wrap);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, wrap);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+  lumora::SetWrapAndFilter(wrap, GL_LINEAR);
   return image;
 }
 

@@ -24,12 +24,16 @@ int GPUBeautyFace::RunPass(const Pass& pass) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, pass.filter);
     checkGlError("glTexParameteri MAG- Y");
   }
-  pass.program->Use();
-  pass.program->SetVertexCoord(4, pass.positions);
   if (!pass.keep_coordinates) lumora::quad::ResetTextureCoordinates();
-  pass.program->SetTextureCoord(2, lumora::quad::TextureCoordinates());
-  pass.program->Draw();
+  DrawQuad(*pass.program, pass.positions);
   return 1;
+}
+
+void DrawQuad(GLProgram& program, const float* positions) {
+  program.Use();
+  program.SetVertexCoord(4, positions);
+  program.SetTextureCoord(2, lumora::quad::TextureCoordinates());
+  program.Draw();
 }
 
 }  // namespace android

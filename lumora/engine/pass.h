@@ -25,6 +25,10 @@ struct GPUBeautyFace::Pass {
   bool keep_coordinates = false;
 };
 
+/// The end of every pass, once its inputs, target and viewport are set: makes the program current
+/// and draws the quad at those positions and at the texture coordinates of the moment.
+void DrawQuad(GLProgram& program, const float* positions);
+
 }  // namespace android
 
 #endif  // LUMORA_ENGINE_PASS_H_

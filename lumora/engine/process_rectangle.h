@@ -39,6 +39,11 @@ bool ForEachBlock(const BlockRange& range, int block_width, int block_height, Vi
   return true;
 }
 
+/// A number as an int: beyond its range the nearest one that it has.
+inline int ClampToInt(int64_t value) {
+  return static_cast<int>(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
+}
+
 /// How many faces have a record in the engine.
 constexpr int kMaxFaceRecords = 10;
 

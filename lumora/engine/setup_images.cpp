@@ -5,12 +5,14 @@
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/offscreen_context.h"
+#include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
 
 namespace android {
 namespace {
 
 using lumora::RoundUpTo32;
+using lumora::SetWrapAndFilter;
 
 constexpr unsigned char kBuffered = 1;
 constexpr unsigned char kPlain = 0;
@@ -18,13 +20,6 @@ constexpr unsigned char kPlain = 0;
 constexpr char kCheckRgb[] = "InitTexture - after RGB SetColorAttachment";
 constexpr char kCheckYyyy[] = "InitTexture - after YYYY SetColorAttachment";
 constexpr char kCheckUvuv[] = "InitTexture - after UVUV SetColorAttachment";
-
-void SetWrapAndFilter(GLint wrap, GLint filter) {
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, wrap);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, wrap);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-}
 
 /// A plain texture of one plane of a capture. Rows of the plane are tightly packed bytes.
 GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) {

@@ -4,10 +4,10 @@
 
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/pass.h"
 #include "lumora/engine/process_rectangle.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
-#include "lumora/gl/quad.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/cheek_slimmer_programs.h"
 
@@ -50,11 +50,8 @@ int GPUBeautyFace::DrawFaceDistLarge() {
   program->m_fvScale[1] = static_cast<float>(m_nSrcHeight) / static_cast<float>(m_nFullHeight);
   glBindFramebuffer(GL_FRAMEBUFFER, m_hWorkFbo[0]);
   glViewport(0, 0, m_nAlignedWidth, m_nAlignedHeight);
-  program->Use();
-  program->SetVertexCoord(4, lumora::quad::kPositions);
   lumora::quad::ResetTextureCoordinates();
-  program->SetTextureCoord(2, lumora::quad::TextureCoordinates());
-  program->Draw();
+  DrawQuad(*program, lumora::quad::kPositions);
   return 1;
 }
 

@@ -4,6 +4,7 @@
 
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/pass.h"
+#include "lumora/engine/process_rectangle.h"
 #include "lumora/engine/whitening_parameters.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
@@ -34,10 +35,6 @@ EffectRule RuleOf(BEAUTYSHOT_EFFECT_t effect) {
       return {false, false, 1.1f};
   }
   return {false, false, 1.0f};
-}
-
-int ToMember(int64_t value) {
-  return static_cast<int>(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
 }
 
 }  // namespace
@@ -81,11 +78,11 @@ int GPUBeautyFace::SetFaceWhiteningParameters(FACE_INFO_t face, int nIntensityLe
     return 0;
   }
   const lumora::FaceGeometry geometry = lumora::MeasureFace(face);
-  m_nFaceWhiteRadius = ToMember(geometry.radius);
-  m_nFaceWhiteHalfWidth = ToMember(geometry.half_width);
-  m_nFaceWhiteHalfHeight = ToMember(geometry.half_height);
-  m_nFaceWhiteCenterX = ToMember(geometry.centre_x);
-  m_nFaceWhiteCenterY = ToMember(geometry.centre_y);
+  m_nFaceWhiteRadius = lumora::ClampToInt(geometry.radius);
+  m_nFaceWhiteHalfWidth = lumora::ClampToInt(geometry.half_width);
+  m_nFaceWhiteHalfHeight = lumora::ClampToInt(geometry.half_height);
+  m_nFaceWhiteCenterX = lumora::ClampToInt(geometry.centre_x);
+  m_nFaceWhiteCenterY = lumora::ClampToInt(geometry.centre_y);
 
   const lumora::WhiteningShifts shifts = lumora::ComputeShifts(
       SampleFace(geometry, bCpuSource ? pSrcYUV : nullptr), nIntensityLevel, nSaturationLevel);

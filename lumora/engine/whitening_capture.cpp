@@ -6,12 +6,12 @@
 #include "lumora/convert/sp2yuvxs.h"
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/pass.h"
 #include "lumora/engine/process_rectangle.h"
 #include "lumora/engine/whitening_parameters.h"
 #include "lumora/engine/whole_frame_store.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
-#include "lumora/gl/quad.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/face_whitening_programs.h"
 
@@ -31,10 +31,7 @@ BlockSpan SpanAround(int centre, int half, int block) {
   const double blocks =
       std::ceil(static_cast<double>(static_cast<float>(half) / static_cast<float>(block)) + 0.5);
   const auto reach = static_cast<int64_t>(blocks) * block;
-  const auto to_int = [](int64_t value) {
-    return static_cast<int>(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
-  };
-  return {to_int(centre - reach), to_int(2 * reach)};
+  return {lumora::ClampToInt(centre - reach), lumora::ClampToInt(2 * reach)};
 }
 
 /// Whether a block corner lies strictly inside the rectangle in both directions. A block that
@@ -61,11 +58,8 @@ int GPUBeautyFace::DrawFaceWhiteLarge(bool bUsePrev) {
   program.SetTextures(0, static_cast<int>(m_pWorkImage[0]->m_hTexture));
   program.SetTextures(1, static_cast<int>(previous->m_hTexture));
   glBindFramebuffer(GL_FRAMEBUFFER, m_hWorkFbo[2]);
-  program.Use();
-  program.SetVertexCoord(4, lumora::quad::kPositions);
   lumora::quad::ResetTextureCoordinates();
-  program.SetTextureCoord(2, lumora::quad::TextureCoordinates());
-  program.Draw();
+  DrawQuad(program, lumora::quad::kPositions);
   return 1;
 }
 
