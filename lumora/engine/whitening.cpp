@@ -175,7 +175,7 @@ int GPUBeautyFace::DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensi
     }
   }
   // Two work images in turn; without a face this names the input image.
-  m_nResultIdx = 2 - (nFaces - 1) % 2;
+  m_nResultIdx = static_cast<int>(2 - (int64_t{nFaces} - 1) % 2);
   if (SEGLImage* result = ImageAt(m_nResultIdx)) result->Unlock();
   glFlush();
   glFinish();
