@@ -85,6 +85,7 @@ TEST(FacesJson, EveryMistakeIsNamedWithItsPlace) {
        "f.json: faces[0].eyes[1][1]: expected a number"},
       {R"({"faces": [{"eyes": [[50,50],[90,1e300]]}]})",
        "f.json: faces[0].eyes[1][1]: the number is out of range"},
+      {R"({"faces": [{"eyes": [[50,50],[90,1e400]]}]})", "f.json: a number is out of range"},
       {R"({"faces": [{"eyes": [[50,50],[50,51]]}]})",
        "f.json: faces[0].eyes: the eyes are less than 2 pixels apart"},
       {R"({"faces": [{"eyes": [[5000,50],[5090,50]]}]})",

@@ -120,6 +120,8 @@ std::vector<Face> ParseFaces(const std::string& text, const std::string& name, c
   } catch (const Json::parse_error& error) {
     throw Failure(ExitCode::Unreadable,
                   name + ": not JSON (at byte " + std::to_string(error.byte) + ")");
+  } catch (const Json::out_of_range&) {
+    throw Failure(ExitCode::Unreadable, name + ": a number is out of range");
   }
   const Value root(json, name);
   if (!root.Has("faces")) root.Reject(R"(expected {"faces": [...]})");
