@@ -103,6 +103,15 @@ TEST(JpegPlanes, BlocksWithoutAChangeKeepTheirCoefficients) {
   }
 }
 
+TEST(JpegPlanes, AQuantisationStepOfZeroIsRefused) {
+  Bytes file = JpegOf(PortraitOf(64, 48).picture, {2, 2});
+  const Bytes marker = {0xFF, 0xDB};
+  const auto table = std::search(file.begin(), file.end(), marker.begin(), marker.end());
+  ASSERT_NE(table, file.end());
+  *(table + 5) = 0;  // behind the marker, its length and the table's number
+  EXPECT_THROW(tools::ReadJpegLayout(file), tools::JpegError);
+}
+
 TEST(Picture, MergingAnUnchangedFrameChangesNothing) {
   const cv::Mat portrait = PortraitOf(203, 151).picture;
   cv::Mat gray, rgba;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -60,6 +61,16 @@ void Guarded(ErrorHandler& handler, const Calls& calls) {
   calls();
 }
 
+/// Whether a quantisation step is 0: no encoder makes one, and those that are given it divide by
+/// it.
+bool HasStepOfZero(const jpeg_decompress_struct& info) {
+  return std::any_of(
+      std::begin(info.quant_tbl_ptrs), std::end(info.quant_tbl_ptrs), [](const JQUANT_TBL* table) {
+        return table != nullptr &&
+               std::count(std::begin(table->quantval), std::end(table->quantval), 0) > 0;
+      });
+}
+
 class Decoder {
  public:
   // Delegates, so that a header that cannot be read still gets to the destructor.
@@ -68,6 +79,7 @@ class Decoder {
       jpeg_mem_src(&info, file.data(), static_cast<unsigned long>(file.size()));
       jpeg_read_header(&info, TRUE);
     });
+    if (HasStepOfZero(info)) throw JpegError("The quantisation table has a step of 0");
   }
   ~Decoder() { jpeg_destroy_decompress(&info); }
   Decoder(const Decoder&) = delete;
