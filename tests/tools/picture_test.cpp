@@ -171,6 +171,12 @@ TEST(PngChunks, TextCanBeLeftOutAndCopiedAndTheEndIsNeeded) {
   // ... and it finds its way into another file, at the same place.
   EXPECT_EQ(tools::WithChunksOf(with_text, file), with_text);
   EXPECT_EQ(tools::EssentialPng(file).value_or(Bytes{}), file);
+  // What lies behind the end is nothing, even if it looks like a chunk.
+  Bytes with_tail = file;
+  const Bytes tail = {0x7F, 0xFF, 0xFF, 0xFF, 't', 'E', 'X', 't', 1, 2, 3, 4};
+  with_tail.insert(with_tail.end(), tail.begin(), tail.end());
+  EXPECT_EQ(tools::EssentialPng(with_tail).value_or(Bytes{}), file);
+  EXPECT_EQ(tools::WithChunksOf(with_tail, file), file);
   for (size_t size = 8; size < file.size(); size += 7) {
     EXPECT_FALSE(tools::EssentialPng(Bytes(file.begin(), file.begin() + static_cast<long>(size))));
   }

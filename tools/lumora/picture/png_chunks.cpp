@@ -76,6 +76,7 @@ Bytes WithChunksOf(const Bytes& from, const Bytes& to) {
   for (size_t at = kSignature.size(); at + kChunkHead + kChunkTail <= from.size();) {
     const size_t whole = kChunkHead + BigEndian(from, at) + kChunkTail;
     const uint8_t* chunk = &from[at];
+    if (std::memcmp(chunk + 4, "IEND", 4) == 0) break;  // whatever follows is no chunk
     const bool kept = std::any_of(std::begin(kKept), std::end(kKept), [chunk](const char* type) {
       return std::memcmp(chunk + 4, type, 4) == 0;
     });
