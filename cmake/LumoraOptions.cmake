@@ -10,6 +10,7 @@ set(LUMORA_PLATFORM ${lumora_default_platform} CACHE STRING "Body of the platfor
 option(LUMORA_BUILD_PIPELINE "Build libLumoraPipeline, the friendly front" ON)
 option(LUMORA_BUILD_TOOLS "Build the lumora command" ON)
 option(LUMORA_BUILD_TESTS "Build the tests" ON)
+option(LUMORA_BUILD_FUZZERS "Build the fuzz targets as libFuzzer programs, not as tests" OFF)
 option(LUMORA_WERROR "Treat warnings as errors" OFF)
 set(LUMORA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
 
@@ -36,6 +37,14 @@ add_library(lumora_warnings INTERFACE)
 target_compile_options(lumora_warnings INTERFACE -Wall -Wextra -Wshadow -Wconversion)
 if(LUMORA_WERROR)
   target_compile_options(lumora_warnings INTERFACE -Werror)
+endif()
+
+if(LUMORA_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    message(FATAL_ERROR "LUMORA_BUILD_FUZZERS needs clang: libFuzzer is part of it")
+  endif()
+  # Coverage of all code; the fuzzer itself is linked with the targets alone.
+  set(LUMORA_SANITIZE "fuzzer-no-link,address,undefined")
 endif()
 
 if(LUMORA_SANITIZE)

@@ -1,0 +1,64 @@
+// Picture files before and around their decoders: PNG chunks, JPEG planes and blocks.
+#include <cstdint>
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "fuzz/support/require.h"
+#include "tools/lumora/picture/jpeg_planes.h"
+#include "tools/lumora/picture/png_chunks.h"
+
+using lumora::fuzz::Require;
+using lumora::tools::Bytes;
+namespace tools = lumora::tools;
+
+namespace {
+
+void Png(const Bytes& file) {
+  const cv::Size size = tools::PngSize(file);
+  Require(size.width >= 0 && size.height >= 0, "sides are not negative");
+  const auto essential = tools::EssentialPng(file);
+  if (!essential) return;
+  Require(tools::EssentialPng(*essential) == essential, "what is essential remains so");
+  constexpr size_t kSignatureAndHeader = 8 + 25;
+  if (essential->size() < kSignatureAndHeader) return;  // only whole pictures reach the rest
+  const Bytes with = tools::WithChunksOf(file, *essential);
+  Require(with.size() >= essential->size(), "chunks are added");
+  tools::WithProfile(file.data(), file.size(), *essential);
+}
+
+void Jpeg(const Bytes& file) {
+  const tools::JpegLayout layout = tools::ReadJpegLayout(file);
+  if (!layout.planar || int64_t{layout.size.width} * layout.size.height > 1 << 16) return;
+  const std::vector<cv::Mat> planes = tools::ReadJpegPlanes(file);
+  Require(planes.size() == layout.areas.size(), "there is a plane an area");
+  Require(planes[0].size() == layout.size, "luma has the size of the picture");
+  std::vector<cv::Mat> turned(planes.size());
+  for (size_t i = 0; i < planes.size(); ++i) cv::transpose(planes[i], turned[i]);
+  tools::WriteJpegPlanes(turned, file, true);
+  const Bytes recoded = tools::WriteJpegPlanes(planes, file, false);
+  std::vector<cv::Mat> unchanged;
+  for (const cv::Mat& plane : planes) {
+    unchanged.push_back(cv::Mat::zeros(plane.size(), CV_8UC1));
+  }
+  const Bytes same = tools::ReplaceJpegBlocks(file, recoded, unchanged);
+  const std::vector<cv::Mat> again = tools::ReadJpegPlanes(same);
+  for (size_t i = 0; i < planes.size(); ++i) {
+    Require(cv::norm(planes[i], again.at(i), cv::NORM_INF) == 0, "no block changes unasked");
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const Bytes file(data, data + size);
+  if (tools::StartsLikePng(file)) {
+    Png(file);
+    return 0;
+  }
+  try {
+    Jpeg(file);
+  } catch (const tools::JpegError&) {
+    // A file that is no whole JPEG is refused.
+  }
+  return 0;
+}

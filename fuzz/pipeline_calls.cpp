@@ -1,0 +1,168 @@
+// Faces, looks and frame views of any kind into the pipeline.
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+#include "fuzz/support/input.h"
+#include "fuzz/support/require.h"
+#include "pipeline/frame_memory.h"
+#include "pipeline/pipeline.h"
+
+namespace {
+
+using lumora::Face;
+using lumora::PointF;
+using lumora::fuzz::Input;
+using lumora::fuzz::Require;
+using lumora::test::FrameMemory;
+using lumora::test::NoiseSamples;
+using lumora::test::Samples;
+
+struct Size {
+  int width, height;
+};
+constexpr Size kSizes[] = {{64, 48}, {33, 61}, {96, 32}};
+
+/// Any number; places in the frame are likely.
+float TakeNumber(Input& input) {
+  constexpr float kExtremes[] = {0.0f,
+                                 -1.0f,
+                                 1e-30f,
+                                 1e6f,
+                                 -1e6f,
+                                 std::numeric_limits<float>::max(),
+                                 std::numeric_limits<float>::lowest(),
+                                 std::numeric_limits<float>::infinity(),
+                                 std::numeric_limits<float>::quiet_NaN()};
+  const auto kind = input.take<uint8_t>();
+  if (kind < 0x40) return kExtremes[kind % std::size(kExtremes)];
+  return kind < 0xD0 ? static_cast<float>(input.take<int16_t>()) / 64.0f : input.take<float>();
+}
+
+/// A canonical face in which some numbers stand for something else.
+Face TakeFace(Input& input) {
+  const PointF left = {TakeNumber(input), TakeNumber(input)};
+  const PointF right = {TakeNumber(input), TakeNumber(input)};
+  Face face = lumora::FaceFromEyes(left, right);
+  static_assert(std::is_trivially_copyable_v<Face> && sizeof(Face) % sizeof(float) == 0);
+  float numbers[sizeof(Face) / sizeof(float)];
+  std::memcpy(numbers, &face, sizeof(face));
+  for (int changes = input.between(0, 15); changes > 0; --changes) {
+    numbers[input.between(0, static_cast<int>(std::size(numbers)) - 1)] = TakeNumber(input);
+  }
+  std::memcpy(&face, numbers, sizeof(face));
+  return face;
+}
+
+/// Spoils one number of a view, or none.
+template <typename View>
+void Spoil(View& view, Input& input) {
+  const size_t plane = input.take<uint8_t>() % 3;
+  switch (input.between(0, 15)) {
+    case 0:
+      view.width = input.any_int();
+      break;
+    case 1:
+      view.height = input.any_int();
+      break;
+    case 2:
+      view.planes[plane] = nullptr;
+      break;
+    case 3: {
+      // A stride between too small and too large only lies about the memory.
+      const auto stride = input.take<int64_t>();
+      const bool wrong = stride < view.strides[plane] || stride > std::numeric_limits<int>::max();
+      if (wrong) view.strides[plane] = static_cast<std::ptrdiff_t>(stride);
+      break;
+    }
+    case 4:
+      view.format = static_cast<lumora::PixelFormat>(input.any_int());
+      break;
+    default:
+      break;
+  }
+}
+
+lumora::Pipeline& ThePipeline() {
+  static lumora::Pipeline& pipeline = []() -> lumora::Pipeline& {
+    lumora::Status status;
+    auto made = lumora::Pipeline::Create(&status);
+    Require(made != nullptr, "there is a pipeline");
+    return *made.release();  // outlives the driver's own end
+  }();
+  return pipeline;
+}
+
+lumora::Status Call(const lumora::ConstFrameView& in, const lumora::FrameView& out, Input& input) {
+  std::vector<Face> faces;
+  for (int i = input.between(0, 4); i > 0; --i) faces.push_back(TakeFace(input));
+  lumora::Report report;
+  switch (input.between(0, 9)) {
+    case 0:
+      return ThePipeline().Rectify(in, out, input.any_int(), &report);
+    case 1: {
+      lumora::LensCoefficients lens;
+      for (float* k : {&lens.k0, &lens.k1, &lens.k2, &lens.k3}) *k = TakeNumber(input);
+      return ThePipeline().RectifyRadial(in, out, lens, &report);
+    }
+    default: {
+      const auto scale = [&input] {
+        return input.between(0, 7) == 0 ? input.any_int() : input.between(0, 100);
+      };
+      lumora::Look look{scale(), scale(), scale(), lumora::Effect::Auto};
+      look.effect = static_cast<lumora::Effect>(input.between(-1, 5));
+      lumora::ProcessOptions options;
+      options.chain = static_cast<lumora::Chain>(input.between(0, 2));
+      return ThePipeline().Process(in, out, faces, look, &report, options);
+    }
+  }
+}
+
+/// A clean frame with a clean face.
+Samples CleanResult(const Size& size) {
+  FrameMemory in(lumora::PixelFormat::I420, size.width, size.height);
+  FrameMemory out(lumora::PixelFormat::NV21, size.width, size.height);
+  in.Fill(NoiseSamples(size.width, size.height));
+  const auto middle = static_cast<float>(size.width) / 2,
+             eyes = static_cast<float>(size.height) / 3;
+  const Face face = lumora::FaceFromEyes({middle - 5, eyes}, {middle + 5, eyes});
+  Require(ThePipeline().Process(in.const_view(), out.view(), {face}, {50, 50, 20}).ok(),
+          "a clean frame is processed");
+  return out.Read();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static const Samples clean[] = {CleanResult(kSizes[0]), CleanResult(kSizes[1]),
+                                  CleanResult(kSizes[2])};
+  Input input(data, size);
+  const size_t which = input.take<uint8_t>() % std::size(kSizes);
+  const auto [width, height] = kSizes[which];
+  // Braces, which are evaluated in their order.
+  FrameMemory in{input.pick(lumora::test::kAllFormats), width, height, input.between(0, 9)};
+  FrameMemory out{input.pick(lumora::test::kAllFormats), width, height, input.between(0, 9)};
+  in.Fill(NoiseSamples(width, height));
+  const auto in_before = in.Everything(), out_before = out.Everything();
+
+  lumora::ConstFrameView in_view = in.const_view();
+  lumora::FrameView out_view = out.view();
+  // Only one view: a size that both agree on would be a lie that nobody can notice.
+  if (input.flag()) {
+    Spoil(in_view, input);
+  } else {
+    Spoil(out_view, input);
+  }
+  const lumora::Status status = Call(in_view, out_view, input);
+  Require(in.Everything() == in_before, "the input is only read");
+  Require(out.GuardsIntact(), "nothing between and around the rows is written");
+  if (!status.ok()) {
+    Require(out.Everything() == out_before, "a failure leaves the output as it was");
+    Require(!status.message.empty(), "a failure has a sentence");
+  }
+  if (input.between(0, 3) == 0) {
+    Require(CleanResult(kSizes[which]) == clean[which], "a clean frame gives what it always gave");
+  }
+  return 0;
+}
