@@ -13,27 +13,11 @@
 #include "lumora/gl/segl_image.h"
 #include "support/guarded_buffer.h"
 #include "support/log_capture.h"
+#include "support/meant_leaks.h"
 #include "support/scoped.h"
-
-// Present when a leak checker runs.
-extern "C" {
-void __lsan_disable() __attribute__((weak));
-void __lsan_enable() __attribute__((weak));
-}
 
 namespace lumora::test {
 namespace {
-
-/// What is left to nobody on purpose is no leak.
-class MeantLeaks {
- public:
-  MeantLeaks() {
-    if (__lsan_disable != nullptr) __lsan_disable();
-  }
-  ~MeantLeaks() {
-    if (__lsan_enable != nullptr) __lsan_enable();
-  }
-};
 
 constexpr char kTag[] = "EGLImageTest";
 constexpr unsigned short kFill = 0x6666;  // what guarded memory holds

@@ -6,27 +6,11 @@
 
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
+#include "support/meant_leaks.h"
 #include "support/pictures.h"
-
-// Leak checkers bring these; other builds lack them.
-extern "C" {
-void __lsan_disable() __attribute__((weak));
-void __lsan_enable() __attribute__((weak));
-}
 
 namespace lumora::test {
 namespace {
-
-// Replacement planes are left to nobody, on purpose.
-class LeaksOnPurpose {
- public:
-  LeaksOnPurpose() {
-    if (__lsan_disable != nullptr) __lsan_disable();
-  }
-  ~LeaksOnPurpose() {
-    if (__lsan_enable != nullptr) __lsan_enable();
-  }
-};
 
 void ExpectFrame(GPUBeautyFace& engine, int width, int height) {
   engine.Init(width, height, width, height, nullptr, false);
@@ -42,7 +26,7 @@ void ExpectFrame(GPUBeautyFace& engine, int width, int height) {
   CallerPlanes only_luma(width, height);
   CallerPlanes only_chroma(width, height);
   {
-    const LeaksOnPurpose scope;
+    const MeantLeaks left_to_nobody;
     EXPECT_EQ(1, engine.MemcpyYUV(only_luma.luma(), nullptr));
     EXPECT_EQ(1, engine.MemcpyYUV(nullptr, only_chroma.chroma()));
     EXPECT_EQ(1, engine.MemcpyYUV(nullptr, nullptr));
