@@ -1,11 +1,14 @@
 #include "lumora/gl/cache_file.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <new>
 #include <string>
 
@@ -59,6 +62,43 @@ bool WriteAll(int fd, const void* bytes, size_t size) {
   return true;
 }
 
+/// Names of files that are still being written: hidden, after the file whose place they take, with
+/// six characters that make them unique.
+struct TemporaryName {
+  explicit TemporaryName(const char* path) {
+    const std::string whole = path;
+    const size_t slash = whole.rfind('/');
+    directory = slash == std::string::npos ? "" : whole.substr(0, slash + 1);
+    stem = "." + whole.substr(directory.size()) + ".";
+  }
+
+  std::string pattern() const { return directory + stem + kUnique; }
+  bool fits(const char* name) const {
+    return std::strlen(name) == stem.size() + std::strlen(kUnique) &&
+           std::strncmp(name, stem.c_str(), stem.size()) == 0;
+  }
+
+  static constexpr char kUnique[] = "XXXXXX";
+  std::string directory;  ///< empty or with its slash
+  std::string stem;
+};
+
+/// Removes what a process left that was killed while it wrote. Nobody takes an hour to write a
+/// file.
+void RemoveScraps(const TemporaryName& temporary) {
+  constexpr time_t kScrapAge = 3600;
+  DIR* const directory = ::opendir(temporary.directory.empty() ? "." : temporary.directory.c_str());
+  if (directory == nullptr) return;
+  while (const dirent* const entry = ::readdir(directory)) {
+    if (!temporary.fits(entry->d_name)) continue;
+    const std::string path = temporary.directory + entry->d_name;
+    struct stat status = {};
+    if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
+    if (status.st_mtime < std::time(nullptr) - kScrapAge) ::unlink(path.c_str());
+  }
+  ::closedir(directory);
+}
+
 }  // namespace
 
 ReadResult ReadCacheFile(const char* path, size_t min_size, FileBytes* bytes) {
@@ -78,7 +118,9 @@ ReadResult ReadCacheFile(const char* path, size_t min_size, FileBytes* bytes) {
 
 WriteResult WriteCacheFile(const char* path, const void* head, size_t head_size, const void* body,
                            size_t body_size) {
-  std::string temporary = std::string(path) + ".XXXXXX";
+  const TemporaryName name(path);
+  RemoveScraps(name);
+  std::string temporary = name.pattern();
   Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
   if (!file.valid()) return WriteResult::CannotOpen;
   const bool written =

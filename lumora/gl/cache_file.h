@@ -32,7 +32,9 @@ enum class WriteResult {
 };
 
 /// Writes `head` and then `body` to `path` so that a reader sees the old file or the new one, never
-/// a part: the bytes go to a file of another name in the same directory, which is then renamed.
+/// a part: the bytes go to a hidden file in the same directory, which is then renamed. Only the
+/// user can read and write it. A symbolic link at `path` is replaced, not followed. Hidden files of
+/// the same kind that are older than an hour are removed: their writers were killed.
 WriteResult WriteCacheFile(const char* path, const void* head, size_t head_size, const void* body,
                            size_t body_size);
 
