@@ -1,0 +1,249 @@
+#include "soak/gl_census.h"
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+#include <GLES2/gl2.h>
+#include <GLES2/gl2ext.h>
+#include <dlfcn.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <set>
+#include <tuple>
+
+namespace {
+
+using lumora::test::Census;
+
+/// An object: the context that it belongs to (null for what belongs to displays), kind and name.
+using Object = std::tuple<EGLContext, std::string, uintptr_t>;
+
+class Registry {
+ public:
+  void Add(EGLContext context, const char* kind, uintptr_t name) {
+    if (name == 0) return;
+    const std::lock_guard<std::mutex> guard(mutex_);
+    living_.emplace(context, kind, name);
+    ++made_[kind];
+  }
+
+  void Remove(EGLContext context, const char* kind, uintptr_t name) {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    living_.erase({context, kind, name});
+  }
+
+  void RemoveContext(EGLContext context) {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    const auto first = living_.lower_bound({context, "", 0});
+    auto end = first;
+    while (end != living_.end() && std::get<EGLContext>(*end) == context) ++end;
+    living_.erase(first, end);
+    living_.erase({nullptr, "context", reinterpret_cast<uintptr_t>(context)});
+  }
+
+  Census Living() {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    Census census;
+    for (const Object& object : living_) ++census[std::get<std::string>(object)];
+    return census;
+  }
+
+  Census Made() {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    return made_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::set<Object> living_;
+  Census made_;
+};
+
+Registry& TheRegistry() {
+  static auto* const registry = new Registry;  // threads may outlive static objects
+  return *registry;
+}
+
+// The function that would have been called without this file.
+template <typename Function>
+Function Next(const char* name) {
+  void* const function = dlsym(RTLD_NEXT, name);
+  if (function == nullptr) std::abort();
+  return reinterpret_cast<Function>(function);
+}
+
+void Add(const char* kind, GLsizei count, const GLuint* names) {
+  const EGLContext context = eglGetCurrentContext();
+  for (GLsizei i = 0; i < count; ++i) TheRegistry().Add(context, kind, names[i]);
+}
+
+void Remove(const char* kind, GLsizei count, const GLuint* names) {
+  const EGLContext context = eglGetCurrentContext();
+  for (GLsizei i = 0; i < count; ++i) TheRegistry().Remove(context, kind, names[i]);
+}
+
+void AddHandle(const char* kind, const void* handle) {
+  TheRegistry().Add(nullptr, kind, reinterpret_cast<uintptr_t>(handle));
+}
+
+void RemoveHandle(const char* kind, const void* handle) {
+  TheRegistry().Remove(nullptr, kind, reinterpret_cast<uintptr_t>(handle));
+}
+
+// The driver's extension functions, known after somebody asked for them.
+PFNEGLCREATEIMAGEKHRPROC g_create_image = nullptr;
+PFNEGLDESTROYIMAGEKHRPROC g_destroy_image = nullptr;
+PFNGLCREATEMEMORYOBJECTSEXTPROC g_create_memory = nullptr;
+PFNGLDELETEMEMORYOBJECTSEXTPROC g_delete_memory = nullptr;
+
+EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay display, EGLContext context, EGLenum target,
+                                    EGLClientBuffer buffer, const EGLint* attributes) {
+  const EGLImageKHR image = g_create_image(display, context, target, buffer, attributes);
+  AddHandle("EGL image", image);
+  return image;
+}
+
+EGLBoolean EGLAPIENTRY DestroyImage(EGLDisplay display, EGLImageKHR image) {
+  RemoveHandle("EGL image", image);
+  return g_destroy_image(display, image);
+}
+
+void GL_APIENTRY CreateMemory(GLsizei count, GLuint* names) {
+  g_create_memory(count, names);
+  Add("memory object", count, names);
+}
+
+void GL_APIENTRY DeleteMemory(GLsizei count, const GLuint* names) {
+  Remove("memory object", count, names);
+  g_delete_memory(count, names);
+}
+
+using Procedure = __eglMustCastToProperFunctionPointerType;
+
+// Remembers the driver's function and hands out the one of this file; a missing one stays missing.
+template <typename Function>
+Procedure Replace(Procedure found, Function& original, Function replacement) {
+  original = reinterpret_cast<Function>(found);
+  return found != nullptr ? reinterpret_cast<Procedure>(replacement) : nullptr;
+}
+
+}  // namespace
+
+// Visible, so that a shared library finds them in the executable first.
+#pragma GCC visibility push(default)
+extern "C" {
+
+Procedure EGLAPIENTRY eglGetProcAddress(const char* name) {
+  static const auto next = Next<decltype(&eglGetProcAddress)>("eglGetProcAddress");
+  const Procedure found = next(name);
+  const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
+  if (is("eglCreateImageKHR")) return Replace(found, g_create_image, CreateImage);
+  if (is("eglDestroyImageKHR")) return Replace(found, g_destroy_image, DestroyImage);
+  if (is("glCreateMemoryObjectsEXT")) return Replace(found, g_create_memory, CreateMemory);
+  if (is("glDeleteMemoryObjectsEXT")) return Replace(found, g_delete_memory, DeleteMemory);
+  return found;
+}
+
+EGLContext EGLAPIENTRY eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
+                                        const EGLint* attributes) {
+  static const auto next = Next<decltype(&eglCreateContext)>("eglCreateContext");
+  const EGLContext context = next(display, config, share, attributes);
+  AddHandle("context", context);
+  return context;
+}
+
+EGLBoolean EGLAPIENTRY eglDestroyContext(EGLDisplay display, EGLContext context) {
+  static const auto next = Next<decltype(&eglDestroyContext)>("eglDestroyContext");
+  TheRegistry().RemoveContext(context);
+  return next(display, context);
+}
+
+EGLSurface EGLAPIENTRY eglCreatePbufferSurface(EGLDisplay display, EGLConfig config,
+                                               const EGLint* attributes) {
+  static const auto next = Next<decltype(&eglCreatePbufferSurface)>("eglCreatePbufferSurface");
+  const EGLSurface surface = next(display, config, attributes);
+  AddHandle("surface", surface);
+  return surface;
+}
+
+EGLBoolean EGLAPIENTRY eglDestroySurface(EGLDisplay display, EGLSurface surface) {
+  static const auto next = Next<decltype(&eglDestroySurface)>("eglDestroySurface");
+  RemoveHandle("surface", surface);
+  return next(display, surface);
+}
+
+void GL_APIENTRY glGenTextures(GLsizei count, GLuint* names) {
+  static const auto next = Next<decltype(&glGenTextures)>("glGenTextures");
+  next(count, names);
+  Add("texture", count, names);
+}
+
+void GL_APIENTRY glDeleteTextures(GLsizei count, const GLuint* names) {
+  static const auto next = Next<decltype(&glDeleteTextures)>("glDeleteTextures");
+  Remove("texture", count, names);
+  next(count, names);
+}
+
+void GL_APIENTRY glGenFramebuffers(GLsizei count, GLuint* names) {
+  static const auto next = Next<decltype(&glGenFramebuffers)>("glGenFramebuffers");
+  next(count, names);
+  Add("framebuffer", count, names);
+}
+
+void GL_APIENTRY glDeleteFramebuffers(GLsizei count, const GLuint* names) {
+  static const auto next = Next<decltype(&glDeleteFramebuffers)>("glDeleteFramebuffers");
+  Remove("framebuffer", count, names);
+  next(count, names);
+}
+
+GLuint GL_APIENTRY glCreateShader(GLenum type) {
+  static const auto next = Next<decltype(&glCreateShader)>("glCreateShader");
+  const GLuint shader = next(type);
+  Add("shader", 1, &shader);
+  return shader;
+}
+
+void GL_APIENTRY glDeleteShader(GLuint shader) {
+  static const auto next = Next<decltype(&glDeleteShader)>("glDeleteShader");
+  Remove("shader", 1, &shader);
+  next(shader);
+}
+
+GLuint GL_APIENTRY glCreateProgram(void) {
+  static const auto next = Next<decltype(&glCreateProgram)>("glCreateProgram");
+  const GLuint program = next();
+  Add("program", 1, &program);
+  return program;
+}
+
+void GL_APIENTRY glDeleteProgram(GLuint program) {
+  static const auto next = Next<decltype(&glDeleteProgram)>("glDeleteProgram");
+  Remove("program", 1, &program);
+  next(program);
+}
+
+}  // extern "C"
+#pragma GCC visibility pop
+
+namespace lumora::test {
+
+Census LivingObjects() {
+  return TheRegistry().Living();
+}
+
+Census MadeObjects() {
+  return TheRegistry().Made();
+}
+
+Census Growth(const Census& before, const Census& after) {
+  Census growth = after;
+  for (const auto& [kind, count] : before) growth[kind] -= count;
+  for (auto entry = growth.begin(); entry != growth.end();) {
+    entry = entry->second == 0 ? growth.erase(entry) : std::next(entry);
+  }
+  return growth;
+}
+
+}  // namespace lumora::test

@@ -1,0 +1,78 @@
+#include "soak/soak.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+#include "soak/process_use.h"
+#include "support/meant_leaks.h"
+
+namespace lumora::test {
+namespace {
+
+constexpr int kBriefCycles = 100;
+constexpr int kFewestCycles = 10;
+
+int WarmUp(int cycles) {
+  return std::clamp(cycles / 10, kFewestCycles, 500);
+}
+
+std::string Text(const Census& census) {
+  std::string text;
+  for (const auto& [kind, count] : census) {
+    text += (text.empty() ? "" : ", ") + kind + " " + std::to_string(count);
+  }
+  return text;
+}
+
+}  // namespace
+
+int Cycles(int weight) {
+  const char* const asked = std::getenv("LUMORA_SOAK_CYCLES");
+  const int cycles = asked != nullptr ? std::atoi(asked) : 0;
+  return std::max((cycles > 0 ? cycles : kBriefCycles) / weight, kFewestCycles);
+}
+
+void Soak(const std::string& name, int cycles, const std::function<void(int)>& cycle,
+          const Kept& kept) {
+  const int warm_up = WarmUp(cycles);
+  for (int i = 0; i < warm_up; ++i) cycle(i);
+
+  const Census objects_before = LivingObjects();
+  const ProcessUse before = CurrentUse();
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = warm_up; i < warm_up + cycles; ++i) cycle(i);
+  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+  const ProcessUse after = CurrentUse();
+  const Census grown = Growth(objects_before, LivingObjects());
+
+  Census expected;
+  for (const auto& [kind, count] : kept.objects) expected[kind] = count * cycles;
+  EXPECT_EQ(grown, expected) << name;
+  EXPECT_EQ(after.descriptors, before.descriptors) << name << ": open files";
+  EXPECT_EQ(after.threads, before.threads) << name;
+
+  const long memory = after.resident_kb - before.resident_kb;
+  const auto allowed = static_cast<long>(1.5 * kept.bytes * cycles / 1024) + kSlackKb;
+  if (!MeantLeaks::CheckerRuns()) {
+    EXPECT_LE(memory, allowed) << name << ": kB of memory";
+  }
+  std::printf("soak: %-40s %6d %9.1f %+14ld %14ld  %s\n", name.c_str(), cycles, time.count(),
+              memory, allowed, Text(grown).c_str());
+  std::fflush(stdout);
+}
+
+double BytesKept(int asked, const std::function<void(int)>& cycle) {
+  const int cycles = std::max(asked, kFewestCycles);
+  const int warm_up = WarmUp(cycles);
+  for (int i = 0; i < warm_up; ++i) cycle(i);
+  const long before = CurrentUse().resident_kb;
+  for (int i = warm_up; i < warm_up + cycles; ++i) cycle(i);
+  const long grown = CurrentUse().resident_kb - before;
+  return std::max(0.0, 1024.0 * static_cast<double>(grown) / cycles);
+}
+
+}  // namespace lumora::test
