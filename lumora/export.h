@@ -1,7 +1,11 @@
-// The export macro of libLumora: everything else in the library is hidden.
+// The export macros of libLumora: what carries neither is hidden, unless it is a member of an
+// exported class.
 #ifndef LUMORA_EXPORT_H_
 #define LUMORA_EXPORT_H_
 
 #define LUMORA_API __attribute__((visibility("default")))
+
+// For members of exported classes that only the library itself uses.
+#define LUMORA_LOCAL __attribute__((visibility("hidden")))
 
 #endif  // LUMORA_EXPORT_H_

@@ -44,8 +44,8 @@ class LUMORA_PIPELINE_API Converter {
                  Report* report = nullptr);
 
  private:
-  class Worker;
-  explicit Converter(std::unique_ptr<Worker> worker);
+  class LUMORA_PIPELINE_LOCAL Worker;
+  LUMORA_PIPELINE_LOCAL explicit Converter(std::unique_ptr<Worker> worker);
   std::unique_ptr<Worker> worker_;
 };
 

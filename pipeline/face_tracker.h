@@ -40,7 +40,7 @@ class LUMORA_PIPELINE_API FaceTracker {
   void Reset() { tracks_.clear(); }
 
  private:
-  struct Track {
+  struct LUMORA_PIPELINE_LOCAL Track {
     Face shown;
     Face target;
     int missed = 0;  // detections without it since the last one with it

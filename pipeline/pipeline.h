@@ -101,8 +101,8 @@ class LUMORA_PIPELINE_API Pipeline {
   DeviceInfo Device();
 
  private:
-  class Worker;
-  explicit Pipeline(std::unique_ptr<Worker> worker);
+  class LUMORA_PIPELINE_LOCAL Worker;
+  LUMORA_PIPELINE_LOCAL explicit Pipeline(std::unique_ptr<Worker> worker);
   std::unique_ptr<Worker> worker_;
 };
 

@@ -91,14 +91,14 @@ class LUMORA_API GPUColorConverter {
   bool m_bIsInit;
 
  private:
-  struct Pass;
+  struct LUMORA_LOCAL Pass;
 
-  lumora::OffscreenHandles EglHandles();
-  SEGLImage* MakeImage(int width, int height, GLint wrap);
-  Pass YuvToRgb() const;
-  Pass RgbToHsi() const;
-  int SetPass(const Pass& pass);
-  void DrawPass(const Pass& pass);
+  LUMORA_LOCAL lumora::OffscreenHandles EglHandles();
+  LUMORA_LOCAL SEGLImage* MakeImage(int width, int height, GLint wrap);
+  LUMORA_LOCAL Pass YuvToRgb() const;
+  LUMORA_LOCAL Pass RgbToHsi() const;
+  LUMORA_LOCAL int SetPass(const Pass& pass);
+  LUMORA_LOCAL void DrawPass(const Pass& pass);
 
   bool m_bDisplayReferenced;  ///< the display was initialised and is terminated with the converter
 };

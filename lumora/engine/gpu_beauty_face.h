@@ -346,32 +346,35 @@ class LUMORA_API GPUBeautyFace {
   int m_nFaceWhiteCenterY;
 
  private:
-  struct Pass;
+  struct LUMORA_LOCAL Pass;
 
   // Set-up and release.
-  lumora::OffscreenHandles EglHandles();
-  void SetSizes(int src_width, int src_height, int proc_width, int proc_height);
-  bool MakeImageTarget(SEGLImage*& image, GLuint& fbo, unsigned char flag, int width, int height,
-                       GLint wrap, GLint filter, const char* check);
-  bool MakePackedTargets();
-  bool MakePackers(const char* function);
+  LUMORA_LOCAL lumora::OffscreenHandles EglHandles();
+  LUMORA_LOCAL void SetSizes(int src_width, int src_height, int proc_width, int proc_height);
+  LUMORA_LOCAL bool MakeImageTarget(SEGLImage*& image, GLuint& fbo, unsigned char flag, int width,
+                                    int height, GLint wrap, GLint filter, const char* check);
+  LUMORA_LOCAL bool MakePackedTargets();
+  LUMORA_LOCAL bool MakePackers(const char* function);
 
   // Drawing and copying.
-  SEGLImage* ImageAt(int index) const;
-  SEGLImage* PackingSource(int nSrc) const;
-  int RunPass(const Pass& pass);
-  int CheckPreviewReady();
-  int BeginPreviewFrame(void* in);
-  int FinishPreviewFrame(void* in, void* out, int packed_source);
-  bool CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV, const FaceProcessRect& face);
-  bool PrepareBlockSource(int x, int y, int rows);
-  bool SlimBlock(void* in, void* out, int width, int height, int x, int y, int& run);
+  LUMORA_LOCAL SEGLImage* ImageAt(int index) const;
+  LUMORA_LOCAL SEGLImage* PackingSource(int nSrc) const;
+  LUMORA_LOCAL int RunPass(const Pass& pass);
+  LUMORA_LOCAL int CheckPreviewReady();
+  LUMORA_LOCAL int BeginPreviewFrame(void* in);
+  LUMORA_LOCAL int FinishPreviewFrame(void* in, void* out, int packed_source);
+  LUMORA_LOCAL bool CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV,
+                                   const FaceProcessRect& face);
+  LUMORA_LOCAL bool PrepareBlockSource(int x, int y, int rows);
+  LUMORA_LOCAL bool SlimBlock(void* in, void* out, int width, int height, int x, int y, int& run);
 
   // Whitening.
-  lumora::ColourSums SampleFace(const lumora::FaceGeometry& face, const unsigned char* frame);
-  bool WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face, int x, int y);
-  bool LoadPreviousResult(int x, int y, int rows);
-  bool StoreResult(int x, int y, int rows);
+  LUMORA_LOCAL lumora::ColourSums SampleFace(const lumora::FaceGeometry& face,
+                                             const unsigned char* frame);
+  LUMORA_LOCAL bool WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face,
+                                int x, int y);
+  LUMORA_LOCAL bool LoadPreviousResult(int x, int y, int rows);
+  LUMORA_LOCAL bool StoreResult(int x, int y, int rows);
 
   bool m_bDisplayReferenced;  ///< the display was initialised and is terminated with the engine
 };

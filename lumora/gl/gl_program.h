@@ -17,6 +17,8 @@ struct ProgramDescription;
 ///
 /// Context: the owning engine's, current on the calling thread, for everything but the constructor.
 /// Failure: false (or 0) and a log line under the tag "GLProgram"; nothing throws.
+/// Deriving: the class carries no type information, so a source file that derives from it is
+/// compiled with -fno-rtti. Files that only use programs need nothing.
 class LUMORA_API GLProgram {
  public:
   static constexpr int kAttributeSlots = 8;
@@ -86,7 +88,7 @@ class LUMORA_API GLProgram {
 
  protected:
   /// The shared body of every subclass's Load.
-  bool LoadDescribed(const lumora::ProgramDescription& description);
+  LUMORA_LOCAL bool LoadDescribed(const lumora::ProgramDescription& description);
 
   /// Selects unit `unit`, points sampler `unit` at it and binds `m_hTextures[unit]`.
   void BindInput(int unit);

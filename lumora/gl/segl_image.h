@@ -59,8 +59,8 @@ class LUMORA_API SEGLImage {
   unsigned char m_nFlag;
 
  private:
-  int CreateBuffered(int width, int height, int format);
-  int CreatePlain(int width, int height);
+  LUMORA_LOCAL int CreateBuffered(int width, int height, int format);
+  LUMORA_LOCAL int CreatePlain(int width, int height);
 };
 
 #endif  // LUMORA_GL_SEGL_IMAGE_H_

@@ -103,7 +103,7 @@ class LUMORA_API GraphicBuffer : public RefBase {
   void detachTexture();
 
  private:
-  struct State;
+  struct LUMORA_LOCAL State;
   std::unique_ptr<State> state_;
 };
 
