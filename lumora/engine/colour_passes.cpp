@@ -44,15 +44,23 @@ int GPUBeautyFace::DrawColorConvertYUV2HSI() {
 }
 
 int GPUBeautyFace::DrawRGBtoYY(int nSrc) {
-  return RunPass({"DrawRGBtoYY", m_pProgRGBtoY, PackingSource(nSrc), m_pYYYYImage, m_hYYYYFbo,
-                  m_nAlignedWidth / 4, m_nAlignedHeight,
-                  m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST});
+  return PackLuma(nSrc, nullptr);
 }
 
 int GPUBeautyFace::DrawRGBtoUV(int nSrc) {
+  return PackChroma(nSrc, nullptr);
+}
+
+int GPUBeautyFace::PackLuma(int nSrc, const DrawArea* area) {
+  return RunPass({"DrawRGBtoYY", m_pProgRGBtoY, PackingSource(nSrc), m_pYYYYImage, m_hYYYYFbo,
+                  m_nAlignedWidth / 4, m_nAlignedHeight,
+                  m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST, false, area});
+}
+
+int GPUBeautyFace::PackChroma(int nSrc, const DrawArea* area) {
   return RunPass({"DrawRGBtoUV", m_pProgRGBtoUV, PackingSource(nSrc), m_pUVUVImage, m_hUVUVFbo,
                   m_nAlignedWidth / 4, m_nAlignedHeight / 2,
-                  m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST});
+                  m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST, false, area});
 }
 
 int GPUBeautyFace::ConvertYUV() {

@@ -28,6 +28,12 @@ constexpr bool IsLargeCapture(int width, int height) {
   return static_cast<unsigned>(width) > kMaxTexture || static_cast<unsigned>(height) > kMaxTexture;
 }
 
+/// Whether the expansion of a frame puts every pixel to its place: only then are the packed texels
+/// of the unchanged frame the frame's own bytes.
+constexpr bool ExpandsExactly(int width, int height) {
+  return width > 0 && height > 0 && width % 16 == 0 && height % 2 == 0;
+}
+
 /// Whether the frame is laid across: the source is narrower in shape than the result.
 inline bool LiesAcross(int src_width, int src_height, int proc_width, int proc_height) {
   const float source = static_cast<float>(src_width) / static_cast<float>(src_height);

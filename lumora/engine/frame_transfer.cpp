@@ -8,6 +8,7 @@
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/engine/lens_polynomial.h"
+#include "lumora/engine/pass.h"
 #include "lumora/gl/cache_clean.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
@@ -42,9 +43,17 @@ struct PlaneWriter {
 
 }  // namespace
 
+unsigned char* GPUBeautyFace::LockInputImage() {
+  if (m_pRGBImage == nullptr) return nullptr;
+  const bool overwrites = lumora::ExpandsExactly(m_nSrcWidth, m_nSrcHeight) &&
+                          lumora::RoundUpTo32(m_nSrcWidth) == m_nSrcWidth;
+  return overwrites && m_pRGBImage->m_spBuffer ? m_pRGBImage->m_spBuffer->lockForOverwrite()
+                                               : m_pRGBImage->Lock();
+}
+
 int GPUBeautyFace::LoadPreviewFrameBuffer(void* pSrc) {
-  unsigned char* texels = m_pRGBImage != nullptr ? m_pRGBImage->Lock() : nullptr;
-  if (texels == nullptr || pSrc == nullptr) {
+  unsigned char* texels = pSrc != nullptr ? LockInputImage() : nullptr;
+  if (texels == nullptr) {
     LOGE("[%s] program or image is missing", "LoadPreviewFrameBuffer");
     return 0;
   }
@@ -65,10 +74,30 @@ int GPUBeautyFace::CopyMemYUVfromSrcTexture(void* pDstY, void* pDstUV) {
   return MemcpyYUV(pDstY, pDstUV);
 }
 
+size_t GPUBeautyFace::FirstFrameSize() const {
+  static const size_t kSize = static_cast<size_t>(std::max(m_nProcHeight, 0)) *
+                              static_cast<size_t>(std::max(m_nProcWidth, 0));
+  return kSize;
+}
+
+bool GPUBeautyFace::ReadPacked(const PlanePart& luma, const PlanePart& chroma, int stride) {
+  const auto read = [stride](const SEGLImage* image, const PlanePart& plane) {
+    return image != nullptr && image->m_spBuffer && plane.plane != nullptr &&
+           image->m_spBuffer->readInto(plane.part, plane.plane, stride) == 0;
+  };
+  return read(m_pYYYYImage, luma) && read(m_pUVUVImage, chroma);
+}
+
 int GPUBeautyFace::MemcpyYUV(void* pDstY, void* pDstUV) {
   // The size of the first frame of the process serves for all replacement buffers that follow.
-  static const size_t kFirstFrameSize = static_cast<size_t>(std::max(m_nProcHeight, 0)) *
-                                        static_cast<size_t>(std::max(m_nProcWidth, 0));
+  const size_t first_frame_size = FirstFrameSize();
+  const int texels = m_nProcWidth / 4;
+  if (m_nProcWidth % 4 == 0 &&
+      ReadPacked({static_cast<unsigned char*>(pDstY), {0, 0, texels, m_nProcHeight}},
+                 {static_cast<unsigned char*>(pDstUV), {0, 0, texels, m_nProcHeight / 2}},
+                 texels)) {
+    return 1;
+  }
   const unsigned char* luma = m_pYYYYImage != nullptr ? m_pYYYYImage->Lock() : nullptr;
   const unsigned char* chroma = m_pUVUVImage != nullptr ? m_pUVUVImage->Lock() : nullptr;
   if (luma == nullptr || chroma == nullptr) {
@@ -76,9 +105,9 @@ int GPUBeautyFace::MemcpyYUV(void* pDstY, void* pDstUV) {
     return 0;
   }
   // NOLINTBEGIN(clang-analyzer-unix.Malloc): the replacement buffers are left to nobody.
-  PlaneWriter::For(pDstY, kFirstFrameSize)
+  PlaneWriter::For(pDstY, first_frame_size)
       .CopyRows(luma, m_nYYYYWidth, m_nProcWidth, m_nProcHeight);
-  PlaneWriter::For(pDstUV, kFirstFrameSize / 2)
+  PlaneWriter::For(pDstUV, first_frame_size / 2)
       .CopyRows(chroma, m_nUVUVWidth, m_nProcWidth, m_nProcHeight / 2);
   return 1;
   // NOLINTEND(clang-analyzer-unix.Malloc)

@@ -347,6 +347,8 @@ class LUMORA_API GPUBeautyFace {
 
  private:
   struct LUMORA_LOCAL Pass;
+  struct LUMORA_LOCAL DrawArea;
+  struct LUMORA_LOCAL PlanePart;
 
   // Set-up and release.
   LUMORA_LOCAL lumora::OffscreenHandles EglHandles();
@@ -362,7 +364,24 @@ class LUMORA_API GPUBeautyFace {
   LUMORA_LOCAL int RunPass(const Pass& pass);
   LUMORA_LOCAL int CheckPreviewReady();
   LUMORA_LOCAL int BeginPreviewFrame(void* in);
-  LUMORA_LOCAL int FinishPreviewFrame(void* in, void* out, int packed_source);
+  LUMORA_LOCAL bool MayLimitDraws() const;
+  LUMORA_LOCAL lumora::platform::PixelRectangle WholeImage() const;
+  LUMORA_LOCAL lumora::platform::PixelRectangle SlimmingBox() const;
+  LUMORA_LOCAL lumora::platform::PixelRectangle WhiteningBox() const;
+  LUMORA_LOCAL int RunLimitedPass(Pass pass, GLuint source_target,
+                                  const lumora::platform::PixelRectangle& changed);
+  LUMORA_LOCAL int PackLuma(int nSrc, const DrawArea* area);
+  LUMORA_LOCAL int PackChroma(int nSrc, const DrawArea* area);
+  LUMORA_LOCAL int FinishPreviewFrame(void* in, void* out, int packed_source,
+                                      const lumora::platform::PixelRectangle& changed);
+  LUMORA_LOCAL bool FillPackedTargets(const unsigned char* frame);
+  LUMORA_LOCAL int PackPart(int packed_source, const lumora::platform::PixelRectangle& changed);
+  LUMORA_LOCAL bool ReadPart(unsigned char* frame, unsigned char* chroma,
+                             const lumora::platform::PixelRectangle& changed);
+  LUMORA_LOCAL unsigned char* LockInputImage();
+  LUMORA_LOCAL size_t LumaSize() const;
+  LUMORA_LOCAL size_t FirstFrameSize() const;
+  LUMORA_LOCAL bool ReadPacked(const PlanePart& luma, const PlanePart& chroma, int stride);
   LUMORA_LOCAL bool CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV,
                                    const FaceProcessRect& face);
   LUMORA_LOCAL bool PrepareBlockSource(int x, int y, int rows);

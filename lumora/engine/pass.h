@@ -2,10 +2,23 @@
 #ifndef LUMORA_ENGINE_PASS_H_
 #define LUMORA_ENGINE_PASS_H_
 
+#include "lumora/engine/changed_box.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/quad.h"
 
 namespace android {
+
+/// A part of a caller's plane, in packed texels, and the place of the plane's first texel.
+struct GPUBeautyFace::PlanePart {
+  unsigned char* plane;
+  lumora::PixelRectangle part;
+};
+
+/// The parts of a destination that are drawn; an empty one draws nothing.
+struct GPUBeautyFace::DrawArea {
+  static constexpr int kParts = 2;
+  lumora::PixelRectangle parts[kParts] = {};
+};
 
 /// A full-screen quad from one image into a framebuffer. The exceptions are the fields with
 /// defaults.
@@ -23,7 +36,16 @@ struct GPUBeautyFace::Pass {
   GLint filter = 0;
   /// Draw at the texture coordinates of the moment instead of the whole texture.
   bool keep_coordinates = false;
+  /// Draw only there, pixels of the destination; null draws the whole viewport.
+  const DrawArea* area = nullptr;
+  /// With an area: framebuffer of the source, which is copied to the destination first, because
+  /// outside the area the pass would write what it reads. -1 leaves the destination as it is.
+  GLuint copy_from = static_cast<GLuint>(-1);
 };
+
+/// Whether the context draws as the engine set it up: nothing is masked, blended or tested.
+/// Otherwise a quad may write less than the pixels that its program computes.
+bool DrawsPlainly();
 
 /// The end of every pass, once its inputs, target and viewport are set: makes the program current
 /// and draws the quad at those positions and at the texture coordinates of the moment.

@@ -76,7 +76,7 @@ int GPUBeautyFace::Rectification(void* in, void* out, int degree, int /*unused*/
   LOGI("FaceProcess++");
   if (CheckPreviewReady() == 0 || LoadPreviewFrameBuffer(in) == 0) return 0;
   if (SetRectParameters(degree) == 0 || DrawRectification() == 0 ||
-      FinishPreviewFrame(in, out, 1) == 0) {
+      FinishPreviewFrame(in, out, 1, WholeImage()) == 0) {
     return 0;
   }
   LOGI("FaceProcess--");
@@ -87,7 +87,7 @@ int GPUBeautyFace::RadialRectification(void* in, void* out, int /*unused*/, int 
   LOGI("FaceProcess  RadialRectification++");
   if (CheckPreviewReady() == 0 || LoadPreviewFrameBuffer(in) == 0) return 0;
   if (SetRadialRectParameters(camera) == 0 || DrawRadialRectification() == 0 ||
-      FinishPreviewFrame(in, out, 1) == 0) {
+      FinishPreviewFrame(in, out, 1, WholeImage()) == 0) {
     return 0;
   }
   LOGI("FaceProcess  RadialRectification--");

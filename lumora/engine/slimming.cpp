@@ -59,49 +59,29 @@ int GPUBeautyFace::SetCheekSlimmerParameters(FACE_INFO_t face, int level, bool b
                        bLarge, face.dist_level_ratio);
 }
 
+lumora::PixelRectangle GPUBeautyFace::SlimmingBox() const {
+  const auto* program = static_cast<const GLProgWarp*>(m_pProgCheekSlimmer);
+  if (program == nullptr || !MayLimitDraws()) return WholeImage();
+  const float* controller = program->m_fvController;
+  const float* limiter = program->m_fvAngleLimiter;
+  return lumora::WarpBox({controller[0], controller[1], controller[2], controller[3], limiter[0],
+                          limiter[1], limiter[2], program->m_fAspectRatio},
+                         m_nAlignedWidth, m_nAlignedHeight);
+}
+
 int GPUBeautyFace::DrawFaceDist(int index) {
   if (index < 0) return 0;
-  return RunPass({"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index),
-                  m_pWorkImage[index % 2], m_hWorkFbo[index % 2], m_nAlignedWidth,
-                  m_nAlignedHeight});
-}
-
-int GPUBeautyFace::CheckPreviewReady() {
-  if (m_pRGBImage == nullptr) {
-    LOGE("[SetSrcImage]g_pSrcTexture is not initiated");
-    return 0;
-  }
-  if (!m_bIsInit) {
-    LOGI("!m_bIsInit");
-    return 0;
-  }
-  // Another engine of this thread, or another thread, has the context: drawing would do nothing.
-  if (eglGetCurrentContext() != m_eglContext) {
-    LOGE("[%s] the engine's context is not current on this thread", "SetSrcImage");
-    return 0;
-  }
-  return 1;
-}
-
-int GPUBeautyFace::BeginPreviewFrame(void* in) {
-  if (CheckPreviewReady() == 0) return 0;
-  // In colour-convert mode the input image is filled already.
-  if (m_bColorCvtMode) return 1;
-  return LoadPreviewFrameBuffer(in);
-}
-
-int GPUBeautyFace::FinishPreviewFrame(void* in, void* out, int packed_source) {
-  if (DrawRGBtoYY(packed_source) == 0 || DrawRGBtoUV(packed_source) == 0) return 0;
-  glFlush();
-  glFinish();
-  return MemcpyYUV(in, out);
+  return RunLimitedPass(
+      {"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index), m_pWorkImage[index % 2],
+       m_hWorkFbo[index % 2], m_nAlignedWidth, m_nAlignedHeight},
+      index == 0 ? m_hRGBFbo : m_hWorkFbo[(index - 1) % 2], SlimmingBox());
 }
 
 int GPUBeautyFace::FaceProcess(void* in, void* out, int level, FACE_INFO_t face, int /*unused*/) {
   LOGI("FaceProcess++");
   if (BeginPreviewFrame(in) == 0) return 0;
   if (SetCheekSlimmerParameters(face, level, false) == 0 || DrawFaceDist(0) == 0 ||
-      FinishPreviewFrame(in, out, 1) == 0) {
+      FinishPreviewFrame(in, out, 1, SlimmingBox()) == 0) {
     return 0;
   }
   LOGI("FaceProcess--");
@@ -112,10 +92,12 @@ int GPUBeautyFace::FaceProcessMultiface(void* in, void* out, int level, FACE_INF
                                         int count, int /*unused*/) {
   LOGI("FaceProcess+");
   if (BeginPreviewFrame(in) == 0) return 0;
+  lumora::PixelRectangle changed{};
   for (int i = 0; i < count; ++i) {
     if (SetCheekSlimmerParameters(faces[i], level, false) == 0 || DrawFaceDist(i) == 0) return 0;
+    changed = lumora::Union(changed, SlimmingBox());
   }
-  if (FinishPreviewFrame(in, out, count) == 0) return 0;
+  if (FinishPreviewFrame(in, out, count, changed) == 0) return 0;
   LOGI("FaceProcess-");
   return 1;
 }

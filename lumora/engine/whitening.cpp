@@ -153,10 +153,16 @@ lumora::ColourSums GPUBeautyFace::SampleFace(const lumora::FaceGeometry& face,
 int GPUBeautyFace::DrawFaceWhite(int nPass) {
   if (nPass < 0) return 0;
   const int source = 1 + nPass % 2;
-  Pass pass{"DrawFaceWhite",          m_pProgFaceWhitening,   m_pWorkImage[source],
-            m_pWorkImage[3 - source], m_hWorkFbo[3 - source], m_nAlignedWidth,
-            m_nAlignedHeight};
-  return RunPass(pass);
+  return RunLimitedPass(
+      {"DrawFaceWhite", m_pProgFaceWhitening, m_pWorkImage[source], m_pWorkImage[3 - source],
+       m_hWorkFbo[3 - source], m_nAlignedWidth, m_nAlignedHeight},
+      m_hWorkFbo[source], WhiteningBox());
+}
+
+lumora::PixelRectangle GPUBeautyFace::WhiteningBox() const {
+  const auto* program = static_cast<const GLProgWhiteningBase*>(m_pProgFaceWhitening);
+  if (program == nullptr || !MayLimitDraws()) return WholeImage();
+  return lumora::EllipseBox(program->m_fEllipseController[0], m_nAlignedWidth, m_nAlignedHeight);
 }
 
 int GPUBeautyFace::DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel,

@@ -37,6 +37,12 @@ class BufferBacking {
   /// context's bindings, pixel-store state and pending errors are left as they are.
   virtual bool publish(const PixelRectangle& part) = 0;
   virtual bool fetch(const PixelRectangle& part) = 0;
+
+  /// The same between the GPU's side and another image's rows in CPU memory: `part` lies at the
+  /// same place in both. Where the sides are apart, the CPU's side keeps its bytes. False, with
+  /// nothing copied, also while there is no GL side.
+  virtual bool publishFrom(const CpuImage& image, const PixelRectangle& part) = 0;
+  virtual bool fetchInto(const CpuImage& image, const PixelRectangle& part) = 0;
 };
 
 /// Zeroed memory for `geometry`, of the best kind for the current context; null when there is none.

@@ -5,18 +5,21 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "lumora/platform/graphic_buffer.h"
+
 namespace lumora::platform {
 
 /// Bytes of one RGBA pixel.
 constexpr uint32_t kPixelBytes = 4;
 
-/// A part of an image, in pixels from its first pixel.
-struct PixelRectangle {
-  int x;
-  int y;
-  int width;
-  int height;
+/// An RGBA image in CPU memory.
+struct CpuImage {
+  unsigned char* pixels;  ///< the first one
+  int stride;             ///< pixels from one row to the next
 };
+
+/// Copies `part` of an image to the same place in another one.
+void CopyPart(const CpuImage& from, const CpuImage& to, const PixelRectangle& part);
 
 struct BufferGeometry {
   uint32_t width;   ///< pixels

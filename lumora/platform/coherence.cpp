@@ -15,6 +15,13 @@ bool Coherence::lock() {
   return true;
 }
 
+bool Coherence::lockForOverwrite() {
+  if (!memory_.beginAccess()) return false;
+  state_ = State::Cpu;
+  draws_announced_ = true;
+  return true;
+}
+
 bool Coherence::unlock() {
   if (state_ == State::Gpu) return true;
   if (!watched_ || draws_announced_ || memory_.cpuChanged()) {

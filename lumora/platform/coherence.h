@@ -9,6 +9,7 @@
 //
 //   event            Synced          Cpu               Gpu
 //   lock             begin, -> Cpu   nothing           fetch, -> Cpu
+//   lock, overwrite  begin, -> Cpu   begin             begin, -> Cpu
 //   unlock           publish         publish, Synced   nothing
 //   drawn into       -> Gpu          -> Gpu            nothing
 //
@@ -56,6 +57,10 @@ class Coherence {
   /// The CPU is about to use the bytes. False when the GPU's newer bytes could not be fetched; they
   /// stay the newer ones.
   bool lock();
+
+  /// The CPU is about to replace all bytes: what the GPU has drawn need not be fetched, and the
+  /// next unlock publishes without a look at what changed. False when the CPU cannot begin now.
+  bool lockForOverwrite();
 
   /// The CPU has finished. False when its bytes could not be published; they stay the newer ones.
   bool unlock();

@@ -117,6 +117,36 @@ unsigned char* GraphicBuffer::lockPixels() {
   return state_->backing->address();
 }
 
+unsigned char* GraphicBuffer::lockForOverwrite() {
+  if (state_->backing == nullptr) return nullptr;
+  state_->coherence.lockForOverwrite();
+  return state_->backing->address();
+}
+
+int GraphicBuffer::readInto(const PixelRectangle& part, unsigned char* pixels, int stride) {
+  if (state_->backing == nullptr) return -ENOMEM;
+  const PixelRectangle inside = state_->clip(part.x, part.y, part.width, part.height);
+  if (state_->coherence.state() == Coherence::State::Gpu) {
+    return state_->backing->fetchInto({pixels, stride}, inside) ? 0 : -EPERM;
+  }
+  // Only a lock tells which side is newer.
+  if (!state_->coherence.lock()) return -EPERM;
+  CopyPart({state_->backing->address(), static_cast<int>(state_->geometry.stride)},
+           {pixels, stride}, inside);
+  return 0;
+}
+
+int GraphicBuffer::writeFrom(const PixelRectangle& part, const unsigned char* pixels, int stride) {
+  if (state_->backing == nullptr) return -ENOMEM;
+  const PixelRectangle inside = state_->clip(part.x, part.y, part.width, part.height);
+  // The backing only reads it.
+  if (!state_->backing->publishFrom({const_cast<unsigned char*>(pixels), stride}, inside)) {
+    return -EPERM;
+  }
+  state_->coherence.drawnInto();
+  return 0;
+}
+
 int GraphicBuffer::clean() {
   if (state_->backing == nullptr) return -ENOMEM;
   return state_->coherence.unlock() ? 0 : -EPERM;

@@ -22,6 +22,14 @@ constexpr uint32_t GRALLOC_USAGE_SW_READ_OFTEN = 0x03;
 constexpr uint32_t GRALLOC_USAGE_SW_WRITE_OFTEN = 0x30;
 constexpr uint32_t GRALLOC_USAGE_HW_TEXTURE = 0x100;
 
+/// A part of an image, in pixels from its first pixel.
+struct PixelRectangle {
+  int x;
+  int y;
+  int width;
+  int height;
+};
+
 /// What the allocator tells about a buffer. `base` never changes while the buffer lives.
 struct PrivateHandle {
   int fd = -1;           ///< file descriptor of the memory, -1 where it has none
@@ -86,7 +94,20 @@ class LUMORA_API GraphicBuffer : public RefBase {
   /// negative error: the allocation failed, or the image's context is not current.
   int clean();
 
-  /// The same two for callers that use only a rectangle, in pixels, and vouch that nothing else is
+  /// As `lockPixels`, for a caller that is going to write every pixel and then calls `clean`: what
+  /// the GPU has drawn is not fetched.
+  unsigned char* lockForOverwrite();
+
+  /// Copies a rectangle of what the GPU sees to memory of the caller's, or the other way round,
+  /// without a stop at the image's own CPU memory where that is apart: later locks show the GPU's
+  /// pixels as after a draw. `pixels` is the place of the image's first pixel there, `stride` the
+  /// pixels from one row to the next; the rectangle is cut at the image's borders. CPU writes that
+  /// were not yet cleaned are read, and lost by a write, as by a draw. Returns 0, or a negative
+  /// error with nothing copied: there is no texture, or its context is not current.
+  int readInto(const PixelRectangle& part, unsigned char* pixels, int stride);
+  int writeFrom(const PixelRectangle& part, const unsigned char* pixels, int stride);
+
+  /// The first two for callers that use only a rectangle, in pixels, and vouch that nothing else is
   /// written and that every draw into the image was announced: `lockPart` makes the GPU's results
   /// in the rectangle visible, `cleanPart` writes the rectangle back. Other pixels keep their side.
   /// Where bytes are copied at all, only the rectangle's are.

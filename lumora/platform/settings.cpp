@@ -1,6 +1,7 @@
 #include "lumora/platform/settings.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <mutex>
 #include <utility>
 
@@ -56,6 +57,11 @@ std::string CacheDirectory() {
 
 void SetCacheDirectory(const std::string& directory) {
   CacheSetting().set(directory);
+}
+
+bool FullQuads() {
+  const char* const value = std::getenv("LUMORA_FULL_QUADS");
+  return value != nullptr && std::strcmp(value, "1") == 0;
 }
 
 std::string SystemRoot() {

@@ -78,7 +78,23 @@ class MemoryObjectBacking final : public BufferBacking {
     return staged_ ? staged_->readBack(part) : finish();
   }
 
+  bool publishFrom(const CpuImage& image, const PixelRectangle& part) override {
+    if (staged_) return staged_->uploadFrom(image, part);
+    if (!imported_ || !finish()) return false;
+    CopyPart(image, own(), part);
+    return true;
+  }
+
+  bool fetchInto(const CpuImage& image, const PixelRectangle& part) override {
+    if (staged_) return staged_->readBackInto(image, part);
+    if (!imported_ || !finish()) return false;
+    CopyPart(own(), image, part);
+    return true;
+  }
+
  private:
+  CpuImage own() const { return {address(), static_cast<int>(geometry_.stride)}; }
+
   bool finish() {
     if (!imported_) return true;
     if (!imported_->texture().contextIsCurrent()) return false;

@@ -19,12 +19,6 @@ struct TransferFeatures {
 /// Asks the current context.
 TransferFeatures QueryTransferFeatures();
 
-/// An RGBA image in CPU memory.
-struct CpuImage {
-  unsigned char* pixels;
-  int stride;  ///< pixels from one row to the next
-};
-
 /// Gives the bound texture storage of width x height RGBA pixels with undefined contents.
 void AllocatePixels(int width, int height, const TransferFeatures& features);
 

@@ -41,6 +41,12 @@ class StagedBacking final : public BufferBacking {
   bool beginAccess() override { return true; }  // GL has its own copy of what it uses
   bool publish(const PixelRectangle& part) override { return !texture_ || texture_->upload(part); }
   bool fetch(const PixelRectangle& part) override { return !texture_ || texture_->readBack(part); }
+  bool publishFrom(const CpuImage& image, const PixelRectangle& part) override {
+    return texture_ && texture_->uploadFrom(image, part);
+  }
+  bool fetchInto(const CpuImage& image, const PixelRectangle& part) override {
+    return texture_ && texture_->readBackInto(image, part);
+  }
 
  private:
   const HeapMemory memory_;
@@ -87,20 +93,26 @@ EGLImageKHR StagedTexture::createImage(EGLDisplay display, const EGLint* attribu
 }
 
 bool StagedTexture::upload(const PixelRectangle& part) {
-  if (!shown_) return true;
-  if (!texture_->contextIsCurrent()) return false;
-  Upload(texture_->name(), image_, part, features_);
-  return true;
+  return !shown_ || uploadFrom(image_, part);
 }
 
 bool StagedTexture::readBack(const PixelRectangle& part) {
-  if (!shown_) return true;
-  if (!texture_->contextIsCurrent()) return false;
+  return !shown_ || readBackInto(image_, part);
+}
+
+bool StagedTexture::uploadFrom(const CpuImage& image, const PixelRectangle& part) {
+  if (!shown_ || !texture_->contextIsCurrent()) return false;
+  Upload(texture_->name(), image, part, features_);
+  return true;
+}
+
+bool StagedTexture::readBackInto(const CpuImage& image, const PixelRectangle& part) {
+  if (!shown_ || !texture_->contextIsCurrent()) return false;
   if (framebuffer_ == 0) {
     glGenFramebuffers(1, &framebuffer_);
     AttachColor(framebuffer_, texture_->name(), features_);
   }
-  ReadBack(framebuffer_, image_, part, features_);
+  ReadBack(framebuffer_, image, part, features_);
   return true;
 }
 

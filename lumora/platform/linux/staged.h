@@ -36,6 +36,8 @@ class StagedTexture {
 
   bool upload(const PixelRectangle& part);
   bool readBack(const PixelRectangle& part);
+  bool uploadFrom(const CpuImage& image, const PixelRectangle& part);
+  bool readBackInto(const CpuImage& image, const PixelRectangle& part);
 
  private:
   const CpuImage image_;

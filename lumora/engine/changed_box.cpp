@@ -1,0 +1,113 @@
+#include "lumora/engine/changed_box.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <initializer_list>
+
+namespace lumora {
+namespace {
+
+// Pixels around what the arithmetic gives, for the rounding of the shader's.
+constexpr double kMargin = 2.0;
+
+// The shaders compute in floats of 24 significant bits.
+constexpr double kFloatStep = 1.0 / (1 << 23);
+
+// A sample that is less than this many pixels off its texel's centre is that texel, also under the
+// linear filter: the neighbour's share is lost in the rounding to 8 bits.
+constexpr double kSamplingSlack = 1.0 / 512;
+
+bool AllFinite(std::initializer_list<double> numbers) {
+  return std::all_of(numbers.begin(), numbers.end(), [](double n) { return std::isfinite(n); });
+}
+
+// The pixels whose centres lie between `low` and `high`, of a line of `length` pixels.
+struct Span {
+  int start;
+  int length;
+};
+
+Span SpanOf(double low, double high, int length) {
+  const double limit = length;
+  const double start = std::clamp(std::floor(low - kMargin), 0.0, limit);
+  const double end = std::clamp(std::ceil(high + kMargin), start, limit);
+  return {static_cast<int>(start), static_cast<int>(end - start)};
+}
+
+// The box around a centre, from texture coordinates to pixels.
+PixelRectangle BoxAround(double x, double y, double reach_x, double reach_y, int width,
+                         int height) {
+  const Span columns = SpanOf((x - reach_x) * width, (x + reach_x) * width, width);
+  const Span rows = SpanOf((y - reach_y) * height, (y + reach_y) * height, height);
+  if (columns.length == 0 || rows.length == 0) return {0, 0, 0, 0};
+  return {columns.start, rows.start, columns.length, rows.length};
+}
+
+}  // namespace
+
+PixelRectangle WarpBox(const WarpUniforms& warp, int width, int height) {
+  const PixelRectangle whole{0, 0, width, height};
+  if (!AllFinite({warp.centre_x, warp.centre_y, warp.strength, warp.radius, warp.limiter_direction,
+                  warp.limiter_distance, warp.limiter_scale, warp.aspect_ratio})) {
+    return whole;
+  }
+  // The shader's ratio is distance / radius divided by a number of 0 .. 1, so it is 1 beyond the
+  // radius, and the fade towards the borders only raises it: there the warp is mix(twisted, own,
+  // 1).
+  if (!(warp.radius > 0.0f) || !(warp.aspect_ratio > 0.0f)) return whole;
+  // What rounding leaves of that depends on how large the numbers are that cancel out.
+  const double aspect = static_cast<double>(warp.aspect_ratio);
+  const double shift = 1.0 + std::max(std::abs(static_cast<double>(warp.centre_x)),
+                                      std::abs(static_cast<double>(warp.centre_y)));
+  const double distance = shift * std::hypot(1.0, aspect);
+  const double twisted = shift * (1.0 + std::abs(static_cast<double>(warp.strength)) * distance);
+  if (twisted * std::max(width, height) * kFloatStep > kSamplingSlack) return whole;
+
+  const double radius = static_cast<double>(warp.radius);
+  return BoxAround(static_cast<double>(warp.centre_x), static_cast<double>(warp.centre_y), radius,
+                   radius / aspect, width, height);
+}
+
+PixelRectangle EllipseBox(const float matrix[9], int width, int height) {
+  const PixelRectangle whole{0, 0, width, height};
+  // (p, q) = (a u + c v + e, b u + d v + f): the third row takes no part in the distance.
+  const double a = static_cast<double>(matrix[0]), b = static_cast<double>(matrix[1]);
+  const double c = static_cast<double>(matrix[3]), d = static_cast<double>(matrix[4]);
+  const double e = static_cast<double>(matrix[6]), f = static_cast<double>(matrix[7]);
+  const double determinant = a * d - c * b;
+  const double x = (c * f - d * e) / determinant;
+  const double y = (b * e - a * f) / determinant;
+  const double reach_x = std::hypot(d, c) / std::abs(determinant);
+  const double reach_y = std::hypot(b, a) / std::abs(determinant);
+  if (!AllFinite({x, y, reach_x, reach_y})) return whole;
+  // The shader's distance is off by its rounding; that must not carry the line beyond the margin.
+  const double largest =
+      std::abs(a) + std::abs(b) + std::abs(c) + std::abs(d) + std::abs(e) + std::abs(f) + 1.0;
+  const double pixels = std::max(reach_x * width, reach_y * height);
+  if (!(4 * largest * kFloatStep * pixels < kMargin / 2)) return whole;
+  return BoxAround(x, y, reach_x, reach_y, width, height);
+}
+
+PixelRectangle Union(const PixelRectangle& a, const PixelRectangle& b) {
+  if (a.width <= 0 || a.height <= 0) return b;
+  if (b.width <= 0 || b.height <= 0) return a;
+  const int x = std::min(a.x, b.x);
+  const int y = std::min(a.y, b.y);
+  return {x, y, std::max(a.x + a.width, b.x + b.width) - x,
+          std::max(a.y + a.height, b.y + b.height) - y};
+}
+
+PixelRectangle InSteps(const PixelRectangle& box, int step_x, int step_y) {
+  if (box.width <= 0 || box.height <= 0) return {0, 0, 0, 0};
+  const auto up = [](int value, int step) { return (value + step - 1) / step; };
+  const int x = box.x / step_x;
+  const int y = box.y / step_y;
+  return {x, y, up(box.x + box.width, step_x) - x, up(box.y + box.height, step_y) - y};
+}
+
+bool CoversMost(const PixelRectangle& box, int width, int height) {
+  return int64_t{box.width} * box.height * 8 >= int64_t{width} * height * 7;
+}
+
+}  // namespace lumora
