@@ -98,6 +98,15 @@ PixelRectangle Union(const PixelRectangle& a, const PixelRectangle& b) {
           std::max(a.y + a.height, b.y + b.height) - y};
 }
 
+std::array<PixelRectangle, 4> Around(const PixelRectangle& box, int width, int height) {
+  const int right = box.x + box.width;
+  const int bottom = box.y + box.height;
+  return {{{0, 0, width, box.y},
+           {0, bottom, width, height - bottom},
+           {0, box.y, box.x, box.height},
+           {right, box.y, width - right, box.height}}};
+}
+
 PixelRectangle InSteps(const PixelRectangle& box, int step_x, int step_y) {
   if (box.width <= 0 || box.height <= 0) return {0, 0, 0, 0};
   const auto up = [](int value, int step) { return (value + step - 1) / step; };

@@ -4,6 +4,8 @@
 #ifndef LUMORA_ENGINE_CHANGED_BOX_H_
 #define LUMORA_ENGINE_CHANGED_BOX_H_
 
+#include <array>
+
 #include "lumora/platform/graphic_buffer.h"
 
 namespace lumora {
@@ -28,6 +30,10 @@ PixelRectangle EllipseBox(const float matrix[9], int width, int height);
 
 /// The smallest rectangle that holds both; an empty one adds nothing.
 PixelRectangle Union(const PixelRectangle& a, const PixelRectangle& b);
+
+/// What a width x height image has around the box: above, below, left and right of it; each may be
+/// empty.
+std::array<PixelRectangle, 4> Around(const PixelRectangle& box, int width, int height);
 
 /// The rectangle with its sides moved outwards to multiples of `step_x` and `step_y`, then measured
 /// in them. An empty one stays empty.

@@ -32,13 +32,18 @@ class ScissorScope {
   GLint before_[4] = {};
 };
 
-/// Copies a framebuffer's pixels to `texture`. The texture that was bound is bound again.
-void CopyToTexture(GLuint framebuffer, GLuint texture, int width, int height) {
+/// Copies what a framebuffer has around `box` to `texture`. The texture that was bound is bound
+/// again.
+void CopyAround(const lumora::PixelRectangle& box, GLuint framebuffer, GLuint texture, int width,
+                int height) {
   GLint bound = 0;
   glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   glBindTexture(GL_TEXTURE_2D, texture);
-  glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
+  for (const lumora::PixelRectangle& part : lumora::Around(box, width, height)) {
+    if (part.width == 0 || part.height == 0) continue;
+    glCopyTexSubImage2D(GL_TEXTURE_2D, 0, part.x, part.y, part.x, part.y, part.width, part.height);
+  }
   glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
 }
 
@@ -64,7 +69,8 @@ int GPUBeautyFace::RunPass(const Pass& pass) {
     return 0;
   }
   if (pass.area != nullptr && pass.copy_from != static_cast<GLuint>(-1)) {
-    CopyToTexture(pass.copy_from, pass.destination->m_hTexture, pass.width, pass.height);
+    CopyAround(pass.area->parts[0], pass.copy_from, pass.destination->m_hTexture, pass.width,
+               pass.height);
   }
   pass.program->SetTextures(0, static_cast<int>(pass.source->m_hTexture));
   glBindFramebuffer(GL_FRAMEBUFFER, pass.target);
