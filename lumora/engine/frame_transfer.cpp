@@ -81,11 +81,14 @@ size_t GPUBeautyFace::FirstFrameSize() const {
 }
 
 bool GPUBeautyFace::ReadPacked(const PlanePart& luma, const PlanePart& chroma, int stride) {
-  const auto read = [stride](const SEGLImage* image, const PlanePart& plane) {
-    return image != nullptr && image->m_spBuffer && plane.plane != nullptr &&
-           image->m_spBuffer->readInto(plane.part, plane.plane, stride) == 0;
+  const auto possible = [](const SEGLImage* image, const PlanePart& plane) {
+    return image != nullptr && image->m_spBuffer && plane.plane != nullptr;
   };
-  return read(m_pYYYYImage, luma) && read(m_pUVUVImage, chroma);
+  const auto read = [stride](const SEGLImage& image, const PlanePart& plane) {
+    return image.m_spBuffer->readInto(plane.part, plane.plane, stride) == 0;
+  };
+  return possible(m_pYYYYImage, luma) && possible(m_pUVUVImage, chroma) &&
+         read(*m_pYYYYImage, luma) && read(*m_pUVUVImage, chroma);
 }
 
 int GPUBeautyFace::MemcpyYUV(void* pDstY, void* pDstUV) {

@@ -43,7 +43,6 @@ void NoteState(Sight& sight, const GPUBeautyFace& engine) {
   constexpr std::pair<const char*, GLenum> kValues[] = {{"framebuffer", GL_FRAMEBUFFER_BINDING},
                                                         {"texture", GL_TEXTURE_BINDING_2D},
                                                         {"unit", GL_ACTIVE_TEXTURE},
-                                                        {"program", GL_CURRENT_PROGRAM},
                                                         {"scissor test", GL_SCISSOR_TEST},
                                                         {"viewport", GL_VIEWPORT},
                                                         {"scissor box", GL_SCISSOR_BOX}};
@@ -51,6 +50,13 @@ void NoteState(Sight& sight, const GPUBeautyFace& engine) {
     GLint values[4] = {};
     glGetIntegerv(query, values);
     Note(sight, name, values);
+  }
+  // Names of programs depend on whether their binaries were cached.
+  GLint current = 0;
+  glGetIntegerv(GL_CURRENT_PROGRAM, &current);
+  for (const GLProgram* program : {engine.m_pProgRGBtoY, engine.m_pProgRGBtoUV,
+                                   engine.m_pProgCheekSlimmer, engine.m_pProgFaceWhitening}) {
+    Note(sight, "program", program->m_hProgram == static_cast<GLuint>(current));
   }
   Note(sight, "error", glGetError());
   Note(sight, "result index", engine.m_nResultIdx);

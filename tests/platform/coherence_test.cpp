@@ -239,6 +239,39 @@ TEST(Coherence, PreviewFramesMoveOnlyWhatIsNeeded) {
   EXPECT_EQ(packed.fetched, 3);
 }
 
+TEST(Coherence, OverwritingFetchesNothingAndIsAlwaysPublished) {
+  for (const bool watched : {false, true}) {
+    TwoSidedImage image;
+    if (watched) image.coherence.watch();
+    const int published = image.published;
+    for (int i = 0; i < 3; ++i) {
+      image.coherence.drawnInto();
+      image.gpu = 100 + i;
+      ASSERT_TRUE(image.coherence.lockForOverwrite());
+      image.cpu = 7;  // the same picture again and again
+      ASSERT_TRUE(image.coherence.unlock());
+      EXPECT_EQ(image.gpu, 7);
+    }
+    EXPECT_EQ(image.fetched, 0);
+    EXPECT_EQ(image.published, published + 3);
+    if (!watched) continue;
+    image.gpu = 8;  // a draw without notice
+    ASSERT_TRUE(image.coherence.lock());
+    EXPECT_EQ(image.cpu, 8);
+  }
+}
+
+TEST(Coherence, OverwritingWaitsUntilTheCpuMayBegin) {
+  TwoSidedImage image;
+  image.coherence.drawnInto();
+  image.gpu = 5;
+  image.reachable = false;
+  EXPECT_FALSE(image.coherence.lockForOverwrite());
+  image.reachable = true;
+  ASSERT_TRUE(image.coherence.lock());
+  EXPECT_EQ(image.cpu, 5) << "what was drawn is still the newer side";
+}
+
 TEST(Coherence, DrawsWithoutNoticeAreSeenByEveryLock) {
   TwoSidedImage image;
   image.coherence.watch();
