@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "lumora/engine/frame_sizes.h"
-#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/pass.h"
 #include "lumora/engine/process_rectangle.h"
 #include "lumora/engine/whole_frame_store.h"
 #include "lumora/gl/log.h"
@@ -70,22 +70,33 @@ int GPUBeautyFace::BlockCopyYUV(unsigned char* pDstYStart, unsigned char* pDstUV
          static_cast<unsigned>(reinterpret_cast<uintptr_t>(pDstUVStart)));
     return 0;
   }
-  const unsigned char* luma = m_pYYYYImage->Lock();
-  const unsigned char* chroma = m_pUVUVImage->Lock();
-  if (luma == nullptr || chroma == nullptr) return 0;
-
   const int columns = std::min(width, m_nYYYYWidth);
   if (columns <= 0) return 1;
-  const auto bytes = static_cast<size_t>(columns);
   const int last_row = std::min(rows, m_nYYYYHeight);
   const int chroma_rows =
       m_nFullHeight / 2;  // a frame of odd height has no chroma for its last row
+  const auto place = [=](unsigned char* plane, int row) {
+    return plane + static_cast<ptrdiff_t>(row) * stride + x;
+  };
+  if (columns % 4 == 0 && stride % 4 == 0 && y >= 0 && y % 2 == 0) {
+    const int block_chroma_rows = std::min((last_row + 1) / 2, chroma_rows - y / 2);
+    if (ReadPacked({place(pDstYStart, y), {0, 0, columns / 4, last_row}},
+                   {place(pDstUVStart, y / 2), {0, 0, columns / 4, block_chroma_rows}},
+                   stride / 4)) {
+      return 1;
+    }
+  }
+
+  const unsigned char* luma = m_pYYYYImage->Lock();
+  const unsigned char* chroma = m_pUVUVImage->Lock();
+  if (luma == nullptr || chroma == nullptr) return 0;
+  const auto bytes = static_cast<size_t>(columns);
   for (int row = 0; row < last_row; ++row) {
-    const ptrdiff_t frame_row = y + row;
-    std::memcpy(pDstYStart + frame_row * stride + x,
-                luma + static_cast<ptrdiff_t>(row) * m_nYYYYWidth, bytes);
+    const int frame_row = y + row;
+    std::memcpy(place(pDstYStart, frame_row), luma + static_cast<ptrdiff_t>(row) * m_nYYYYWidth,
+                bytes);
     if (frame_row % 2 == 0 && frame_row / 2 < chroma_rows) {
-      std::memcpy(pDstUVStart + (frame_row / 2) * stride + x,
+      std::memcpy(place(pDstUVStart, frame_row / 2),
                   chroma + static_cast<ptrdiff_t>(row / 2) * m_nUVUVWidth, bytes);
     }
   }

@@ -90,6 +90,34 @@ void NoteImages(Sight& sight, const GPUBeautyFace& engine, bool lock_first) {
   for (const auto& [name, image] : images) NoteImage(sight, name, *image, lock_first);
 }
 
+/// What a caller with GL calls of its own may leave behind: most numbers stand for nothing.
+void Disturb(unsigned number, const Size& size) {
+  switch (number) {
+    case 0:
+      glEnable(GL_SCISSOR_TEST);
+      glScissor(3, 5, size.width / 2, size.height / 2);
+      break;
+    case 1:
+      glEnable(GL_BLEND);
+      glBlendFunc(GL_ONE, GL_ONE);
+      break;
+    case 2:
+      glColorMask(GL_TRUE, GL_FALSE, GL_TRUE, GL_TRUE);
+      break;
+    case 3:
+      glScissor(1, 2, 3, 4);  // switched off, but still there afterwards
+      break;
+    default:
+      break;
+  }
+}
+
+void Undisturb() {
+  glDisable(GL_SCISSOR_TEST);
+  glDisable(GL_BLEND);
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+}
+
 /// Random callers' doings with one engine; the same seed does the same.
 class Doings {
  public:
@@ -102,15 +130,17 @@ class Doings {
   /// One frame. Every third is looked at closely, so that the others follow each other undisturbed.
   Sight frame(int number) {
     const Bytes picture = NoisePlanes(size_.width, size_.height, pick(UINT_MAX));
-    const bool separate = pick(3) == 0;
     CallerFrame in(size_.width, size_.height, picture);
     CallerPlanes apart(size_.width, size_.height);
-    uint8_t* const out = separate ? apart.chroma() : in.chroma();
+    uint8_t* const out = output(in, apart);
+    const unsigned disturbance = pick(24);
+    Disturb(disturbance, size_);
     const int returned = colour_convert_ ? whitened(in, out) : slimmed(in, out);
 
     Sight sight;
     Note(sight, "returned", returned);
     NoteState(sight, engine_);
+    Undisturb();
     sight.emplace_back("frame", in.bytes());
     sight.emplace_back("planes apart", apart.bytes());
     Note(sight, "intact", in.intact() && apart.intact());
@@ -119,6 +149,19 @@ class Doings {
   }
 
  private:
+  /// The chroma plane of the frame, one apart from it, or one that lies across its planes.
+  uint8_t* output(CallerFrame& in, CallerPlanes& apart) {
+    switch (pick(8)) {
+      case 0:
+        return in.luma() + pick(static_cast<unsigned>(LumaSize(size_.width, size_.height)));
+      case 1:
+      case 2:
+        return apart.chroma();
+      default:
+        return in.chroma();
+    }
+  }
+
   int slimmed(CallerFrame& in, uint8_t* out) {
     const int level = static_cast<int>(pick(12));
     switch (pick(8)) {
