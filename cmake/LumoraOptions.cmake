@@ -11,6 +11,7 @@ option(LUMORA_BUILD_PIPELINE "Build libLumoraPipeline, the friendly front" ON)
 option(LUMORA_BUILD_TOOLS "Build the lumora command" ON)
 option(LUMORA_BUILD_TESTS "Build the tests" ON)
 option(LUMORA_BUILD_FUZZERS "Build the fuzz targets as libFuzzer programs, not as tests" OFF)
+option(LUMORA_BUILD_BENCHMARKS "Build bench_lumora, which needs Google Benchmark" OFF)
 option(LUMORA_WERROR "Treat warnings as errors" OFF)
 set(LUMORA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
 
