@@ -95,13 +95,13 @@ BareProgram& BareProgram::Matrix4(const char* uniform, const float* values) {
   return *this;
 }
 
-BareImage MakeBareImage(int width, int height, GLint wrap) {
+BareImage MakeBareImage(int width, int height, GLint filter, GLint wrap) {
   BareImage image{0, 0, width, height};
   glGenTextures(1, &image.texture);
   glBindTexture(GL_TEXTURE_2D, image.texture);
   glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, wrap);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, wrap);
   glGenFramebuffers(1, &image.framebuffer);

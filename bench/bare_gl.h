@@ -56,7 +56,8 @@ struct BareImage {
   int width = 0;
   int height = 0;
 };
-BareImage MakeBareImage(int width, int height, GLint wrap = GL_CLAMP_TO_EDGE);
+BareImage MakeBareImage(int width, int height, GLint filter = GL_NEAREST,
+                        GLint wrap = GL_CLAMP_TO_EDGE);
 
 /// A rectangle of texture coordinates.
 struct TextureRectangle {

@@ -22,7 +22,7 @@ BareSlimming::BareSlimming(Size size, const GLProgWarp& warp)
     : size_(size),
       texels_(size.Pixels() * 4),
       warp_(shaders::kPassThroughEffectsVert, shaders::kCheekSlimmerFrag),
-      input_(MakeBareImage(size.width, size.height, GL_MIRRORED_REPEAT)),
+      input_(MakeBareImage(size.width, size.height, GL_NEAREST, GL_MIRRORED_REPEAT)),
       warped_(MakeBareImage(size.width, size.height)),
       packer_(size.width, size.height) {
   warp_.Floats("g_fController", 4, 1, warp.m_fvController)
@@ -57,9 +57,9 @@ BareWhitening::BareWhitening(Size size, const GLProgWhiteningBase& effect)
       to_hsi_(shaders::kPassThroughVert, shaders::kRgbToHsiFrag),
       whiten_(shaders::kPassThroughEffectsVert, shaders::kFaceWhiteningFrag),
       to_yuv_(shaders::kPassThroughVert, shaders::kHsiToYuvFrag),
-      yuv_(MakeBareImage(size.width, size.height)),
-      rgb_(MakeBareImage(size.width, size.height)),
-      hsi_(MakeBareImage(size.width, size.height)),
+      yuv_(MakeBareImage(size.width, size.height, GL_NEAREST, GL_MIRRORED_REPEAT)),
+      rgb_(MakeBareImage(size.width, size.height, GL_LINEAR)),
+      hsi_(MakeBareImage(size.width, size.height, GL_LINEAR)),
       whitened_(MakeBareImage(size.width, size.height)),
       packer_(size.width, size.height) {
   to_rgb_.Matrix4("u_mat_yuv2rgb", kMatYUV2RGB);

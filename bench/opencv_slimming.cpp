@@ -27,7 +27,7 @@ OpenCvSlimming::OpenCvSlimming(Size size, const GLProgWarp& warp)
   limiter_y_ = reach_ * std::sin(warp.m_fvAngleLimiter[0]);
 }
 
-void OpenCvSlimming::BuildMap() {
+void OpenCvSlimming::BuildMap(bool skip) {
   const auto width = static_cast<float>(size_.width);
   const auto height = static_cast<float>(size_.height);
   cv::parallel_for_(cv::Range(0, size_.height), [&](const cv::Range& rows) {
@@ -40,9 +40,11 @@ void OpenCvSlimming::BuildMap() {
         const float u = (static_cast<float>(column) + 0.5f) / width;
         const float dx = u - centre_x_;
         const float distance = std::sqrt(dx * dx + dy * dy * aspect_ * aspect_);
-        to_x[column] = static_cast<float>(column);
-        to_y[column] = static_cast<float>(row);
-        if (distance >= radius_) continue;  // nothing moves there
+        if (skip && distance >= radius_) {
+          to_x[column] = static_cast<float>(column);
+          to_y[column] = static_cast<float>(row);
+          continue;
+        }
         const float lx = dx - limiter_x_;
         const float ly = (dy - limiter_y_) * aspect_;
         const float hold = std::min(1.0f, std::sqrt(lx * lx + ly * ly) / limiter_scale_ / reach_);

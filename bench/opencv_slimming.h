@@ -16,8 +16,9 @@ class OpenCvSlimming {
  public:
   OpenCvSlimming(Size size, const GLProgWarp& warp);
 
-  /// Computes where every pixel comes from; once a frame where the face moves.
-  void BuildMap();
+  /// Computes where every pixel comes from; once a frame where the face moves. `skip` leaves the
+  /// formula out where nothing moves.
+  void BuildMap(bool skip);
   /// NV21 to BGR, remap, back to NV21, in place.
   void Remap(uint8_t* frame);
   /// Both planes remapped as they are, without conversions: what someone would write who knows

@@ -15,8 +15,6 @@
 namespace lumora::bench {
 namespace {
 
-constexpr int kSlim = 50;
-
 /// Fills luma by (column, row) and chroma by (byte, row).
 template <typename Luma, typename Chroma>
 Buffer MakeFrame(Size size, Luma luma, Chroma chroma) {
@@ -63,13 +61,14 @@ Buffer RandomFrame(Size size) {
 }
 
 Buffer SmoothFrame(Size size) {
+  const auto wave = [](int place, double period, double amplitude) {
+    return amplitude * std::sin(place * 2 * 3.14159265358979 / period);
+  };
   return MakeFrame(
-      size,
+      size, [&](int x, int y) { return 128 + wave(x, 96, 30) + wave(y, 96, 30); },
       [&](int x, int y) {
-        return 60 + 60 * x / size.width + 70 * y / size.height;
-      },
-      [&](int x, int y) {
-        return x % 2 == 0 ? 110 + 40 * x / size.width : 100 + 80 * y / size.height;
+        const double value = wave(x / 2, 192, 10) + wave(y, 192, 10);
+        return x % 2 == 0 ? 128 + value : 128 - value;
       });
 }
 

@@ -58,6 +58,9 @@ Face CentredFace(Size size, double eye_distance);
 /// The face that previews are measured with: as large as that of someone who holds the camera.
 Face PreviewFace(Size size);
 
+/// The strength of slimming, on the pipeline's scale.
+constexpr int kSlim = 50;
+
 /// The engine's record of a face.
 FACE_INFO_t RecordOf(const Face& face, Size size, Chain chain = Chain::Preview);
 
