@@ -98,23 +98,44 @@ void ExpandPair(const Target& target, Offset dst_at, const Source& source, Offse
   }
 }
 
+// Expands pairs whose rows are apart and have nothing behind them.
+void ExpandApart(const Target& target, const Source& source, Offset displacement, Offset groups,
+                 Offset pairs, Stores stores) {
+  const RowPairs rows = {target.base,
+                         target.stride * kTexelBytes,
+                         target.pair_advance * kTexelBytes,
+                         source.luma.base + source.luma.at,
+                         source.stride,
+                         2 * source.stride + displacement,
+                         source.chroma.base + source.chroma.at,
+                         source.stride + displacement,
+                         groups,
+                         pairs};
+  ExpandRowPairs(rows, stores);
+}
+
 // Expands all row pairs; returns the place in the destination, in texels, where the next pair would
 // start.
 Offset ExpandPairs(const Target& target, Source source, int w, int h) {
   const Offset groups = RowGroups(w);
   const Offset pairs = std::max(h >> 1, 1);
   const Offset row = (groups + target.edge_groups) * kBlockPixels;
-  const Offset step = std::abs(target.stride) >= row ? groups : 1;
+  const bool apart = std::abs(target.stride) >= row;
   const Offset displacement = groups * kBlockPixels - w;
   const Stores stores =
       2 * pairs * row * kTexelBytes > kStreamingBytes ? Stores::kStreaming : Stores::kCached;
 
   Offset dst_at = 0;
-  for (Offset pair = 0; pair < pairs; ++pair) {
-    ExpandPair(target, dst_at, source, groups, step, stores);
-    source.luma.at += 2 * source.stride + displacement;
-    source.chroma.at += source.stride + displacement;
-    dst_at += target.pair_advance;
+  if (apart && target.edge_groups == 0) {
+    ExpandApart(target, source, displacement, groups, pairs, stores);
+    dst_at = pairs * target.pair_advance;
+  } else {
+    for (Offset pair = 0; pair < pairs; ++pair) {
+      ExpandPair(target, dst_at, source, groups, apart ? groups : 1, stores);
+      source.luma.at += 2 * source.stride + displacement;
+      source.chroma.at += source.stride + displacement;
+      dst_at += target.pair_advance;
+    }
   }
   if (stores == Stores::kStreaming) hwy::FlushStream();
   return dst_at;

@@ -76,6 +76,17 @@ void ExpandRow(std::uint8_t* dst, const std::uint8_t* luma, const std::uint8_t* 
   }
 }
 
+void ExpandRowPairs(const RowPairs& rows, Stores stores) {
+  for (std::ptrdiff_t pair = 0; pair < rows.pairs; ++pair) {
+    const std::uint8_t* const chroma = rows.chroma + pair * rows.chroma_pair;
+    for (int row = 0; row < 2; ++row) {
+      HWY_NAMESPACE::ExpandRow(rows.dst + pair * rows.dst_pair + row * rows.dst_row,
+                               rows.luma + pair * rows.luma_pair + row * rows.luma_row, chroma,
+                               rows.blocks, stores);
+    }
+  }
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace lumora
 HWY_AFTER_NAMESPACE();
@@ -84,10 +95,15 @@ HWY_AFTER_NAMESPACE();
 namespace lumora {
 
 HWY_EXPORT(ExpandRow);
+HWY_EXPORT(ExpandRowPairs);
 
 void ExpandRow(std::uint8_t* dst, const std::uint8_t* luma, const std::uint8_t* chroma,
                std::ptrdiff_t blocks, Stores stores) {
   HWY_DYNAMIC_DISPATCH(ExpandRow)(dst, luma, chroma, blocks, stores);
+}
+
+void ExpandRowPairs(const RowPairs& rows, Stores stores) {
+  HWY_DYNAMIC_DISPATCH(ExpandRowPairs)(rows, stores);
 }
 
 }  // namespace lumora

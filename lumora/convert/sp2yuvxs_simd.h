@@ -17,6 +17,25 @@ enum class Stores { kCached, kStreaming };
 void ExpandRow(std::uint8_t* dst, const std::uint8_t* luma, const std::uint8_t* chroma,
                std::ptrdiff_t blocks, Stores stores);
 
+// Pairs of rows that share their chroma. Sizes are bytes, and the first row of a pair is written
+// before the second.
+struct RowPairs {
+  std::uint8_t* dst;
+  std::ptrdiff_t dst_row;   // from the first row of a pair to its second
+  std::ptrdiff_t dst_pair;  // from pair to pair
+  const std::uint8_t* luma;
+  std::ptrdiff_t luma_row;
+  std::ptrdiff_t luma_pair;
+  const std::uint8_t* chroma;
+  std::ptrdiff_t chroma_pair;
+  std::ptrdiff_t blocks;  // of a row
+  std::ptrdiff_t pairs;
+};
+
+// ExpandRow() for all rows, at the price of one call: choosing the vector unit row by row takes a
+// tenth of the time of a small frame.
+void ExpandRowPairs(const RowPairs& rows, Stores stores);
+
 }  // namespace lumora
 
 #endif  // LUMORA_CONVERT_SP2YUVXS_SIMD_H_
