@@ -4,11 +4,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <new>
 
 #include "lumora/gl/log.h"
-#include "lumora/gl/segl_image.h"
+#include "lumora/gl/step_timer.h"
 #include "lumora/platform/gl_api.h"
 
 LUMORA_LOG_TAG("EGLImageTest");
@@ -20,16 +19,16 @@ constexpr unsigned short kRed = 0xF800;
 constexpr unsigned short kGreen = 0x07E0;
 constexpr unsigned short kBlue = 0x001F;
 
-// The header of the TGA file read last.
-uint8_t s_tgaHeader[18];
+// The header of the TGA file that this thread read last.
+thread_local uint8_t s_tgaHeader[18];
 constexpr int kTgaWidth = 12;
 constexpr int kTgaHeight = 14;
 constexpr int kTgaDepth = 16;
 // A header that claims more pixel bytes than this is not one of a picture.
 constexpr size_t kMaxTgaSize = size_t{1} << 30;
 
-// Elements of the destination of the last InputImageMemcopy.
-int s_nImageElements = 0;
+// Elements of the destination of this thread's last InputImageMemcopy.
+thread_local int s_nImageElements = 0;
 
 int AlignedWidth(int width) {
   return (width + 31) & ~31;
@@ -98,13 +97,12 @@ int InputImageMemcopy(unsigned short* src, unsigned short* dst, int w, int h) {
     std::memcpy(dst, src, static_cast<size_t>(s_nImageElements) * 2);
     return 1;
   }
-  g_cTimeStart = clock();
+  const lumora::gl::StepTimer timer;
   for (int row = 0; row < h; ++row) {
     std::memcpy(dst + static_cast<ptrdiff_t>(row) * aligned, src + static_cast<ptrdiff_t>(row) * w,
                 static_cast<size_t>(w) * 2);
   }
-  g_cTimeFinish = clock();
-  g_dCountTimeInterval = static_cast<double>(g_cTimeFinish - g_cTimeStart) * 1000.0 / 1000000.0;
+  timer.Stop();
   return 1;
 }
 

@@ -8,7 +8,7 @@
 //   LOGI("FaceProcess++");
 //
 // The tag's level mask is one byte a file. It starts with bit 7 set ("not asked yet"); the first
-// log site asks the platform and keeps the answer.
+// log site asks the platform and keeps the answer. Threads may ask at once and get the same answer.
 #ifndef LUMORA_GL_LOG_H_
 #define LUMORA_GL_LOG_H_
 
@@ -25,7 +25,8 @@ struct LogChannel {
 
   /// Whether `priority` is to be printed; asks the platform while the mask is unset.
   bool enabled(LogPriority priority) {
-    const unsigned char levels = (mask & 0x80) != 0 ? __korvolog_init_mask(tag, -1, &mask) : mask;
+    unsigned char levels = __atomic_load_n(&mask, __ATOMIC_RELAXED);
+    if ((levels & 0x80) != 0) levels = __korvolog_init_mask(tag, -1, &mask);
     return (levels & (1u << (priority - 2))) != 0;
   }
 };

@@ -5,6 +5,7 @@
 
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/step_timer.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/gralloc.h"
 
@@ -12,19 +13,9 @@ LUMORA_LOG_TAG("EGLImageTest");
 
 namespace platform = lumora::platform;
 
-clock_t g_cTimeStart = 0;
-clock_t g_cTimeFinish = 0;
-double g_dCountTimeInterval = 0.0;
-
 namespace {
 
 constexpr GLuint kNoTexture = static_cast<GLuint>(-1);
-
-/// Stores the time since `g_cTimeStart`, in milliseconds of a clock with a million ticks a second.
-void StopTimer() {
-  g_cTimeFinish = clock();
-  g_dCountTimeInterval = static_cast<double>(g_cTimeFinish - g_cTimeStart) * 1000.0 / 1000000.0;
-}
 
 /// A pointer as the log shows it: the low 32 bits, in decimal.
 int LogNumber(const void* pointer) {
@@ -51,13 +42,13 @@ int SEGLImage::CreateBuffered(int width, int height, int format) {
   LOGD("SEGLImage::Create - start");
 
   LOGD("new GraphicBuffer - start");
-  g_cTimeStart = clock();
+  const lumora::gl::StepTimer buffer_timer;
   m_spBuffer = new (std::nothrow) platform::GraphicBuffer(
       width > 0 ? static_cast<uint32_t>(width) : 0, height > 0 ? static_cast<uint32_t>(height) : 0,
       format, platform::GRALLOC_USAGE_SW_WRITE_OFTEN | platform::GRALLOC_USAGE_HW_TEXTURE);
   if (!m_spBuffer) return 0;
-  StopTimer();
-  LOGD("new GraphicBuffer spend: %f ms\n", g_dCountTimeInterval);
+  const double buffer_ms = buffer_timer.Stop();
+  LOGD("new GraphicBuffer spend: %f ms\n", buffer_ms);
   LOGD("new GraphicBuffer - end");
 
   const void* native_buffer = m_spBuffer->getNativeBuffer();
@@ -65,7 +56,7 @@ int SEGLImage::CreateBuffered(int width, int height, int format) {
   LOGD("clientBuf: %i", LogNumber(native_buffer));
 
   LOGD("eglCreateImageKHR - start");
-  g_cTimeStart = clock();
+  const lumora::gl::StepTimer texture_timer;
   const EGLint attributes[] = {EGL_IMAGE_PRESERVED_KHR, EGL_TRUE, EGL_NONE};
   m_eglImage = m_spBuffer->createImage(eglGetCurrentDisplay(), attributes);
   if (m_eglImage == EGL_NO_IMAGE_KHR) {
@@ -104,8 +95,8 @@ int SEGLImage::CreateBuffered(int width, int height, int format) {
   if (glGetError() != GL_NO_ERROR) {
     LOGD("glEGLImageTargetTexture2DOES failed 0x%08x", glGetError());
   }
-  StopTimer();
-  LOGD("GL create texture spend: %f ms\n", g_dCountTimeInterval);
+  const double texture_ms = texture_timer.Stop();
+  LOGD("GL create texture spend: %f ms\n", texture_ms);
   LOGD("SEGLImage::Create - end");
   return 1;
 }

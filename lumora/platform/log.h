@@ -15,9 +15,10 @@ int __android_log_vprint(int priority, const char* tag, const char* format, va_l
     __attribute__((format(printf, 3, 0)));
 
 /// The level mask of a tag (which may be null): bit p - 2 enables priority p, bit 7 is clear.
-/// Stores the mask in `*mask` and returns it. `unused` is always -1. On Linux the levels come from
-/// LUMORA_LOG (debug, info or error), else from the platform log's own convention for the tag with
-/// ERROR as the default. A host program may define its own in place of this one.
+/// Stores the mask in `*mask`, which other threads may be reading, and returns it. `unused` is
+/// always -1. On Linux the levels come from LUMORA_LOG (debug, info or error), else from the
+/// platform log's own convention for the tag with ERROR as the default. A host program may define
+/// its own in place of this one.
 LUMORA_API unsigned char __korvolog_init_mask(const char* tag, int unused, unsigned char* mask);
 
 }  // extern "C"

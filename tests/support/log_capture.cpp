@@ -256,8 +256,10 @@ __attribute__((visibility("default"))) unsigned char __korvolog_init_mask(const 
   const std::string key = lumora::test::Key(tag);
   ++state.mask_requests[key];
   const auto found = state.levels.find(key);
-  *mask = found == state.levels.end() ? lumora::test::kAllLevels : found->second;
-  return *mask;
+  const unsigned char answer =
+      found == state.levels.end() ? lumora::test::kAllLevels : found->second;
+  __atomic_store_n(mask, answer, __ATOMIC_RELAXED);
+  return answer;
 }
 
 }  // extern "C"

@@ -45,6 +45,7 @@ extern "C" __attribute__((weak)) unsigned char __korvolog_init_mask(const char* 
         least != kUnset ? priority >= least : __android_log_is_loggable(priority, tag, kError) != 0;
     if (enabled) levels |= 1u << (priority - kVerbose);
   }
-  *mask = static_cast<unsigned char>(levels);
-  return *mask;
+  const auto answer = static_cast<unsigned char>(levels);
+  __atomic_store_n(mask, answer, __ATOMIC_RELAXED);
+  return answer;
 }

@@ -1,0 +1,95 @@
+// Work of every kind at the same time, each on a thread with a pipeline of its own.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "pipeline/converter.h"
+#include "pipeline/pipeline_fixture.h"
+
+namespace lumora::test {
+namespace {
+
+constexpr int kWidth = 160, kHeight = 120;
+
+Look SlimAndWhiten() {
+  Look look;
+  look.slim = 60;
+  look.whiten = 80;
+  return look;
+}
+
+/// The bytes of all planes or images.
+using Bytes = std::vector<std::vector<uint8_t>>;
+
+/// What a pipeline, made for it, makes of a frame, in NV21.
+using Call =
+    std::function<Status(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out)>;
+
+Call Beautify(Look look, Chain chain) {
+  return [=](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
+    return pipeline.Process(in, out, {FaceIn(kWidth, kHeight)}, look, nullptr, {chain});
+  };
+}
+
+Bytes ByPipeline(const Call& call) {
+  Status status;
+  const auto pipeline = Pipeline::Create(&status);
+  FrameMemory in(PixelFormat::NV21, kWidth, kHeight), out(PixelFormat::NV21, kWidth, kHeight);
+  in.Fill(NoiseSamples(kWidth, kHeight));
+  if (pipeline) status = call(*pipeline, in.const_view(), out.view());
+  EXPECT_TRUE(status.ok()) << status.message;
+  return out.Everything();
+}
+
+Bytes ByConverter() {
+  Status status;
+  const auto converter = Converter::Create(&status);
+  FrameMemory in(PixelFormat::NV21, kWidth, kHeight);
+  in.Fill(NoiseSamples(kWidth, kHeight));
+  Bytes images(2, std::vector<uint8_t>(size_t{kWidth} * kHeight * 3));
+  const auto view = [&](size_t i) {
+    return ImageView{images[i].data(), kWidth, kHeight, 3, kWidth * 3};
+  };
+  if (converter) status = converter->Convert(in.const_view(), view(0), view(1));
+  EXPECT_TRUE(status.ok()) << status.message;
+  return images;
+}
+
+TEST(ParallelWork, EveryKindGivesWhatItGivesAlone) {
+  using Work = std::function<Bytes()>;
+  const auto by_pipeline = [](Call call) {
+    return [call = std::move(call)] { return ByPipeline(call); };
+  };
+  const std::vector<Work> works = {
+      by_pipeline(Beautify(kFull, Chain::Preview)),
+      by_pipeline(Beautify(SlimAndWhiten(), Chain::Preview)),
+      by_pipeline(Beautify(SlimAndWhiten(), Chain::Capture)),
+      by_pipeline([](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
+        return pipeline.Rectify(in, out, 20);
+      }),
+      by_pipeline([](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
+        return pipeline.RectifyRadial(in, out, LensCoefficients{});
+      }),
+      ByConverter,
+  };
+  // At the same time first: nothing in the process has been made or asked for yet.
+  constexpr int kRounds = 3;
+  std::vector<std::vector<Bytes>> results(works.size());
+  std::vector<std::thread> threads;
+  for (size_t i = 0; i < works.size(); ++i) {
+    threads.emplace_back([&, i] {
+      for (int round = 0; round < kRounds; ++round) results[i].push_back(works[i]());
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (size_t i = 0; i < works.size(); ++i) {
+    EXPECT_TRUE(results[i] == std::vector<Bytes>(kRounds, works[i]())) << "work " << i;
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test
