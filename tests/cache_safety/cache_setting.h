@@ -9,8 +9,8 @@
 
 namespace lumora::test {
 
-/// How often a test repeats what needs luck: `brief` times, `thorough` times where
-/// LUMORA_SOAK_CYCLES is set.
+/// How often a test repeats what needs luck: `brief` times, or so many of `thorough` as
+/// LUMORA_SOAK_CYCLES is of 10,000.
 int Repeats(int brief, int thorough);
 
 /// Names of the files in a directory, those of programs and all others.
