@@ -49,7 +49,8 @@ Face TakeFace(Input& input) {
   float numbers[sizeof(Face) / sizeof(float)];
   std::memcpy(numbers, &face, sizeof(face));
   for (int changes = input.between(0, 15); changes > 0; --changes) {
-    numbers[input.between(0, static_cast<int>(std::size(numbers)) - 1)] = TakeNumber(input);
+    const int at = input.between(0, static_cast<int>(std::size(numbers)) - 1);
+    numbers[at] = TakeNumber(input);
   }
   std::memcpy(&face, numbers, sizeof(face));
   return face;
@@ -82,6 +83,24 @@ void Spoil(View& view, Input& input) {
     default:
       break;
   }
+}
+
+/// Whether a view still describes its memory, which `whole` is the view of.
+template <typename View>
+bool IsSound(const View& view, const View& whole) {
+  const bool planar = whole.format == lumora::PixelFormat::I420;
+  const bool same_planes =
+      planar ? view.format == whole.format
+             : view.format == lumora::PixelFormat::NV21 || view.format == lumora::PixelFormat::NV12;
+  if (!same_planes || view.width != whole.width || view.height != whole.height) return false;
+  const int pairs = (whole.width + 1) / 2;
+  for (size_t plane = 0; plane < (planar ? 3 : 2); ++plane) {
+    const int row = plane == 0 ? whole.width : planar ? pairs : 2 * pairs;
+    const bool fits =
+        view.strides[plane] >= row && view.strides[plane] <= std::numeric_limits<int>::max();
+    if (view.planes[plane] == nullptr || !fits) return false;
+  }
+  return true;
 }
 
 lumora::Pipeline& ThePipeline() {
@@ -157,6 +176,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const lumora::Status status = Call(in_view, out_view, input);
   Require(in.Everything() == in_before, "the input is only read");
   Require(out.GuardsIntact(), "nothing between and around the rows is written");
+  Require(!status.ok() || (IsSound(in_view, in.const_view()) && IsSound(out_view, out.view())),
+          "frames that make no sense are refused");
   if (!status.ok()) {
     Require(out.Everything() == out_before, "a failure leaves the output as it was");
     Require(!status.message.empty(), "a failure has a sentence");

@@ -198,6 +198,7 @@ def cache_file():
 EMPTY, CLEAN = 0, 1
 WORDS = 231
 DIST, CHIN, LOC_X, LOC_Y, ROLL, RATIO = 32, 36, 19, 20, 23, 230
+LEFT_EAR, RIGHT_EAR, LEFT_JAW, RIGHT_JAW = (2 + 3 * landmark for landmark in (68, 69, 70, 71))  # their x
 
 
 def record(kind, changes=()):
@@ -208,6 +209,8 @@ RECORDS = {
     "none": b"\0",
     "clean": b"\1" + record(CLEAN),
     "empty": b"\1" + record(EMPTY),
+    "wide": b"\1" + record(CLEAN, [(LEFT_EAR, small(-90)), (RIGHT_EAR, small(100)),
+                                   (LEFT_JAW, small(-90)), (RIGHT_JAW, small(100))]),
     "extreme": b"\1\xff" + b"".join(extreme(i % 14) for i in range(WORDS)),
     "many": b"\x0c" + record(CLEAN) * 6 + record(CLEAN, [(DIST, extreme(13)), (ROLL, extreme(0))]) * 6,
     "ratio": b"\1" + record(CLEAN, [(RATIO, b"\xff" + struct.pack("<f", float("nan")))]),

@@ -26,7 +26,8 @@ FACE_INFO_t TakeRecord(Input& input, int width, int height) {
     for (int32_t& word : words) word = input.any_int();
   } else {
     for (int changes = kind / 8; changes > 0; --changes) {
-      words[input.between(0, kWords - 1)] = input.any_int();
+      const int at = input.between(0, kWords - 1);
+      words[at] = input.any_int();
     }
   }
   FACE_INFO_t record;
