@@ -167,7 +167,11 @@ EGLBoolean Initialize(EGLDisplay display, EGLint* major, EGLint* minor) {
   if (display == EGL_NO_DISPLAY) return eglInitialize(display, major, minor);
   Display& entry = displays.entry(display);
   const EGLBoolean started = Start(entry, major, minor);
-  if (started == EGL_TRUE) ++entry.references;
+  if (started == EGL_TRUE) {
+    ++entry.references;
+  } else if (entry.references == 0) {
+    Stop(entry);  // GetDisplay left it initialised for this call
+  }
   return started;
 }
 
