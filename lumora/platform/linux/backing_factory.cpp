@@ -70,8 +70,10 @@ BufferKind PreferredBufferKind() {
 }
 
 std::unique_ptr<BufferBacking> MakeBacking(const BufferGeometry& geometry) {
-  std::unique_ptr<BufferBacking> backing = PreferredCandidate().make(geometry);
-  return backing != nullptr ? std::move(backing) : kFallback.make(geometry);
+  const Candidate& preferred = PreferredCandidate();
+  std::unique_ptr<BufferBacking> backing = preferred.make(geometry);
+  if (backing != nullptr || &preferred == &kFallback) return backing;
+  return kFallback.make(geometry);
 }
 
 }  // namespace lumora::platform

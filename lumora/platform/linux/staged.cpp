@@ -87,6 +87,12 @@ StagedTexture::~StagedTexture() {
 }
 
 EGLImageKHR StagedTexture::createImage(EGLDisplay display, const EGLint* attributes) {
+  // Made now, because a read-back has no way to tell that it could not be.
+  if (framebuffer_ == 0) {
+    glGenFramebuffers(1, &framebuffer_);
+    if (framebuffer_ == 0) return EGL_NO_IMAGE_KHR;
+    AttachColor(framebuffer_, texture_->name(), features_);
+  }
   const EGLImageKHR image = CreateTextureImage(display, texture_->name(), attributes);
   shown_ = image != EGL_NO_IMAGE_KHR;
   return image;
@@ -108,10 +114,6 @@ bool StagedTexture::uploadFrom(const CpuImage& image, const PixelRectangle& part
 
 bool StagedTexture::readBackInto(const CpuImage& image, const PixelRectangle& part) {
   if (!shown_ || !texture_->contextIsCurrent()) return false;
-  if (framebuffer_ == 0) {
-    glGenFramebuffers(1, &framebuffer_);
-    AttachColor(framebuffer_, texture_->name(), features_);
-  }
   ReadBack(framebuffer_, image, part, features_);
   return true;
 }
