@@ -74,7 +74,8 @@ int SEGLImage::CreateBuffered(int width, int height, int format) {
   checkGlError("CreateTexture - glBindTexture");
   SetFilterAndWrap(GL_NEAREST, GL_CLAMP_TO_EDGE);
   m_hTexture = texture;
-  if (glGetError() != GL_NO_ERROR) {
+  // The check after glGenTextures has taken the error of a name that could not be made.
+  if (texture == 0 || glGetError() != GL_NO_ERROR) {
     // The code told is that of the next error in the queue, usually none.
     LogLine("CreateTexture failed 0x%08x", glGetError());
     return 0;
