@@ -4,9 +4,12 @@
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
+
+LUMORA_LOG_TAG("Lumora");
 
 namespace android {
 namespace {
@@ -17,12 +20,15 @@ using lumora::SetWrapAndFilter;
 constexpr unsigned char kBuffered = 1;
 constexpr unsigned char kPlain = 0;
 
+constexpr GLuint kNoName = static_cast<GLuint>(-1);
+
 constexpr char kCheckRgb[] = "InitTexture - after RGB SetColorAttachment";
 constexpr char kCheckYyyy[] = "InitTexture - after YYYY SetColorAttachment";
 constexpr char kCheckUvuv[] = "InitTexture - after UVUV SetColorAttachment";
 
-/// A plain texture of one plane of a capture. Rows of the plane are tightly packed bytes.
+/// A plain texture of one plane of a capture, or -1. Rows of the plane are tightly packed bytes.
 GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) {
+  checkGlError("InitTextureLarge");
   GLuint texture = 0;
   glGenTextures(1, &texture);
   glBindTexture(GL_TEXTURE_2D, texture);
@@ -33,7 +39,11 @@ GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) 
                GL_UNSIGNED_BYTE, plane);
   glPixelStorei(GL_UNPACK_ALIGNMENT, alignment);
   SetWrapAndFilter(GL_MIRRORED_REPEAT, GL_NEAREST);
-  return texture;
+  const GLenum error = glGetError();
+  if (error == GL_NO_ERROR) return texture;
+  LOGE("[%s] can't make plane texture, glError (0x%x)", "InitTextureLarge", error);
+  glDeleteTextures(1, &texture);
+  return kNoName;
 }
 
 }  // namespace
@@ -41,11 +51,22 @@ GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) 
 bool GPUBeautyFace::MakeImageTarget(SEGLImage*& image, GLuint& fbo, unsigned char flag, int width,
                                     int height, GLint wrap, GLint filter, const char* check) {
   image = new (std::nothrow) SEGLImage(flag);
-  if (image == nullptr) return false;
-  const bool created = image->Create(width, height, 1) == 1;
+  const bool created = image != nullptr && image->Create(width, height, 1) == 1;
+  if (image == nullptr || image->m_hTexture == kNoName) {
+    LOGE("[%s] can't new image", "MakeImageTarget");
+    delete image;
+    image = nullptr;
+    return false;
+  }
   SetWrapAndFilter(wrap, filter);
   GLuint name = 0;
   glGenFramebuffers(1, &name);
+  if (name == 0) {
+    // Framebuffer 0 is the pbuffer's: nothing may be drawn to it in this one's place.
+    LOGE("[%s] can't make framebuffer", "MakeImageTarget");
+    checkGlError(check);
+    return false;
+  }
   fbo = name;
   glBindFramebuffer(GL_FRAMEBUFFER, fbo);
   const bool complete = SetColorAttachment(GL_TEXTURE_2D, image->m_hTexture);
@@ -89,6 +110,8 @@ int GPUBeautyFace::InitTextureLarge(int width, int height) {
         platform::HAL_PIXEL_FORMAT_RGBA_8888,
         platform::GRALLOC_USAGE_SW_READ_OFTEN | platform::GRALLOC_USAGE_SW_WRITE_OFTEN |
             platform::GRALLOC_USAGE_HW_TEXTURE);
+    if (m_spLargeBuffer && m_spLargeBuffer->handle().base == nullptr) m_spLargeBuffer.clear();
+    if (!m_spLargeBuffer) LOGE("[%s] can't new image", "InitTextureLarge");
     made &= static_cast<bool>(m_spLargeBuffer);
   } else {
     made &= make_work_image(1, RoundUpTo32(width), height);
@@ -103,6 +126,7 @@ int GPUBeautyFace::InitTextureLarge(void* pY, void* pCbCr, int width, int height
   m_hCbCrTexture = MakePlaneTexture(GL_LUMINANCE_ALPHA, width / 2, height / 2, pCbCr);
   bool made = MakeImageTarget(m_pWorkImage[0], m_hWorkFbo[0], kPlain, m_nProcWidth, m_nProcHeight,
                               GL_CLAMP_TO_EDGE, GL_NEAREST, kCheckRgb);
+  made &= m_hYTexture != kNoName && m_hCbCrTexture != kNoName;
   made &= MakePackedTargets();
   return made ? 1 : 0;
 }

@@ -35,8 +35,10 @@ FaceProcessRect BlocksAround(const FACE_INFO_t& face, int block_width, int block
 
 int GPUBeautyFace::DrawFaceDistLarge() {
   auto* program = static_cast<GLProgWarp*>(m_pProgCheekSlimmer);
-  if (program == nullptr || m_hWorkFbo[0] == static_cast<GLuint>(-1) ||
-      (m_bColorCvtMode && m_pWorkImage[1] == nullptr)) {
+  constexpr auto kNoName = static_cast<GLuint>(-1);
+  const bool has_source = m_bColorCvtMode ? m_pWorkImage[1] != nullptr
+                                          : m_hYTexture != kNoName && m_hCbCrTexture != kNoName;
+  if (program == nullptr || m_hWorkFbo[0] == kNoName || !has_source) {
     LOGE("[%s] program or image is missing", "DrawFaceDistLarge");
     return 0;
   }

@@ -50,7 +50,7 @@ bool CornerInside(const FaceProcessRect& rect, int x, int y, int width, int heig
 int GPUBeautyFace::DrawFaceWhiteLarge(bool bUsePrev) {
   const SEGLImage* previous = bUsePrev ? m_pRGBImage : m_pWorkImage[0];
   if (m_pProgFaceWhitening == nullptr || m_pWorkImage[0] == nullptr || previous == nullptr ||
-      m_pWorkImage[2] == nullptr) {
+      m_pWorkImage[2] == nullptr || m_hWorkFbo[2] == static_cast<GLuint>(-1)) {
     LOGE("[%s] program or image is missing", "DrawFaceWhiteLarge");
     return 0;
   }
