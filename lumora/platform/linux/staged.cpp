@@ -87,15 +87,21 @@ StagedTexture::~StagedTexture() {
 }
 
 EGLImageKHR StagedTexture::createImage(EGLDisplay display, const EGLint* attributes) {
-  // Made now, because a read-back has no way to tell that it could not be.
-  if (framebuffer_ == 0) {
-    glGenFramebuffers(1, &framebuffer_);
-    if (framebuffer_ == 0) return EGL_NO_IMAGE_KHR;
-    AttachColor(framebuffer_, texture_->name(), features_);
+  EGLImageKHR image = CreateTextureImage(display, texture_->name(), attributes);
+  if (image != EGL_NO_IMAGE_KHR && !makeFramebuffer()) {
+    gl::Extensions().eglDestroyImageKHR(display, image);
+    image = EGL_NO_IMAGE_KHR;
   }
-  const EGLImageKHR image = CreateTextureImage(display, texture_->name(), attributes);
   shown_ = image != EGL_NO_IMAGE_KHR;
   return image;
+}
+
+bool StagedTexture::makeFramebuffer() {
+  if (framebuffer_ != 0) return true;
+  glGenFramebuffers(1, &framebuffer_);
+  if (framebuffer_ == 0) return false;
+  AttachColor(framebuffer_, texture_->name(), features_);
+  return true;
 }
 
 bool StagedTexture::upload(const PixelRectangle& part) {

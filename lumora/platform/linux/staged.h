@@ -40,10 +40,13 @@ class StagedTexture {
   bool readBackInto(const CpuImage& image, const PixelRectangle& part);
 
  private:
+  // Made with the image: a read-back has no way to tell that it could not be.
+  bool makeFramebuffer();
+
   const CpuImage image_;
   TransferFeatures features_;
   std::optional<OwnedTexture> texture_;
-  GLuint framebuffer_ = 0;  ///< made by the first read-back
+  GLuint framebuffer_ = 0;  ///< for reading back
   bool shown_ = false;      ///< by an EGL image
 };
 
