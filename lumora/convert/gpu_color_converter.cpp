@@ -87,8 +87,12 @@ int GPUColorConverter::Init(int nSrcImageWidth, int nSrcImageHeight, int* pStrid
 
 SEGLImage* GPUColorConverter::MakeImage(int width, int height, GLint wrap) {
   auto* image = new (std::nothrow) SEGLImage(1);
-  if (image == nullptr) return nullptr;
-  image->Create(width, height, 1);
+  if (image != nullptr) image->Create(width, height, 1);
+  if (image == nullptr || image->m_hTexture == static_cast<GLuint>(-1)) {
+    LOGE("[%s] can't new image", "InitTexture");
+    delete image;
+    return nullptr;
+  }
   lumora::SetWrapAndFilter(wrap, GL_LINEAR);
   return image;
 }
@@ -97,11 +101,17 @@ int GPUColorConverter::InitTexture() {
   const int width = lumora::RoundUpTo32(m_nSrcWidth);
   m_pInputImage = MakeImage(width, m_nSrcHeight, GL_MIRRORED_REPEAT);
   for (int i = 0; i < 2; ++i) {
+    m_hFrameBuffer[i] = 0;  // release left the former one's name
     m_pOutputImage[i] = MakeImage(width, m_nSrcHeight, GL_CLAMP_TO_EDGE);
     if (m_pOutputImage[i] == nullptr) continue;
     GLuint framebuffer = 0;
     glGenFramebuffers(1, &framebuffer);
     m_hFrameBuffer[i] = framebuffer;
+    if (framebuffer == 0) {
+      LOGE("[%s] can't make framebuffer", "InitTexture");
+      checkGlError("InitTexture - after RGB SetColorAttachment");
+      continue;
+    }
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
     SetColorAttachment(GL_TEXTURE_2D, m_pOutputImage[i]->m_hTexture);
     checkGlError("InitTexture - after RGB SetColorAttachment");
