@@ -7,9 +7,11 @@
 namespace lumora {
 namespace {
 
+/// A program that lacks one of its attributes is linked all the same.
 bool Loaded(const GLProgram* program) {
   return program != nullptr && program->m_hProgram != 0 &&
-         program->m_hProgram != static_cast<unsigned int>(-1);
+         program->m_hProgram != static_cast<unsigned int>(-1) && program->m_nVerCoordLoc >= 0 &&
+         program->m_nTexCoordLoc >= 0;
 }
 
 bool HasMemory(const SEGLImage* image) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <new>
 
 #include "pipeline/engine_faults.h"
@@ -49,10 +50,10 @@ Status EngineSetup::CapturePlanes(PaddedFrame& frame) {
   UpdatePlanes(frame, 0, 2);
   const bool planes = CheckGlErrors().ok();
 
-  auto* const slimmer = new (std::nothrow) SmoothSlimmer;
-  if (slimmer != nullptr) slimmer->Load();
+  std::unique_ptr<SmoothSlimmer> slimmer(new (std::nothrow) SmoothSlimmer);
+  if (slimmer != nullptr && !slimmer->Load()) slimmer.reset();
   delete engine_.m_pProgCheekSlimmer;
-  engine_.m_pProgCheekSlimmer = slimmer;
+  engine_.m_pProgCheekSlimmer = slimmer.release();
   return Keep(State::kPlanes, planes ? PlanesFault() : kNoMemory);
 }
 
@@ -108,7 +109,7 @@ const char* EngineSetup::BlocksFault() {
               {e.m_pRGBImage, e.m_pWorkImage[0], e.m_pWorkImage[2], e.m_pYYYYImage, e.m_pUVUVImage},
               {e.m_hRGBFbo, e.m_hWorkFbo[0], e.m_hWorkFbo[2], e.m_hYYYYFbo, e.m_hUVUVFbo});
   if (fault != nullptr) return fault;
-  if (!e.m_bLargeCapture) return FaultOf({}, {e.m_pWorkImage[1]}, {});
+  if (!e.m_bLargeCapture) return FaultOf({}, {e.m_pWorkImage[1]}, {e.m_hWorkFbo[1]});
   const bool has_store =
       e.m_spLargeBuffer.get() != nullptr && e.m_spLargeBuffer->handle().base != nullptr;
   return has_store ? nullptr : kNoMemory;
