@@ -3,6 +3,7 @@
 #include <EGL/egl.h>
 
 #include <algorithm>
+#include <iostream>
 #include <optional>
 #include <sstream>
 
@@ -16,7 +17,22 @@ namespace {
 // same picture is for tests of pixels.
 const ScopedEnvironment kFullQuads("LUMORA_FULL_QUADS", "1");
 
+// How much was compared, told at the end of a run.
+struct Compared {
+  size_t scripts = 0;
+  size_t log_lines = 0;
+  size_t calls = 0;
+};
 Compared g_compared;
+
+class Summary : public testing::Environment {
+ public:
+  void TearDown() override {
+    std::cout << "compared " << g_compared.scripts << " transcripts: " << g_compared.log_lines
+              << " log lines, " << g_compared.calls << " calls\n";
+  }
+};
+const testing::Environment* const kSummary = testing::AddGlobalTestEnvironment(new Summary);
 
 bool IsCall(const std::string& line) {
   return line.compare(0, 2, "gl") == 0 || line.compare(0, 3, "egl") == 0;
@@ -291,10 +307,6 @@ testing::AssertionResult Same(const Script& expected, const Script& actual) {
   for (size_t i = at; i < std::min(wanted.size(), at + 12); ++i) out << "  - " << wanted[i] << "\n";
   for (size_t i = at; i < std::min(found.size(), at + 12); ++i) out << "  + " << found[i] << "\n";
   return testing::AssertionFailure() << out.str();
-}
-
-const Compared& ComparedSoFar() {
-  return g_compared;
 }
 
 }  // namespace lumora::test

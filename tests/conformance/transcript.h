@@ -71,14 +71,6 @@ Script Told(const std::vector<LogLine>& lines);
 /// compared.
 testing::AssertionResult Same(const Script& expected, const Script& actual);
 
-/// How many log lines and calls were compared so far.
-struct Compared {
-  size_t scripts = 0;
-  size_t log_lines = 0;
-  size_t calls = 0;
-};
-const Compared& ComparedSoFar();
-
 }  // namespace lumora::test
 
 #endif  // LUMORA_TESTS_CONFORMANCE_TRANSCRIPT_H_
