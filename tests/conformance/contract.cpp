@@ -18,14 +18,6 @@ Script Parameter(const std::string& name, const std::string& value) {
   return {"glTexParameteri TEXTURE_2D " + name + " " + value};
 }
 
-const GLProgRGBtoY* Luma(const GLProgram* program) {
-  return static_cast<const GLProgRGBtoY*>(program);
-}
-
-std::string Floats(const float* values, int count) {
-  return Numbers(values, count);
-}
-
 /// One upload.
 Script Set(const std::string& function, const std::string& uniform, const std::string& value) {
   return {function + " " + uniform + " " + value};
@@ -132,32 +124,32 @@ Script Finish() {
 
 Uniforms UniformsOf(const GLProgram& program, const std::string& name) {
   Uniforms u;
-  if (name == "RGBtoY") u.shift = Floats(Luma(&program)->m_fShift, 8);
+  if (name == "RGBtoY") u.shift = Numbers(static_cast<const GLProgRGBtoY&>(program).m_fShift, 8);
   if (name == "RGBtoUV") {
-    u.shift = Floats(static_cast<const GLProgRGBtoUV&>(program).m_fShift, 4);
+    u.shift = Numbers(static_cast<const GLProgRGBtoUV&>(program).m_fShift, 4);
   }
   if (name.compare(0, 12, "CheekSlimmer") == 0) {
     const auto& warp = static_cast<const GLProgWarp&>(program);
-    u.controller = Floats(warp.m_fvController, 4);
+    u.controller = Numbers(warp.m_fvController, 4);
     u.aspect = Numbers({warp.m_fAspectRatio});
-    u.limiter = Floats(warp.m_fvAngleLimiter, 3);
-    u.block_scale = Floats(warp.m_fvScale, 2);
-    u.block_shift = Floats(warp.m_fvShift, 2);
+    u.limiter = Numbers(warp.m_fvAngleLimiter, 3);
+    u.block_scale = Numbers(warp.m_fvScale, 2);
+    u.block_shift = Numbers(warp.m_fvShift, 2);
   }
   if (name.compare(0, 13, "FaceWhitening") == 0) {
     const auto& white = static_cast<const GLProgWhiteningBase&>(program);
     u.effect = Numbers({white.m_fDiffI, white.m_fDiffS, white.m_fAspectRatio});
   }
   if (name == "FaceWhiteningLarge") {
-    u.tile = Floats(static_cast<const GLProgFaceWhiteningLarge&>(program).m_fScaleController, 4);
+    u.tile = Numbers(static_cast<const GLProgFaceWhiteningLarge&>(program).m_fScaleController, 4);
   }
   if (name == "Rectification") {
     const auto& rectification = static_cast<const GLProgRectificaton&>(program);
-    for (int i = 0; i < 4; ++i) u.quad[i] = Floats(rectification.m_fvQuad[i], 2);
+    for (int i = 0; i < 4; ++i) u.quad[i] = Numbers(rectification.m_fvQuad[i], 2);
     if (rectification.m_bShowMask) u.degree = Numbers({rectification.m_fDegree});
   }
   if (name == "RadialDistortion") {
-    u.lens = Floats(static_cast<const GLProgRadialDistortion&>(program).m_fvKval, 4);
+    u.lens = Numbers(static_cast<const GLProgRadialDistortion&>(program).m_fvKval, 4);
   }
   return u;
 }

@@ -6,6 +6,7 @@
 
 #include "conformance/contract.h"
 #include "engine/engine_images.h"
+#include "engine/setup_transcript.h"
 #include "support/property_override.h"
 #include "support/scoped.h"
 
@@ -55,6 +56,11 @@ Programs Capture(bool block_mode) {
 /// Every test has a program cache of its own, empty at first.
 class LifecycleCalls : public testing::Test {
  protected:
+  void SetUp() override {
+    const GPUBeautyFace engine;
+    if (!DriverHasBinaries()) GTEST_SKIP() << "this driver has no program binaries";
+  }
+
   Script loads(const GPUBeautyFace& engine, const Programs& programs, bool cached) const {
     Script script;
     for (const Loaded& one : programs) {

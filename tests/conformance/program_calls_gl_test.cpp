@@ -6,6 +6,7 @@
 
 #include "conformance/contract.h"
 #include "engine/engine_images.h"
+#include "engine/setup_transcript.h"
 #include "support/gl_objects.h"
 #include "support/scoped.h"
 
@@ -22,6 +23,9 @@ class InContext {
 
 class ProgramCalls : public InContext, public testing::TestWithParam<size_t> {
  protected:
+  void SetUp() override {
+    if (!DriverHasBinaries()) GTEST_SKIP() << "this driver has no program binaries";
+  }
   const ProgramCase& one() const { return AllPrograms()[GetParam()]; }
   /// The class: variants with marks upload the same.
   std::string kind() const {

@@ -73,7 +73,9 @@ class Reader {
     if (call.function == "glDeleteTextures" || call.function == "glDeleteFramebuffers") {
       state_.unbind(call.arguments[0].object);
     }
-    if (call.function == "glActiveTexture") state_.unit = call.arguments[0].text.back() - '0';
+    if (call.function == "glActiveTexture") {
+      state_.unit = static_cast<unsigned>(call.arguments[0].text.back() - '0');
+    }
     if (call.function == "glBindTexture") {
       return takes_binding(call.arguments[1].object, &state_.textures[state_.unit], &left_texture_);
     }

@@ -13,14 +13,6 @@ namespace {
 constexpr char kImages[] = "EGLImageTest";
 constexpr char kPrograms[] = "GLProgram";
 
-bool DriverHasBinaries() {
-  const auto* extensions = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS));
-  GLint formats = 0;
-  if (std::strstr(extensions, "GL_OES_get_program_binary") == nullptr) return false;
-  glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &formats);
-  return formats > 0;
-}
-
 int Id(const ProgramLoad& load) {
   return static_cast<int>(load.program->m_hProgram);
 }
@@ -57,6 +49,14 @@ Lines LocationLines(const ProgramLoad& load) {
 }
 
 }  // namespace
+
+bool DriverHasBinaries() {
+  const auto* extensions = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS));
+  GLint formats = 0;
+  if (std::strstr(extensions, "GL_OES_get_program_binary") == nullptr) return false;
+  glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &formats);
+  return formats > 0;
+}
 
 std::vector<ProgramLoad> PreviewLoads(const android::GPUBeautyFace& engine) {
   const bool mask = engine.m_bShowMask;

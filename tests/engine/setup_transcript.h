@@ -12,6 +12,9 @@ namespace lumora::test {
 
 using Lines = std::vector<LogLine>;
 
+/// Whether the driver of the current context gives and takes program binaries.
+bool DriverHasBinaries();
+
 /// Which programs a set-up loads, in order.
 struct ProgramLoad {
   const GLProgram* program;
