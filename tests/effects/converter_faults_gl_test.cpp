@@ -43,6 +43,18 @@ TEST(ConverterFaults, ProgramsThatCannotBeMadeAreToldOnce) {
   EXPECT_EQ(1, converter.DeInit());
 }
 
+TEST(ConverterFaults, TheSecondProgramIsReportedAsTheFirst) {
+  GPUColorConverter converter;
+  GlFaults faults;
+  faults.programs_fail = true;
+  faults.good_programs = 1;
+  LogCapture log;
+  EXPECT_EQ(1, converter.Init(128, 64, nullptr));
+  EXPECT_EQ(1, log.count(Error(kTag, "%s", kNoProgram)));
+  EXPECT_NE(0u, converter.m_hYUV2RGBProgram);
+  EXPECT_EQ(0u, converter.m_hRGB2HSIProgram);
+}
+
 TEST(ConverterFaults, ShadersThatCannotBeMade) {
   GPUColorConverter converter;
   GlFaults faults;
@@ -89,6 +101,27 @@ TEST(ConverterFaults, LocationsThatAreMissingAreToldUnderTheFirstProgramsNames) 
     EXPECT_EQ(Error(kHelpers, "[LocIsValid] invalid %s == -1", row.label), errors[0]);
     EXPECT_EQ(row.hidden, faults.looked_up.back()) << "the look-ups end there";
     EXPECT_EQ(0, converter.InitShader());
+  }
+}
+
+TEST(ConverterFaults, LocationsOfTheSecondProgramAreToldUnderTheFirstOnesNames) {
+  const struct {
+    const char* hidden;
+    const char* label;
+  } rows[] = {{"a_vertexCoord", "m_nYUV2RGBVerCoordLoc"},
+              {"a_textureCoord", "m_nYUV2RGBTexCoordLoc"},
+              {"s_texture0", "m_nYUV2RGBTextureSlot"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.hidden);
+    GPUColorConverter converter;
+    GlFaults faults;
+    faults.hidden_location = row.hidden;
+    faults.good_programs = 1;
+    LogCapture log;
+    EXPECT_EQ(1, converter.Init(128, 64, nullptr));
+    EXPECT_EQ(std::vector<LogLine>{Error(kHelpers, "[LocIsValid] invalid %s == -1", row.label)},
+              log.lines(6));
+    EXPECT_GE(converter.m_nYUV2RGBMatrixSlot, 0);
   }
 }
 

@@ -1,6 +1,7 @@
 // An engine's members before, between and after set-ups.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <vector>
 
 #include "engine/engine_images.h"
@@ -168,6 +169,38 @@ TEST(LifecycleState, TheLargeStoreOutlivesItsCaptureAndIsReplacedByTheNext) {
   EXPECT_EQ(64u, engine.m_spLargeBuffer->width());
   EXPECT_EQ(4100u, engine.m_spLargeBuffer->height());
   engine.DeInitCapture();
+}
+
+// A capture needs a preview to be released first. Where it was not, the capture's parts take the
+// places of the preview's, which nobody releases any more.
+TEST(LifecycleState, ACaptureOverAPreviewForgetsThePreviewsParts) {
+  GPUBeautyFace engine;
+  engine.Init(64, 48, 64, 48, nullptr, false);
+  const HeldNames preview(engine);
+  const std::vector<GLuint> framebuffers = {engine.m_hWorkFbo[0], engine.m_hYYYYFbo,
+                                            engine.m_hUVUVFbo};
+  // What is left over belongs to the test.
+  std::vector<std::unique_ptr<SEGLImage>> images;
+  for (SEGLImage* image : {engine.m_pWorkImage[0], engine.m_pYYYYImage, engine.m_pUVUVImage}) {
+    images.emplace_back(image);
+  }
+  std::vector<std::unique_ptr<GLProgram>> programs;
+  for (GLProgram* program : {engine.m_pProgRGBtoY, engine.m_pProgRGBtoUV,
+                             engine.m_pProgCheekSlimmer, engine.m_pProgFaceWhitening}) {
+    programs.emplace_back(program);
+  }
+
+  engine.InitCapture(nullptr, nullptr, 320, 240, nullptr, false);
+  EXPECT_NE(images[0].get(), engine.m_pWorkImage[0]);
+  engine.DeInitCapture();
+  EXPECT_EQ(18, preview.alive()) << "the capture releases its own parts";
+  engine.DeInit();
+  EXPECT_EQ(10, preview.alive()) << "only what the capture left in its place is released";
+
+  for (auto& image : images) image->Destroy();
+  programs.clear();
+  glDeleteFramebuffers(3, framebuffers.data());
+  EXPECT_EQ(0, preview.alive());
 }
 
 TEST(LifecycleState, AStillBetweenPreviewsLeavesBothWorking) {

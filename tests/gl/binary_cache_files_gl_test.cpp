@@ -195,6 +195,8 @@ TEST_F(BadCacheFile, OfAnotherProgramIsNoticedByItsLocations) {
   EXPECT_TRUE(LogIs(
       log(), {Info(kNoTag, "[Load] get locations"),
               Error("GLProgram", "[LocIsValid] invalid m_nUniformLoc[UNIFORM_SHIFT] == -1")}));
+  EXPECT_EQ(ReadFile(file), ReadFile(directory().file("prog_radial_distortion_mask.bin")))
+      << "so that the next load fails as well";
 }
 
 }  // namespace

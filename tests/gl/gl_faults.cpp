@@ -4,6 +4,7 @@
 #include <GLES2/gl2ext.h>
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -73,10 +74,17 @@ Procedure Replace(Procedure found, Function& original, Function replacement) {
   return reinterpret_cast<Procedure>(replacement);
 }
 
-bool IsHidden(const char* name) {
+/// Whether a program is one of the first, which are spared.
+bool IsGood(GLuint program) {
+  const std::vector<GLuint>& made = g_faults->programs_made;
+  const auto at = static_cast<size_t>(std::find(made.begin(), made.end(), program) - made.begin());
+  return at < g_faults->good_programs && at < made.size();
+}
+
+bool IsHidden(GLuint program, const char* name) {
   if (g_faults == nullptr) return false;
   g_faults->looked_up.push_back(name);
-  return g_faults->hidden_location == name;
+  return g_faults->hidden_location == name && !IsGood(program);
 }
 
 }  // namespace
@@ -164,18 +172,18 @@ void GL_APIENTRY glGetProgramiv(GLuint program, GLenum name, GLint* value) {
   static const auto next = Next<decltype(&glGetProgramiv)>("glGetProgramiv");
   next(program, name, value);
   if (g_faults == nullptr) return;
-  if (name == GL_LINK_STATUS && g_faults->programs_fail) *value = GL_FALSE;
+  if (name == GL_LINK_STATUS && g_faults->programs_fail && !IsGood(program)) *value = GL_FALSE;
   if (name == GL_INFO_LOG_LENGTH && g_faults->logs_are_empty) *value = 0;
 }
 
 GLint GL_APIENTRY glGetAttribLocation(GLuint program, const GLchar* name) {
   static const auto next = Next<decltype(&glGetAttribLocation)>("glGetAttribLocation");
-  return IsHidden(name) ? -1 : next(program, name);
+  return IsHidden(program, name) ? -1 : next(program, name);
 }
 
 GLint GL_APIENTRY glGetUniformLocation(GLuint program, const GLchar* name) {
   static const auto next = Next<decltype(&glGetUniformLocation)>("glGetUniformLocation");
-  return IsHidden(name) ? -1 : next(program, name);
+  return IsHidden(program, name) ? -1 : next(program, name);
 }
 
 const GLubyte* GL_APIENTRY glGetString(GLenum name) {

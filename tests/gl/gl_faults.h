@@ -10,6 +10,7 @@
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
 
+#include <cstddef>
 #include <deque>
 #include <string>
 #include <vector>
@@ -24,16 +25,17 @@ struct GlFaults {
   GlFaults& operator=(const GlFaults&) = delete;
 
   // What goes wrong.
-  std::deque<GLenum> errors;         ///< glGetError answers these first; GL_NO_ERROR counts as one
-  bool no_shaders = false;           ///< glCreateShader answers 0
-  bool no_programs = false;          ///< glCreateProgram answers 0
-  bool shaders_fail = false;         ///< every compile status is false
-  bool programs_fail = false;        ///< every link status is false
-  bool logs_are_empty = false;       ///< every info log has length 0
-  std::string hidden_location;       ///< the attribute or uniform of this name does not exist
-  bool no_binary_extension = false;  ///< GL_OES_get_program_binary is not offered
-  bool no_binary_formats = false;    ///< ... is offered with no format
-  bool no_egl_images = false;        ///< eglCreateImageKHR fails with EGL_BAD_ALLOC
+  std::deque<GLenum> errors;    ///< glGetError answers these first; GL_NO_ERROR counts as one
+  bool no_shaders = false;      ///< glCreateShader answers 0
+  bool no_programs = false;     ///< glCreateProgram answers 0
+  bool shaders_fail = false;    ///< every compile status is false
+  bool programs_fail = false;   ///< every link status is false
+  bool logs_are_empty = false;  ///< every info log has length 0
+  std::string hidden_location;  ///< the attribute or uniform of this name does not exist
+  size_t good_programs = 0;     ///< so many programs, the first to be made, link and lack nothing
+  bool no_binary_extension = false;            ///< GL_OES_get_program_binary is not offered
+  bool no_binary_formats = false;              ///< ... is offered with no format
+  bool no_egl_images = false;                  ///< eglCreateImageKHR fails with EGL_BAD_ALLOC
   std::vector<GLenum> errors_of_edge_mode;     ///< raised by choosing clamped edges along t
   std::vector<GLenum> errors_of_image_target;  ///< raised by showing an EGL image as a texture
 
