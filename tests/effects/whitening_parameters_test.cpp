@@ -116,6 +116,13 @@ TEST(EllipseMatrix, PaddingIsAddedAfterScaling) {
                MatrixOf(axes, 400, 300));
 }
 
+// Axes of 201 and 101 pixels have halves of 100 and 50.
+TEST(EllipseMatrix, HalvesAreCutToWholePixelsBeforeScaling) {
+  const EllipseAxes axes{{100, 200, 0}, {301, 200, 0}, {200, 150, 0}, {200, 251, 0}, 10, 1.5f};
+  ExpectMatrix({400 / 160.0f, 0, 0, 0, 300 / 85.0f, 0, -200 / 160.0f, -200 / 85.0f, 1},
+               MatrixOf(axes, 400, 300));
+}
+
 TEST(EllipseMatrix, AxesOfAQuarterTurnSwapTheirRoles) {
   // Direction pi / 2, so u grows along the second axis: (v H - 200) / 100 and (200 - u W) / 50.
   const EllipseAxes axes{{200, 100, 0}, {200, 300, 0}, {150, 200, 0}, {250, 200, 0}, 0, 1.0f};

@@ -171,6 +171,8 @@ TEST(CaptureBlocks, FacesBelowATwentiethOfTheHeightAreSkipped) {
                            Rect{-1, -1, -1, -1}, Rect{600, 600, -53, 300}}) {
     capture.expect({face}, {});
   }
+  // Of the height also across: a twentieth of the width would be 96.
+  capture.expect({{600, 600, 54, 54}}, {{600, 600, 54, 54}});
 }
 
 TEST(CaptureBlocks, SeveralFacesMayOverlap) {
