@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned char kInfoAndError = LevelBit(4) | LevelBit(6);
 const ScopedLogLevels kEngineLevels("Lumora", kInfoAndError);
-const ScopedLogLevels kImageLevels("EGLImageTest", kInfoAndError);
+const ScopedLogLevels kImageLevels("EGLImageTest", LevelBit(6));
 const ScopedLogLevels kProgramLevels("GLProgram", LevelBit(6));
 const ScopedLogLevels kLoadLevels(kNoTag, kNoLevels);
 
