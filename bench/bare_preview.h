@@ -27,8 +27,8 @@ class BareSlimming {
   BarePacker packer_;
 };
 
-/// Upload, four colour and whitening draws, two packing draws, read-back. Filters and wrap modes are
-/// those that the engine's images have in a stream: they change what a draw costs.
+/// Upload, four colour and whitening draws, two packing draws, read-back. Filters and wrap modes
+/// are those that the engine's images have in a stream: they change what a draw costs.
 class BareWhitening {
  public:
   BareWhitening(Size size, const GLProgWhiteningBase& effect);

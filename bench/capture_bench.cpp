@@ -32,11 +32,10 @@ struct Scene {
 
   void Run() {
     uint8_t* const planes[2] = {frame.data(), frame.data() + size.Pixels()};
-    const bool done =
-        engine->DoFaceWhiteningLarge(planes[0], planes[1], &face, 1, kIntensityLevel,
-                                     kSaturationLevel, BEAUTYSHOT_EFFECT_BOTH) == 1 &&
-        engine->CopyMemYUVfromSrcTextureLarge(result.data(), result.data() + size.Pixels(), 0, 1) ==
-            1;
+    const bool done = engine->DoFaceWhiteningLarge(planes[0], planes[1], &face, 1, kIntensityLevel,
+                                                   kSaturationLevel, BEAUTYSHOT_EFFECT_BOTH) == 1 &&
+                      engine->CopyMemYUVfromSrcTextureLarge(
+                          result.data(), result.data() + size.Pixels(), 0, 1) == 1;
     Require(done, "whitening the capture failed");
   }
 
@@ -71,8 +70,8 @@ void BlockAgainstBareGl(benchmark::State& state) {
   Scene scene(k12Megapixels);
   const auto blocks = scene.Blocks();
   const BareContext context;
-  BareCapture bare(
-      scene.size, static_cast<const GLProgWhiteningBase&>(*scene.engine->m_pProgFaceWhitening));
+  BareCapture bare(scene.size,
+                   static_cast<const GLProgWhiteningBase&>(*scene.engine->m_pProgFaceWhitening));
   Buffer result(scene.size.FrameBytes());
   const auto run = [&] {
     for (const auto& [x, y] : blocks) bare.Whiten(scene.frame.data(), x, y);

@@ -53,9 +53,9 @@ void CompilePrograms() {
                                  s::kRgbToHsiFrag, s::kYuvToHsiFrag, s::kHsiToYuvFrag}) {
       BareProgram(s::kPassThroughVert, fragment);
     }
-    for (const char* fragment : {s::kCheekSlimmerFrag, s::kFaceWhiteningFrag,
-                                 s::kFaceWhiteningLargeFrag, s::kRectificationFrag,
-                                 s::kRadialDistortionFrag}) {
+    for (const char* fragment :
+         {s::kCheekSlimmerFrag, s::kFaceWhiteningFrag, s::kFaceWhiteningLargeFrag,
+          s::kRectificationFrag, s::kRadialDistortionFrag}) {
       BareProgram(s::kPassThroughEffectsVert, fragment);
     }
   });
@@ -99,8 +99,8 @@ void WhitenCapture(Size size) {
   engine->InitCapture(nullptr, nullptr, size.width, size.height, &stride, true);
   const bool done =
       engine->DoFaceWhiteningLarge(frame.data(), frame.data() + size.Pixels(), &face, 1,
-                                   kIntensityLevel, kSaturationLevel, BEAUTYSHOT_EFFECT_BOTH) ==
-          1 &&
+                                   kIntensityLevel, kSaturationLevel,
+                                   BEAUTYSHOT_EFFECT_BOTH) == 1 &&
       engine->CopyMemYUVfromSrcTextureLarge(frame.data(), frame.data() + size.Pixels(), 0, 1) == 1;
   engine->DeInitCapture();
   Require(done, "whitening the capture failed");

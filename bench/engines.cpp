@@ -41,12 +41,11 @@ void BenchEngine::Slim(uint8_t* frame, Size size, const FACE_INFO_t& face) {
 }
 
 void BenchEngine::Whiten(uint8_t* frame, uint8_t* result, Size size, FACE_INFO_t face) {
-  const bool done =
-      engine_.LoadPreviewFrameBuffer(frame) == 1 && engine_.ConvertYUV() == 1 &&
-      engine_.DoFaceWhitening(&face, 1, kIntensityLevel, kSaturationLevel,
-                              BEAUTYSHOT_EFFECT_BOTH) == 1 &&
-      engine_.ConvertHSItoYUV() == 1 &&
-      engine_.CopyMemYUVfromSrcTexture(result, result + size.Pixels()) == 1;
+  const bool done = engine_.LoadPreviewFrameBuffer(frame) == 1 && engine_.ConvertYUV() == 1 &&
+                    engine_.DoFaceWhitening(&face, 1, kIntensityLevel, kSaturationLevel,
+                                            BEAUTYSHOT_EFFECT_BOTH) == 1 &&
+                    engine_.ConvertHSItoYUV() == 1 &&
+                    engine_.CopyMemYUVfromSrcTexture(result, result + size.Pixels()) == 1;
   Require(done, "the whitening chain failed");
 }
 

@@ -58,7 +58,10 @@ void Programs(benchmark::State& state) {
   Require(!fs::is_empty(kept), "no program was kept: the driver has no program binaries");
   Compare(
       state, "load-programs",
-      [&](int round) { return Caches{kept, Fresh(folder, "loading", round)}; }, "compile-programs",
+      [&](int round) {
+        return Caches{kept, Fresh(folder, "loading", round)};
+      },
+      "compile-programs",
       [&](int round) {
         return Caches{Fresh(folder, "unused", round), Fresh(folder, "compiling", round)};
       });

@@ -18,7 +18,8 @@ const char kExitCodes[] =
 
 namespace {
 
-constexpr AddCommand kCommands[] = {AddPhoto, AddVideo, AddRectify, AddConvert, AddDemo, AddDoctor};
+constexpr AddCommand kCommands[] = {AddPhoto, AddVideo,  AddRectify, AddConvert,
+                                    AddDemo,  AddDoctor, AddBench};
 
 int Run(int argc, char** argv) {
   CLI::App program("Retouches faces in pictures and clips, on the GPU or on what stands in for it.",

@@ -22,6 +22,7 @@ void AddRectify(CLI::App& program, Action* action);
 void AddConvert(CLI::App& program, Action* action);
 void AddDemo(CLI::App& program, Action* action);
 void AddDoctor(CLI::App& program, Action* action);
+void AddBench(CLI::App& program, Action* action);
 
 /// The exit codes, for the end of --help.
 extern const char kExitCodes[];

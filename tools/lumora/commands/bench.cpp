@@ -1,0 +1,184 @@
+// lumora bench: how fast the effects are on this machine.
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/lumora/support/command.h"
+#include "tools/lumora/support/engine.h"
+#include "tools/lumora/support/report_json.h"
+#include "tools/lumora/support/talk.h"
+
+namespace lumora::tools {
+namespace {
+
+struct BenchOptions {
+  double seconds = 2;  ///< of each case
+  int largest = 48;    ///< captures, megapixels
+  bool json = false;
+};
+
+struct Effect {
+  const char* name;
+  Look look;
+};
+constexpr Effect kEffects[] = {{"slimming", {/*slim=*/50}},
+                               {"whitening", {/*slim=*/0, /*whiten=*/40}},
+                               {"both", {/*slim=*/50, /*whiten=*/40}}};
+
+struct Case {
+  Chain chain;
+  int width, height;
+};
+constexpr Case kCases[] = {{Chain::Preview, 640, 480},
+                           {Chain::Preview, 1280, 720},
+                           {Chain::Preview, 1920, 1080},
+                           {Chain::Capture, 4000, 3000},
+                           {Chain::Capture, 8000, 6000}};
+
+/// An NV21 frame in the colour of skin, with noise: one that no effect leaves alone.
+class Frame {
+ public:
+  Frame(int width, int height) : width_(width), height_(height) {
+    const auto pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
+    std::mt19937 random(1);
+    const auto noisy = [&random](unsigned middle) {
+      return static_cast<uint8_t>(middle + random() % 16);
+    };
+    luma_.resize(pixels);
+    chroma_.resize(pixels / 2);
+    for (uint8_t& sample : luma_) sample = noisy(122);
+    for (size_t i = 0; i < chroma_.size(); ++i) chroma_[i] = noisy(i % 2 == 0 ? 147 : 97);
+  }
+
+  FrameView View() {
+    return {PixelFormat::NV21,
+            width_,
+            height_,
+            {luma_.data(), chroma_.data(), nullptr},
+            {width_, width_, 0}};
+  }
+
+ private:
+  int width_, height_;
+  std::vector<uint8_t> luma_, chroma_;
+};
+
+/// A face in the middle: of someone who holds the camera in a preview, a fifth of the width in a
+/// capture.
+Face FaceIn(const Case& what) {
+  const auto x = static_cast<float>(what.width) / 2;
+  const auto y = static_cast<float>(what.height) * 0.45f;
+  const float half =
+      static_cast<float>(what.height) * (what.chain == Chain::Preview ? 0.085f : 0.06f);
+  return FaceFromEyes({x - half, y}, {x + half, y});
+}
+
+struct Timing {
+  double first_ms = 0;   ///< programs and images are made
+  double median_ms = 0;  ///< of the frames after it; of the first where time was up
+  int frames = 0;
+};
+
+Timing Measure(const std::function<void()>& process, double seconds) {
+  Timing timing;
+  const double start = Now();
+  process();
+  timing.first_ms = Now() - start;
+  std::vector<double> frames;
+  do {
+    const double before = Now();
+    process();
+    frames.push_back(Now() - before);
+  } while (Now() - start < seconds * 1e3);
+  std::nth_element(frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(frames.size() / 2),
+                   frames.end());
+  timing.median_ms = frames[frames.size() / 2];
+  timing.frames = static_cast<int>(frames.size()) + 1;
+  return timing;
+}
+
+class Bench {
+ public:
+  explicit Bench(const BenchOptions& options) : options_(options) {}
+
+  ExitCode Run() {
+    const DeviceInfo device = engine_.pipeline().Device();
+    if (!options_.json) Print(device.renderer + ", " + device.buffer_kind);
+    for (const Case& what : kCases) {
+      const double megapixels = what.width * 1e-6 * what.height;
+      if (what.chain == Chain::Capture && megapixels > options_.largest) continue;
+      for (const Effect& effect : kEffects) RunOne(what, effect);
+    }
+    if (options_.json) {
+      PrintReport({{"renderer", device.renderer},
+                   {"version", device.version},
+                   {"buffer", device.buffer_kind},
+                   {"results", results_}});
+    }
+    return ExitCode::Done;
+  }
+
+ private:
+  void RunOne(const Case& what, const Effect& effect) {
+    Frame frame(what.width, what.height);
+    Frame result(what.width, what.height);
+    const Face face = FaceIn(what);
+    Report report;
+    const Timing timing = Measure(
+        [&] {
+          ThrowUnlessOk(engine_.pipeline().Process(AsConst(frame.View()), result.View(), {face},
+                                                   effect.look, &report, {what.chain}));
+        },
+        options_.seconds);
+    const char* const chain = what.chain == Chain::Preview ? "preview" : "capture";
+    results_.push_back({{"chain", chain},
+                        {"width", what.width},
+                        {"height", what.height},
+                        {"effect", effect.name},
+                        {"frames", timing.frames},
+                        {"first_ms", timing.first_ms},
+                        {"median_ms", timing.median_ms},
+                        {"frames_per_second", 1e3 / timing.median_ms},
+                        {"engine_ms", report.engine_ms}});
+    if (options_.json) return;
+    char line[128];
+    std::snprintf(line, sizeof(line),
+                  "%-8s %4d x %-5d %-10s %9.2f ms %8.1f frames/s  first %8.1f ms", chain,
+                  what.width, what.height, effect.name, timing.median_ms, 1e3 / timing.median_ms,
+                  timing.first_ms);
+    Print(line);
+  }
+
+  BenchOptions options_;
+  Engine engine_;
+  nlohmann::ordered_json results_ = nlohmann::ordered_json::array();
+};
+
+}  // namespace
+
+void AddBench(CLI::App& program, Action* action) {
+  CLI::App* command =
+      program.add_subcommand("bench", "Measure how fast the effects are on this machine");
+  auto options = std::make_shared<BenchOptions>();
+  command->add_option("--seconds", options->seconds, "how long to measure each case")
+      ->check(CLI::Range(0.0, 600.0))
+      ->capture_default_str();
+  command
+      ->add_option("--largest", options->largest,
+                   "leave out captures of more megapixels than this; 0 leaves out all")
+      ->check(CLI::Range(0, 48))
+      ->capture_default_str();
+  command->add_flag("--json", options->json, "print the figures for machines");
+  command->footer(kExitCodes);
+  command->callback([options, action] { *action = [options] { return Bench(*options).Run(); }; });
+}
+
+}  // namespace lumora::tools
