@@ -13,6 +13,7 @@ option(LUMORA_BUILD_TESTS "Build the tests" ON)
 option(LUMORA_BUILD_FUZZERS "Build the fuzz targets as libFuzzer programs, not as tests" OFF)
 option(LUMORA_BUILD_BENCHMARKS "Build bench_lumora, which needs Google Benchmark" OFF)
 option(LUMORA_WERROR "Treat warnings as errors" OFF)
+option(LUMORA_COVERAGE "Count the executed lines of the libraries and the command" OFF)
 set(LUMORA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
 
 set(CMAKE_CXX_STANDARD 17)
@@ -54,4 +55,20 @@ if(LUMORA_SANITIZE)
     add_compile_options(-fno-sanitize=vptr)  # the core is built without RTTI
   endif()
   add_link_options(-fsanitize=${LUMORA_SANITIZE})
+  # In every executable: checkers need the driver to stay loaded.
+  add_library(lumora_no_dlclose OBJECT "${PROJECT_SOURCE_DIR}/cmake/sanitizers/no_dlclose.cpp")
+  link_libraries("$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:lumora_no_dlclose>>")
 endif()
+
+# lumora_count_coverage(<target>...): counts what is executed of these, where that is wanted. The tests are
+# built as ever.
+if(LUMORA_COVERAGE)
+  add_link_options(--coverage)
+endif()
+function(lumora_count_coverage)
+  foreach(target IN LISTS ARGN)
+    if(LUMORA_COVERAGE AND TARGET ${target})
+      target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -O0)
+    endif()
+  endforeach()
+endfunction()

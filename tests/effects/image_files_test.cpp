@@ -308,7 +308,6 @@ TEST(Create565Pattern, StripesOnTightRows) {
 }
 
 TEST(Create565Pattern, StripesOnAlignedRows) {
-  const MeantLeaks leaks;
   Pixels pixels(128 * 3);
   EXPECT_EQ(1, Create565Pattern(100, 3, 1, pixels.data()));
   const std::vector<unsigned short> result = pixels.values();
@@ -329,7 +328,6 @@ TEST(Create565Pattern, OtherCasesWriteNothing) {
 }
 
 TEST(Create565Pattern, ANullBufferIsReplacedByOneThatIsLargeEnough) {
-  const MeantLeaks leaks;
   for (const unsigned width : {1u, 33u, 64u, 100u}) {
     for (const int mode : {0, 1, 2}) Create565Pattern(width, 50, mode, nullptr);
   }
