@@ -72,7 +72,7 @@ bool GPUBeautyFace::MayLimitDraws() const {
 
 int GPUBeautyFace::RunLimitedPass(Pass pass, GLuint source_target,
                                   const lumora::PixelRectangle& changed) {
-  if (pass.source == nullptr || pass.destination == nullptr ||
+  if (source_target == static_cast<GLuint>(-1) || pass.destination == nullptr ||
       lumora::CoversMost(changed, pass.width, pass.height)) {
     return RunPass(pass);
   }

@@ -38,7 +38,7 @@ void MakeCacheDirectory();
 
 /// Whether every pass is to draw its whole image, also where it can change only a part of it:
 /// LUMORA_FULL_QUADS is 1.
-LUMORA_API bool FullQuads();
+bool FullQuads();
 
 /// The text put before "/sys" and "/system" paths: what SetSystemRoot set, else LUMORA_SYSTEM_ROOT,
 /// else empty. Thread-safe.

@@ -15,6 +15,7 @@
 #include "lumora/platform/gl_api.h"
 #include "support/gl_objects.h"
 #include "support/pictures.h"
+#include "support/property_override.h"
 #include "support/scoped.h"
 
 namespace lumora::test {
@@ -51,6 +52,13 @@ void NoteState(Sight& sight, const GPUBeautyFace& engine) {
     glGetIntegerv(query, values);
     Note(sight, name, values);
   }
+  GLint unit = 0;
+  glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+  glActiveTexture(GL_TEXTURE2);
+  GLint other_texture = 0;
+  glGetIntegerv(GL_TEXTURE_BINDING_2D, &other_texture);
+  glActiveTexture(static_cast<GLenum>(unit));
+  Note(sight, "texture of another unit", other_texture);
   // Names of programs depend on whether their binaries were cached.
   GLint current = 0;
   glGetIntegerv(GL_CURRENT_PROGRAM, &current);
@@ -106,6 +114,9 @@ void Disturb(unsigned number, const Size& size) {
       break;
     case 3:
       glScissor(1, 2, 3, 4);  // switched off, but still there afterwards
+      break;
+    case 4:
+      glActiveTexture(GL_TEXTURE2);  // whose binding is nobody else's business
       break;
     default:
       break;
@@ -291,6 +302,30 @@ TEST_P(BoxDrawing, WhiteningAndThenSlimmingLooksLikeFullQuads) {
   constexpr int kFrames = 60;
   EXPECT_TRUE(SameSights(Watch(GetParam(), true, 7, kFrames, true),
                          Watch(GetParam(), true, 7, kFrames, false)));
+}
+
+TEST(BoxDrawingWithMarks, TheWarpsRimLooksLikeFullQuads) {
+  constexpr Size kSize{128, 96};
+  constexpr int kFrames = 60;
+  const ScopedProperty marks(kShowMaskProperty, "1");
+  EXPECT_TRUE(
+      SameSights(Watch(kSize, false, 5, kFrames, true), Watch(kSize, false, 5, kFrames, false)));
+}
+
+// Where texture coordinates are coarsest against the pixels, and with the linear filter that only
+// an engine's first frame has.
+TEST(BoxDrawingOfLongImages, FirstFramesLookLikeFullQuads) {
+  constexpr int kFrames = 2;
+  for (const Size& size : {Size{4096, 16}, Size{16, 4096}, Size{3840, 32}, Size{1920, 48}}) {
+    for (unsigned seed = 0; seed < 8; ++seed) {
+      EXPECT_TRUE(SameSights(Watch(size, false, seed, kFrames, true),
+                             Watch(size, false, seed, kFrames, false)))
+          << size.width << " x " << size.height << ", seed " << seed;
+    }
+    EXPECT_TRUE(
+        SameSights(Watch(size, true, 3, kFrames, true), Watch(size, true, 3, kFrames, false)))
+        << size.width << " x " << size.height << ", whitening";
+  }
 }
 
 }  // namespace

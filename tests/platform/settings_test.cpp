@@ -176,6 +176,19 @@ TEST(CacheDirectory, AnExistingOneIsLeftAsItIs) {
   SetCacheDirectory("");
 }
 
+TEST(FullQuads, AreDrawnWhenTheVariableIsExactlyOne) {
+  using lumora::platform::FullQuads;
+  const struct {
+    std::optional<std::string> value;
+    bool expected;
+  } kCases[] = {{kUnset, false}, {"", false},   {"0", false},
+                {"1", true},     {"11", false}, {"yes", false}};
+  for (const auto& row : kCases) {
+    const ScopedEnvironment variable("LUMORA_FULL_QUADS", row.value);
+    EXPECT_EQ(row.expected, FullQuads()) << row.value.value_or("unset");
+  }
+}
+
 TEST(SystemRoot, IsEmptyUnlessSomebodyChooses) {
   {
     const ScopedEnvironment none("LUMORA_SYSTEM_ROOT", kUnset);
