@@ -29,6 +29,15 @@ class CacheFolder {
   TempDirectory cold_;
 };
 
+/// While it lives, leak checkers look away: what the contract leaves to nobody.
+class MeantLeaks {
+ public:
+  MeantLeaks();
+  ~MeantLeaks();
+  MeantLeaks(const MeantLeaks&) = delete;
+  MeantLeaks& operator=(const MeantLeaks&) = delete;
+};
+
 /// Adds to the count of faults that the run reports.
 void TellInjected(size_t faults);
 

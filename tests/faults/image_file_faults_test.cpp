@@ -10,25 +10,8 @@
 #include "support/log_capture.h"
 #include "support/scoped.h"
 
-// Leak checkers bring these; other builds lack them.
-extern "C" {
-void __lsan_disable() __attribute__((weak));
-void __lsan_enable() __attribute__((weak));
-}
-
 namespace lumora::test {
 namespace {
-
-// The stream of a file that cannot be read stays open, and patterns are left to nobody.
-class MeantLeaks {
- public:
-  MeantLeaks() {
-    if (__lsan_disable != nullptr) __lsan_disable();
-  }
-  ~MeantLeaks() {
-    if (__lsan_enable != nullptr) __lsan_enable();
-  }
-};
 
 constexpr char kTag[] = "EGLImageTest";
 
@@ -59,7 +42,7 @@ class ImageFileFaults : public testing::Test {
 TEST_F(ImageFileFaults, OfLoad565AreTold) {
   const LogLine cannot_open = Error(kTag, "Cannot open input RGB565 file....\n");
   unsigned short pixels[2] = {7, 7};
-  const MeantLeaks leaks;
+  const MeantLeaks leaks;  // the stream of a file that cannot be read stays open
   {
     const FaultScope scope(Fault{Call::OpenStream, 1});
     LogCapture log;
