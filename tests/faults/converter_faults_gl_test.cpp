@@ -92,8 +92,9 @@ std::vector<LogLine> ExpectedErrors(const Fault& fault, const std::vector<LogLin
   const std::vector<LogLine> no_framebuffer = {Error(kTag, "[InitTexture] can't make framebuffer")};
   if (fault.call == Call::GenFramebuffer && told == no_framebuffer) return told;
   // An image that is drawn to is told by its framebuffer's check.
-  for (const GLenum status :
-       {GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT}) {
+  constexpr GLenum kIncomplete[] = {GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT,
+                                    GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT};
+  for (const GLenum status : kIncomplete) {
     const std::vector<LogLine> line = {
         Error(kHelpers, "[SetColorAttachment] ERROR, FBO not complete, status %u\n", status)};
     if (told == line) return line;
