@@ -13,7 +13,7 @@ double Read(clockid_t clock) {
   return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
 
-/// How many calls make a sample of the slowest side long enough: all sides make the same number.
+/// How many calls make a sample of the fastest side long enough: all sides make the same number.
 int CallsFor(const std::vector<Side>& sides, const Plan& plan) {
   constexpr int kMostCalls = 2000;
   double shortest = plan.sample_ms;

@@ -32,8 +32,7 @@ struct RowPairs {
   std::ptrdiff_t pairs;
 };
 
-// ExpandRow() for all rows, at the price of one call: choosing the vector unit row by row takes a
-// tenth of the time of a small frame.
+// ExpandRow() for all rows: the vector unit is chosen once instead of row by row.
 void ExpandRowPairs(const RowPairs& rows, Stores stores);
 
 }  // namespace lumora
