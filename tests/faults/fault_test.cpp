@@ -6,12 +6,6 @@
 #include <filesystem>
 #include <iostream>
 
-// Leak checkers bring these; other builds lack them.
-extern "C" {
-void __lsan_disable() __attribute__((weak));
-void __lsan_enable() __attribute__((weak));
-}
-
 namespace lumora::test {
 
 std::string CacheFolder::directory(Cache cache) const {
@@ -40,13 +34,6 @@ bool CacheFolder::holds_whole_files() const {
     }
   }
   return true;
-}
-
-MeantLeaks::MeantLeaks() {
-  if (__lsan_disable != nullptr) __lsan_disable();
-}
-MeantLeaks::~MeantLeaks() {
-  if (__lsan_enable != nullptr) __lsan_enable();
 }
 
 void TellInjected(size_t faults) {

@@ -7,6 +7,7 @@
 
 #include "faults/setup_model.h"
 #include "support/gl_objects.h"
+#include "support/meant_leaks.h"
 #include "support/scoped.h"
 
 namespace lumora::test {
@@ -27,15 +28,6 @@ class CacheFolder {
   ScopedEnvironment environment_;  // gives the former value back
   TempDirectory warm_;
   TempDirectory cold_;
-};
-
-/// While it lives, leak checkers look away: what the contract leaves to nobody.
-class MeantLeaks {
- public:
-  MeantLeaks();
-  ~MeantLeaks();
-  MeantLeaks(const MeantLeaks&) = delete;
-  MeantLeaks& operator=(const MeantLeaks&) = delete;
 };
 
 /// Adds to the count of faults that the run reports.

@@ -6,12 +6,7 @@
 
 #include "lumora/lumora.h"
 #include "support/gl_objects.h"
-
-// Leak checkers bring these, and count memory by themselves; other builds lack them.
-extern "C" {
-void __lsan_disable() __attribute__((weak));
-void __lsan_enable() __attribute__((weak));
-}
+#include "support/meant_leaks.h"
 
 namespace lumora::test {
 namespace {
@@ -22,9 +17,10 @@ using android::GPUColorConverter;
 TEST(SharedImageQuirks, CreatedAgainLeavesTheEarlierTexture) {
   const GPUBeautyFace context;
   SEGLImage image(1);
-  if (__lsan_disable != nullptr) __lsan_disable();  // what it makes is left over on purpose
-  ASSERT_EQ(1, image.Create(64, 16, 1));
-  if (__lsan_enable != nullptr) __lsan_enable();
+  {
+    const MeantLeaks left_over;
+    ASSERT_EQ(1, image.Create(64, 16, 1));
+  }
   const GLuint earlier_texture = image.m_hTexture;
   const EGLImageKHR earlier_image = image.m_eglImage;
   ASSERT_EQ(1, image.Create(64, 16, 1));
@@ -36,7 +32,7 @@ TEST(SharedImageQuirks, CreatedAgainLeavesTheEarlierTexture) {
 }
 
 TEST(Create565PatternQuirks, TheTemporaryImageIsLeftToNobody) {
-  if (__lsan_disable != nullptr) GTEST_SKIP() << "this build counts its memory elsewhere";
+  if (MeantLeaks::CheckerRuns()) GTEST_SKIP() << "this build counts its memory elsewhere";
   constexpr size_t kImageSize = 100 * 20 * 2;
   std::vector<unsigned short> rows(128 * 20);
   const size_t before = mallinfo2().uordblks;
