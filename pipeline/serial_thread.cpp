@@ -9,27 +9,38 @@ SerialThread::~SerialThread() {
     const std::lock_guard<std::mutex> lock(mutex_);
     ending_ = true;
   }
-  changed_.notify_one();
+  arrived_.notify_one();
   thread_.join();
 }
 
-void SerialThread::Push(std::function<void()> job) {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    jobs_.push_back(std::move(job));
-  }
-  changed_.notify_one();
+void SerialThread::Serve(Job* job) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  (first_ == nullptr ? first_ : last_->next) = job;
+  last_ = job;
+  lock.unlock();
+  // Without the lock, so that the thread does not wake up only to wait for it.
+  arrived_.notify_one();
+  lock.lock();
+  served_.wait(lock, [job] { return job->served; });
 }
 
 void SerialThread::Work() {
   std::unique_lock<std::mutex> lock(mutex_);
   while (true) {
-    changed_.wait(lock, [this] { return ending_ || !jobs_.empty(); });
-    if (jobs_.empty()) return;
-    const std::function<void()> job = std::move(jobs_.front());
-    jobs_.pop_front();
+    arrived_.wait(lock, [this] { return ending_ || first_ != nullptr; });
+    if (first_ == nullptr) return;
+    Job* const job = std::exchange(first_, first_->next);
     lock.unlock();
-    job();
+    try {
+      job->run(job->work);
+    } catch (...) {
+      job->thrown = std::current_exception();
+    }
+    lock.lock();
+    job->served = true;
+    lock.unlock();
+    // Several callers may wait, and only one of them for this job.
+    served_.notify_all();
     lock.lock();
   }
 }

@@ -3,18 +3,18 @@
 #define LUMORA_PIPELINE_SERIAL_THREAD_H_
 
 #include <condition_variable>
-#include <deque>
-#include <functional>
-#include <future>
-#include <memory>
+#include <exception>
 #include <mutex>
+#include <optional>
 #include <thread>
+#include <type_traits>
 #include <utility>
 
 namespace lumora {
 
 /// Runs calls on one thread of its own, in the order in which they arrive. `Run` may be called from
-/// any thread but that one. The destructor waits for all calls that have arrived.
+/// any thread but that one, and allocates nothing. The destructor waits for all calls that have
+/// arrived.
 class SerialThread {
  public:
   SerialThread();
@@ -25,23 +25,45 @@ class SerialThread {
   /// Calls `call` on the thread and waits for its result; what it throws is thrown here.
   template <typename Call>
   auto Run(Call&& call) -> decltype(call()) {
-    // Shared, because the thread may still be leaving the task when the result is already here.
-    const auto task =
-        std::make_shared<std::packaged_task<decltype(call())()>>(std::forward<Call>(call));
-    auto result = task->get_future();
-    Push([task] { (*task)(); });
-    return result.get();
+    using Result = decltype(call());
+    if constexpr (std::is_void_v<Result>) {
+      Serve(call);
+    } else {
+      std::optional<Result> result;
+      const auto keep = [&] { result.emplace(call()); };
+      Serve(keep);
+      return *std::move(result);
+    }
   }
 
  private:
-  void Push(std::function<void()> job);
+  /// A call that waits or is being served, on the stack of its caller.
+  struct Job {
+    void (*run)(const void* work);
+    const void* work;
+    std::exception_ptr thrown;
+    Job* next = nullptr;  // guarded by mutex_
+    bool served = false;  // guarded by mutex_; once it is set the thread does not touch the job
+  };
+
+  template <typename Work>
+  void Serve(Work& work) {
+    // Work may be const, and its call operator need not be: the cast gives back what there was.
+    Job job{[](const void* at) { (*static_cast<Work*>(const_cast<void*>(at)))(); }, &work, {}};
+    Serve(&job);
+    if (job.thrown != nullptr) std::rethrow_exception(job.thrown);
+  }
+
+  void Serve(Job* job);
   void Work();
 
   std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<std::function<void()>> jobs_;  // guarded by mutex_
-  bool ending_ = false;                     // guarded by mutex_
-  std::thread thread_;                      // last: it starts when the rest is there
+  std::condition_variable arrived_;
+  std::condition_variable served_;
+  Job* first_ = nullptr;  // guarded by mutex_, as the two below; the jobs that wait
+  Job* last_ = nullptr;
+  bool ending_ = false;
+  std::thread thread_;  // last: it starts when the rest is there
 };
 
 }  // namespace lumora
