@@ -19,49 +19,50 @@ std::string SizeText(int width, int height) {
   return std::to_string(width) + " x " + std::to_string(height);
 }
 
-/// `which` is "input" or "output".
+/// `which` is "input" or "output". Makes no text for a frame that is as it should be.
 template <typename Byte>
-Status CheckFrame(const BasicFrameView<Byte>& frame, const std::string& which) {
-  const std::string subject = "the " + which + " frame";
+Status CheckFrame(const BasicFrameView<Byte>& frame, const char* which) {
+  const auto subject = [which] { return "the " + std::string(which) + " frame"; };
   switch (frame.format) {
     case PixelFormat::NV21:
     case PixelFormat::NV12:
     case PixelFormat::I420:
       break;
     default:
-      return Invalid(subject + " has an unknown pixel format (" +
+      return Invalid(subject() + " has an unknown pixel format (" +
                      std::to_string(static_cast<int>(frame.format)) + ")");
   }
   if (frame.width < kSmallestSide || frame.height < kSmallestSide) {
-    return Invalid(subject + " is " + SizeText(frame.width, frame.height) +
+    return Invalid(subject() + " is " + SizeText(frame.width, frame.height) +
                    " pixels, but at least " + SizeText(kSmallestSide, kSmallestSide) +
                    " are needed");
   }
   if (frame.width > kLargestSide || frame.height > kLargestSide) {
-    return Failure(StatusCode::TooLarge, subject + " is " + SizeText(frame.width, frame.height) +
+    return Failure(StatusCode::TooLarge, subject() + " is " + SizeText(frame.width, frame.height) +
                                              " pixels, but at most " +
                                              std::to_string(kLargestSide) +
                                              " are possible in each direction");
   }
   for (size_t plane = 0; plane < PlaneCount(frame.format); ++plane) {
-    const std::string part = "plane " + std::to_string(plane) + " of " + subject;
-    if (frame.planes[plane] == nullptr) return Invalid(part + " is null");
+    const auto part = [&] { return "plane " + std::to_string(plane) + " of " + subject(); };
+    if (frame.planes[plane] == nullptr) return Invalid(part() + " is null");
     const int row_bytes = RowBytes(frame.format, plane, frame.width);
     if (frame.strides[plane] < row_bytes) {
-      return Invalid(part + " has a stride of " + std::to_string(frame.strides[plane]) +
+      return Invalid(part() + " has a stride of " + std::to_string(frame.strides[plane]) +
                      " bytes, but its rows hold " + std::to_string(row_bytes));
     }
     if (frame.strides[plane] > std::numeric_limits<int>::max()) {
-      return Invalid(part + " has a stride of " + std::to_string(frame.strides[plane]) +
+      return Invalid(part() + " has a stride of " + std::to_string(frame.strides[plane]) +
                      " bytes, which is more than can be addressed");
     }
   }
   return {};
 }
 
-Status CheckScale(int value, const std::string& name) {
+Status CheckScale(int value, const char* name) {
   if (value >= 0 && value <= 100) return {};
-  return Invalid(name + " is " + std::to_string(value) + ", but its range is 0 to 100");
+  return Invalid(std::string(name) + " is " + std::to_string(value) +
+                 ", but its range is 0 to 100");
 }
 
 /// `which` is "RGB" or "HSI". An image that is left out is fine.
