@@ -18,16 +18,30 @@ int Stride(const BasicFrameView<Byte>& frame, size_t plane) {
   return static_cast<int>(frame.strides[plane]);
 }
 
+/// Copies a plane that both frames have. The C library's copy leaves what it writes in the caches,
+/// where whoever reads it next finds it; libyuv's string instructions may go past them.
+void CopyPlane(const ConstFrameView& in, const FrameView& out, size_t plane) {
+  const auto row_bytes = static_cast<size_t>(RowBytes(in.format, plane, in.width));
+  const auto rows = static_cast<size_t>(PlaneRows(plane, in.height));
+  const auto tight = static_cast<std::ptrdiff_t>(row_bytes);
+  if (in.strides[plane] == tight && out.strides[plane] == tight) {
+    std::memcpy(out.planes[plane], in.planes[plane], row_bytes * rows);
+    return;
+  }
+  for (std::ptrdiff_t row = 0; row < static_cast<std::ptrdiff_t>(rows); ++row) {
+    std::memcpy(out.planes[plane] + row * out.strides[plane],
+                in.planes[plane] + row * in.strides[plane], row_bytes);
+  }
+}
+
 /// Copies between frames that share no byte.
 void CopyApart(const ConstFrameView& in, const FrameView& out) {
-  libyuv::CopyPlane(in.planes[0], Stride(in, 0), out.planes[0], Stride(out, 0), in.width,
-                    in.height);
+  CopyPlane(in, out, 0);
   const int columns = ChromaSize(in.width);
   const int rows = ChromaSize(in.height);
   if (in.format == out.format) {
     for (size_t plane = 1; plane < PlaneCount(in.format); ++plane) {
-      libyuv::CopyPlane(in.planes[plane], Stride(in, plane), out.planes[plane], Stride(out, plane),
-                        RowBytes(in.format, plane, in.width), rows);
+      CopyPlane(in, out, plane);
     }
   } else if (IsSemiPlanar(in.format) && IsSemiPlanar(out.format)) {
     libyuv::SwapUVPlane(in.planes[1], Stride(in, 1), out.planes[1], Stride(out, 1), columns, rows);
