@@ -46,11 +46,13 @@ bool DrawKeystone(EngineSetup& setup, int degree, const FrameShare& share) {
 bool DrawRadial(EngineSetup& setup, const LensCoefficients* lens, Camera camera,
                 const FrameShare& share) {
   android::GPUBeautyFace& engine = setup.engine();
-  if (engine.SetRadialRectParameters(camera == Camera::Second ? 1 : 0) == 0) return false;
+  if (engine.m_pProgRadialDistortion == nullptr) return false;
   auto& program = static_cast<GLProgRadialDistortion&>(*engine.m_pProgRadialDistortion);
   if (lens != nullptr) {
     const float given[] = {lens->k0, lens->k1, lens->k2, lens->k3};
     std::copy(std::begin(given), std::end(given), program.m_fvKval);
+  } else {
+    engine.SetRadialRectParameters(camera == Camera::Second ? 1 : 0);  // reads files
   }
   // The engine measures the squared distance in its own, larger frame.
   const double area = (share.x * share.x + share.y * share.y) / 2;
