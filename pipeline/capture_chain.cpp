@@ -36,25 +36,25 @@ PixelRect SlimmingArea(const android::GPUBeautyFace& engine, const FACE_INFO_t& 
 
 Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look) {
   android::GPUBeautyFace& engine = chain.setup.engine();
-  std::vector<WhiteningJob> jobs =
-      PlanWhitening(engine, chain.frame, faces, look, &chain.report.tones);
+  std::vector<WhiteningJob>& jobs = chain.memory.whitening;
+  PlanWhitening(engine, chain.frame, faces, look, &jobs, &chain.report.tones);
   if (jobs.empty()) return {};
   PaddedFrame& frame = chain.frame;
+  PaddedFrame& work = chain.memory.work;
   const CaptureScope capture(chain.setup);
   if (Status status = chain.setup.CaptureBlocks(frame.width(), frame.height()); !status.ok()) {
     return status;
   }
-  chain.work.Resize(frame);
+  work.Resize(frame);
   for (WhiteningJob& job : jobs) {
-    const bool done =
-        engine.DoFaceWhiteningLarge(frame.luma(), frame.chroma(), &job.record, 1,
-                                    job.intensity_level, job.saturation_level,
-                                    EngineEffect(look)) != 0 &&
-        engine.CopyMemYUVfromSrcTextureLarge(chain.work.luma(), chain.work.chroma(), 0, 1) != 0;
+    const bool done = engine.DoFaceWhiteningLarge(frame.luma(), frame.chroma(), &job.record, 1,
+                                                  job.intensity_level, job.saturation_level,
+                                                  EngineEffect(look)) != 0 &&
+                      engine.CopyMemYUVfromSrcTextureLarge(work.luma(), work.chroma(), 0, 1) != 0;
     if (!done) return EngineRefused();
     const android::FaceProcessRect& area = engine.m_rcFaceProcess[0];
     ReportBlocks(engine, {area.X, area.Y, area.Width, area.Height}, &chain.report);
-    Blend(chain.work, job.mask, &frame);
+    Blend(work, job.mask, &frame, &chain.memory.weights);
   }
   return {};
 }
@@ -62,17 +62,18 @@ Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces,
 Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
   android::GPUBeautyFace& engine = chain.setup.engine();
   PaddedFrame& frame = chain.frame;
+  PaddedFrame& work = chain.memory.work;
   const CaptureScope capture(chain.setup);
   if (Status status = chain.setup.CapturePlanes(frame); !status.ok()) return status;
-  chain.work.Resize(frame);
+  work.Resize(frame);
   for (const FaceJob& face : faces) {
     FACE_INFO_t record = face.record;
-    engine.FaceProcessLarge(chain.work.luma(), chain.work.chroma(), frame.width(), frame.height(),
-                            0, &record, 1, kBeautyLevel);
+    engine.FaceProcessLarge(work.luma(), work.chroma(), frame.width(), frame.height(), 0, &record,
+                            1, kBeautyLevel);
     ReportBlocks(engine, SlimmingArea(engine, record), &chain.report);
     const PointF centre = {static_cast<float>(record.loc_x), static_cast<float>(record.loc_y)};
     const double radius = CaptureRadius(record, frame.width());
-    CopyCircle(chain.work, centre, radius, &frame);
+    CopyCircle(work, centre, radius, &frame);
     // The engine reads every face from the plane textures: the next one has to find this one's
     // result there.
     const PixelRect changed = CircleBounds(centre, radius, frame.width(), frame.height());

@@ -12,13 +12,21 @@
 
 namespace lumora {
 
+/// Memory that the chains fill anew for each frame. A frame like the one before needs no more.
+struct ChainMemory {
+  PaddedFrame work;
+  std::vector<FACE_INFO_t> records;
+  std::vector<WhiteningJob> whitening;
+  std::vector<float> weights;
+};
+
 /// What a chain works with. `frame` is its input and receives its result; outside of the faces it
 /// keeps every byte, whatever the engine makes of the rest. On failure its contents are not
-/// defined. `work` is memory for it, of any size.
+/// defined.
 struct ChainFrame {
   EngineSetup& setup;
   PaddedFrame& frame;
-  PaddedFrame& work;
+  ChainMemory& memory;
   Report& report;
 };
 

@@ -10,6 +10,7 @@
 #include "pipeline/frame_copy.h"
 #include "pipeline/gl_state.h"
 #include "pipeline/guarded.h"
+#include "pipeline/reported.h"
 #include "pipeline/serial_thread.h"
 #include "pipeline/stopwatch.h"
 
@@ -64,6 +65,7 @@ class Converter::Worker {
 
   std::unique_ptr<android::GPUColorConverter> engine_;  // touched by thread_ only
   PaddedFrame frame_{kRowAlignment};
+  ReportPlace reports_;
   int width_ = 0;  // the size that the engine is set up for; 0 when it is not
   int height_ = 0;
   SerialThread thread_;
@@ -71,6 +73,7 @@ class Converter::Worker {
 
 Status Converter::Worker::ConvertHere(const ConstFrameView& in, const ImageView& rgb,
                                       const ImageView& hsi, Report* report) {
+  report = reports_.For(report);
   Stopwatch stopwatch;
   frame_.Load(in);
   report->upload_ms = stopwatch.Lap();
@@ -125,13 +128,10 @@ Converter::~Converter() = default;
 
 Status Converter::Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
                           Report* report) {
-  Report done;
-  Status status = Guarded([&]() -> Status {
+  return Reported(report, [&]() -> Status {
     if (Status checked = CheckConversion(in, rgb, hsi); !checked.ok()) return checked;
-    return worker_->Convert(in, rgb, hsi, &done);
+    return worker_->Convert(in, rgb, hsi, report);
   });
-  if (report != nullptr) *report = status.ok() ? std::move(done) : Report{};
-  return status;
 }
 
 }  // namespace lumora

@@ -1,10 +1,12 @@
 #include "pipeline/engine_host.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "lumora/platform/display.h"
 #include "lumora/platform/settings.h"
 #include "pipeline/engine_limits.h"
+#include "pipeline/face_record.h"
 #include "pipeline/failure.h"
 #include "pipeline/gl_state.h"
 #include "pipeline/rectification.h"
@@ -34,31 +36,42 @@ FramePlace MiddlePlace(int width, int height) {
 }  // namespace
 
 Status EngineHost::Beautify(const ConstFrameView& in, const FrameView& out,
-                            const std::vector<FaceJob>& faces, const Look& look, Chain chain,
+                            const std::vector<Face>& faces, const Look& look, Chain chain,
                             Report* report) {
+  report = reports_.For(report);
   Stopwatch stopwatch;
+  TakeFaces(faces, in.width, in.height, look.slim, chain);
   frame_.Load(in);
   report->upload_ms = stopwatch.Lap();
 
-  Status status = RunEffects(faces, look, chain, report);
+  Status status = RunEffects(look, chain, report);
   report->engine_ms = stopwatch.Lap();
   if (status.ok()) {
     frame_.Store(out);
     report->download_ms = stopwatch.Lap();
     report->chain = chain == Chain::Capture ? "capture" : "preview";
-    report->faces = static_cast<int>(faces.size());
+    report->faces = static_cast<int>(faces_.size());
     report->buffer_kind = BufferKind();
-    if (chain == Chain::Preview) report->blocks = {{0, 0, in.width, in.height}};
+    if (chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
     ClipBlocks(in.width, in.height, &report->blocks);
   }
-  if (chain == Chain::Capture) FreeLargeFrames();
+  if (chain == Chain::Capture) FreeMemory();
   return status;
 }
 
-Status EngineHost::RunEffects(const std::vector<FaceJob>& faces, const Look& look, Chain chain,
-                              Report* report) {
+void EngineHost::TakeFaces(const std::vector<Face>& faces, int width, int height, int slim,
+                           Chain chain) {
+  faces_.clear();
+  for (size_t i = 0; i < faces.size(); ++i) {
+    if (const auto record = MakeFaceRecord(faces[i], width, height, slim, chain)) {
+      faces_.push_back({static_cast<int>(i), faces[i], *record});
+    }
+  }
+}
+
+Status EngineHost::RunEffects(const Look& look, Chain chain, Report* report) {
   const bool capture = chain == Chain::Capture;
-  const ChainFrame frame = {setup_, frame_, work_, *report};
+  const ChainFrame frame = {setup_, frame_, memory_, *report};
   Stopwatch stopwatch;
   // A driver that failed may have left anything behind: the next frame finds a new set-up.
   const auto checked = [this](Status status) {
@@ -68,15 +81,15 @@ Status EngineHost::RunEffects(const std::vector<FaceJob>& faces, const Look& loo
   };
   ClearGlErrors();
   if (Whitens(look)) {
-    if (Status status = checked(capture ? WhitenCapture(frame, faces, look)
-                                        : WhitenPreview(frame, faces, look));
+    if (Status status = checked(capture ? WhitenCapture(frame, faces_, look)
+                                        : WhitenPreview(frame, faces_, look));
         !status.ok()) {
       return status;
     }
     report->whiten_ms = stopwatch.Lap();
   }
   if (look.slim > 0) {
-    if (Status status = checked(capture ? SlimCapture(frame, faces) : SlimPreview(frame, faces));
+    if (Status status = checked(capture ? SlimCapture(frame, faces_) : SlimPreview(frame, faces_));
         !status.ok()) {
       return status;
     }
@@ -106,6 +119,7 @@ Status EngineHost::RectifyRadial(const ConstFrameView& in, const FrameView& out,
 template <typename Draw>
 Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, FramePlace place,
                            Report* report, Draw draw) {
+  report = reports_.For(report);
   Stopwatch stopwatch;
   frame_.Load(in, place);
   report->upload_ms = stopwatch.Lap();
@@ -131,13 +145,13 @@ Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, Frame
   report->download_ms = stopwatch.Lap();
   report->chain = "preview";
   report->buffer_kind = BufferKind();
-  report->blocks = {{0, 0, in.width, in.height}};
+  report->blocks.push_back({0, 0, in.width, in.height});
   return {};
 }
 
-void EngineHost::FreeLargeFrames() {
+void EngineHost::FreeMemory() {
   frame_ = PaddedFrame();
-  work_ = PaddedFrame();
+  memory_ = ChainMemory();
 }
 
 DeviceInfo EngineHost::Device() {

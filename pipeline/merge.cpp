@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 namespace lumora {
 namespace {
@@ -39,13 +38,16 @@ Span SpanOf(PointF centre, double radius, int y, int width) {
 
 }  // namespace
 
-void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame) {
+void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
+           std::vector<float>* memory) {
   const PixelRect& bounds = mask.bounds();
   if (bounds.width <= 0 || bounds.height <= 0) return;
   const auto columns = static_cast<size_t>(bounds.width);
-  std::vector<float> upper(columns), lower(columns);
-  const auto blend_luma = [&](int y, std::vector<float>& weights) {
-    mask.Row(y, weights.data());
+  memory->resize(2 * columns);
+  float* const upper = memory->data();
+  float* const lower = upper + columns;
+  const auto blend_luma = [&](int y, float* weights) {
+    mask.Row(y, weights);
     const size_t start = RowStart(*frame, y) + static_cast<size_t>(bounds.x);
     uint8_t* const to = frame->luma() + start;
     const uint8_t* const from = processed.luma() + start;

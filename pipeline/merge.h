@@ -2,6 +2,8 @@
 #ifndef LUMORA_PIPELINE_MERGE_H_
 #define LUMORA_PIPELINE_MERGE_H_
 
+#include <vector>
+
 #include "pipeline/face.h"
 #include "pipeline/frame_copy.h"
 #include "pipeline/skin_mask.h"
@@ -9,7 +11,9 @@
 namespace lumora {
 
 /// Moves the pixels of `frame` towards `processed`, of the same size, by the weights of `mask`.
-void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame);
+/// `memory` is for its own use.
+void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
+           std::vector<float>* memory);
 
 /// Copies the pixels in a circle from `processed`, and the chroma samples with any pixel in it.
 void CopyCircle(const PaddedFrame& processed, PointF centre, double radius, PaddedFrame* frame);

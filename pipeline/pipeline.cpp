@@ -1,19 +1,20 @@
 #include "pipeline/pipeline.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <utility>
 
 #include "pipeline/engine_faults.h"
 #include "pipeline/engine_host.h"
 #include "pipeline/engine_limits.h"
-#include "pipeline/face_record.h"
 #include "pipeline/failure.h"
 #include "pipeline/frame_check.h"
 #include "pipeline/frame_copy.h"
 #include "pipeline/guarded.h"
+#include "pipeline/reported.h"
 #include "pipeline/serial_thread.h"
 #include "pipeline/stopwatch.h"
+#include "pipeline/warp_geometry.h"
 
 namespace lumora {
 namespace {
@@ -23,33 +24,20 @@ Chain ChainFor(int width, Chain wanted) {
   return AlignedSize(width) > kWidestPreview ? Chain::Capture : Chain::Preview;
 }
 
-/// The faces that can be processed.
-std::vector<FaceJob> JobsOf(const std::vector<Face>& faces, int width, int height, const Look& look,
-                            Chain chain) {
-  std::vector<FaceJob> jobs;
-  if (look.slim == 0 && !Whitens(look)) return jobs;
-  for (size_t i = 0; i < faces.size(); ++i) {
-    if (const auto record = MakeFaceRecord(faces[i], width, height, look.slim, chain)) {
-      jobs.push_back({static_cast<int>(i), faces[i], *record});
-    }
-  }
-  return jobs;
+/// Whether there is a face that can be processed, and a reason to.
+bool HasWork(const std::vector<Face>& faces, int width, int height, const Look& look, Chain chain) {
+  if (look.slim == 0 && !Whitens(look)) return false;
+  return std::any_of(faces.begin(), faces.end(), [&](const Face& face) {
+    return MeasureWarp(face, width, height, look.slim, chain).has_value();
+  });
 }
 
 void CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* report) {
   Stopwatch stopwatch;
   CopyFrame(in, out);
+  if (report == nullptr) return;
   report->chain = "none";
   report->download_ms = stopwatch.Lap();
-}
-
-/// What `work` returns, with its report, which is empty when it fails.
-template <typename Work>
-Status Reported(Report* report, Work work) {
-  Report done;
-  Status status = Guarded([&] { return work(&done); });
-  if (report != nullptr) *report = status.ok() ? std::move(done) : Report{};
-  return status;
 }
 
 }  // namespace
@@ -95,55 +83,55 @@ Pipeline::~Pipeline() = default;
 Status Pipeline::Process(const ConstFrameView& in, const FrameView& out,
                          const std::vector<Face>& faces, const Look& look, Report* report,
                          const ProcessOptions& options) {
-  return Reported(report, [&](Report* done) -> Status {
+  return Reported(report, [&]() -> Status {
     if (Status checked = CheckArguments(in, out, faces, look); !checked.ok()) return checked;
     const Chain chain = ChainFor(in.width, options.chain);
-    const std::vector<FaceJob> jobs = JobsOf(faces, in.width, in.height, look, chain);
-    if (jobs.empty()) {
-      CopyUnchanged(in, out, done);
+    if (!HasWork(faces, in.width, in.height, look, chain)) {
+      CopyUnchanged(in, out, report);
       return {};
     }
     return worker_->Run(
-        [&](EngineHost& host) { return host.Beautify(in, out, jobs, look, chain, done); });
+        [&](EngineHost& host) { return host.Beautify(in, out, faces, look, chain, report); });
   });
 }
 
 Status Pipeline::Rectify(const ConstFrameView& in, const FrameView& out, int degree,
                          Report* report) {
-  return Reported(report, [&](Report* done) -> Status {
+  return Reported(report, [&]() -> Status {
     if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
     if (degree < -100 || degree > 100) {
       return Failure(StatusCode::InvalidArgument,
                      "the degree is " + std::to_string(degree) + ", but its range is -100 to 100");
     }
     if (degree == 0) {
-      CopyUnchanged(in, out, done);
+      CopyUnchanged(in, out, report);
       return {};
     }
-    return worker_->Run([&](EngineHost& host) { return host.Rectify(in, out, degree, done); });
+    return worker_->Run([&](EngineHost& host) { return host.Rectify(in, out, degree, report); });
   });
 }
 
 Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out,
                                const LensCoefficients& lens, Report* report) {
-  return Reported(report, [&](Report* done) -> Status {
+  return Reported(report, [&]() -> Status {
     if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
     for (const float coefficient : {lens.k0, lens.k1, lens.k2, lens.k3}) {
       if (!std::isfinite(coefficient)) {
         return Failure(StatusCode::InvalidArgument, "a lens coefficient is not finite");
       }
     }
-    return worker_->Run(
-        [&](EngineHost& host) { return host.RectifyRadial(in, out, &lens, Camera::First, done); });
+    return worker_->Run([&](EngineHost& host) {
+      return host.RectifyRadial(in, out, &lens, Camera::First, report);
+    });
   });
 }
 
 Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out, Camera camera,
                                Report* report) {
-  return Reported(report, [&](Report* done) -> Status {
+  return Reported(report, [&]() -> Status {
     if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
     return worker_->Run(
-        [&](EngineHost& host) { return host.RectifyRadial(in, out, nullptr, camera, done); });
+        [&](EngineHost& host) { return host.RectifyRadial(in, out, nullptr, camera, report); });
   });
 }
 

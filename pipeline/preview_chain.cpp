@@ -1,6 +1,7 @@
 #include "pipeline/chains.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "pipeline/engine_limits.h"
 #include "pipeline/failure.h"
@@ -11,28 +12,34 @@ namespace lumora {
 namespace {
 
 /// Jobs that the engine can do in one pass over the frame: those with the same levels, moved to the
-/// front of [begin, end). Returns the end of the group.
+/// front of [begin, end) in their order. Returns the end of the group.
 using Jobs = std::vector<WhiteningJob>;
 Jobs::iterator NextGroup(Jobs::iterator begin, Jobs::iterator end) {
   const int intensity = begin->intensity_level;
   const int saturation = begin->saturation_level;
-  return std::stable_partition(begin, end, [intensity, saturation](const WhiteningJob& job) {
-    return job.intensity_level == intensity && job.saturation_level == saturation;
-  });
+  auto group_end = begin;
+  for (auto job = begin; job != end; ++job) {
+    if (job->intensity_level != intensity || job->saturation_level != saturation) continue;
+    // In place, where std::stable_partition would ask for memory.
+    if (job != group_end) std::rotate(group_end, job, std::next(job));
+    ++group_end;
+  }
+  return group_end;
 }
 
 /// Draws one group: the engine's result for the whole frame goes to `work`.
 Status WhitenGroup(const ChainFrame& chain, Jobs::const_iterator begin, Jobs::const_iterator end,
                    BEAUTYSHOT_EFFECT_t effect) {
   android::GPUBeautyFace& engine = chain.setup.engine();
-  std::vector<FACE_INFO_t> records;
+  std::vector<FACE_INFO_t>& records = chain.memory.records;
+  records.clear();
   for (auto job = begin; job != end; ++job) records.push_back(job->record);
   const bool done =
       engine.LoadPreviewFrameBuffer(chain.frame.luma()) != 0 && engine.ConvertYUV() != 0 &&
       engine.DoFaceWhitening(records.data(), static_cast<int>(records.size()),
                              begin->intensity_level, begin->saturation_level, effect) != 0 &&
       engine.ConvertHSItoYUV() != 0 &&
-      engine.CopyMemYUVfromSrcTexture(chain.work.luma(), chain.work.chroma()) != 0;
+      engine.CopyMemYUVfromSrcTexture(chain.memory.work.luma(), chain.memory.work.chroma()) != 0;
   return done ? Status{} : EngineRefused();
 }
 
@@ -40,20 +47,23 @@ Status WhitenGroup(const ChainFrame& chain, Jobs::const_iterator begin, Jobs::co
 
 Status WhitenPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look) {
   android::GPUBeautyFace& engine = chain.setup.engine();
-  Jobs jobs = PlanWhitening(engine, chain.frame, faces, look, &chain.report.tones);
+  Jobs& jobs = chain.memory.whitening;
+  PlanWhitening(engine, chain.frame, faces, look, &jobs, &chain.report.tones);
   if (jobs.empty()) return {};
   if (Status status = chain.setup.Preview(chain.frame.width(), chain.frame.height(), true);
       !status.ok()) {
     return status;
   }
   chain.setup.SetPreviewFilters(GL_NEAREST);
-  chain.work.Resize(chain.frame);
+  chain.memory.work.Resize(chain.frame);
   for (auto begin = jobs.begin(); begin != jobs.end();) {
     const auto end = NextGroup(begin, jobs.end());
     if (Status status = WhitenGroup(chain, begin, end, EngineEffect(look)); !status.ok()) {
       return status;
     }
-    for (; begin != end; ++begin) Blend(chain.work, begin->mask, &chain.frame);
+    for (; begin != end; ++begin) {
+      Blend(chain.memory.work, begin->mask, &chain.frame, &chain.memory.weights);
+    }
   }
   return {};
 }
@@ -69,8 +79,8 @@ Status SlimPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
   if (chain.setup.has_colour() && engine.LoadPreviewFrameBuffer(frame.luma()) == 0) {
     return EngineRefused();
   }
-  std::vector<FACE_INFO_t> records;
-  records.reserve(faces.size());
+  std::vector<FACE_INFO_t>& records = chain.memory.records;
+  records.clear();
   for (const FaceJob& face : faces) records.push_back(face.record);
   // The engine writes the luma over its input and the chroma to its output: the frame again.
   const int done =

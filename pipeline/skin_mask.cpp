@@ -79,7 +79,7 @@ int RoundDownToEven(float value) {
 
 }  // namespace
 
-SkinMask::SkinMask(const Face& face, const Ellipse& outer, int skin_luma, int width, int height) {
+void SkinMask::Make(const Face& face, const Ellipse& outer, int skin_luma, int width, int height) {
   const auto skin = static_cast<float>(std::max(1, skin_luma));
   for (size_t i = 0; i < luma_share_.size(); ++i) {
     luma_share_[i] = SmoothStep(kDark * skin, kLit * skin, static_cast<float>(i));

@@ -19,8 +19,14 @@ namespace lumora {
 /// eyes, brows and lips, and hair and shadows as dark as they are.
 class SkinMask {
  public:
+  /// Covers nothing.
+  SkinMask() = default;
   /// For a face in a frame of width x height pixels whose skin has that luma (0..255).
-  SkinMask(const Face& face, const Ellipse& outer, int skin_luma, int width, int height);
+  SkinMask(const Face& face, const Ellipse& outer, int skin_luma, int width, int height) {
+    Make(face, outer, skin_luma, width, height);
+  }
+  /// Makes it the mask of another face, in the memory that it has.
+  void Make(const Face& face, const Ellipse& outer, int skin_luma, int width, int height);
 
   /// What the mask covers: whole chroma samples, all within the frame. Outside, weights are 0.
   const PixelRect& bounds() const { return bounds_; }

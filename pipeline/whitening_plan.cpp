@@ -98,14 +98,14 @@ BEAUTYSHOT_EFFECT_t EngineEffect(const Look& look) {
   return look.whiten == 0 ? BEAUTYSHOT_EFFECT_SATURATION : BEAUTYSHOT_EFFECT_BOTH;
 }
 
-std::vector<WhiteningJob> PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
-                                        const std::vector<FaceJob>& faces, const Look& look,
-                                        std::vector<FaceTone>* tones) {
+void PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
+                   const std::vector<FaceJob>& faces, const Look& look,
+                   std::vector<WhiteningJob>* jobs, std::vector<FaceTone>* tones) {
   const BEAUTYSHOT_EFFECT_t effect = EngineEffect(look);
   const bool both = effect == BEAUTYSHOT_EFFECT_BOTH;
   const bool lifts = both || effect == BEAUTYSHOT_EFFECT_INTENSITY;
   const bool colours = both || effect == BEAUTYSHOT_EFFECT_SATURATION;
-  std::vector<WhiteningJob> jobs;
+  size_t count = 0;
   for (const FaceJob& face : faces) {
     const Ellipse outer = EllipsesOf(face.record)[kFaceEllipse];
     if (outer.half_along == 0) continue;  // the engine would whiten a corner of the frame instead
@@ -115,10 +115,14 @@ std::vector<WhiteningJob> PlanWhitening(android::GPUBeautyFace& engine, PaddedFr
     tones->push_back(
         {face.index, means.intensity, means.saturation, intensity > 0, saturation > 0});
     if (intensity == 0 && saturation == 0 && effect != BEAUTYSHOT_EFFECT_MASK) continue;
-    jobs.push_back({face.record, intensity, saturation,
-                    SkinMask(face.face, outer, means.luma, frame.width(), frame.height())});
+    if (count == jobs->size()) jobs->emplace_back();
+    WhiteningJob& job = (*jobs)[count++];
+    job.record = face.record;
+    job.intensity_level = intensity;
+    job.saturation_level = saturation;
+    job.mask.Make(face.face, outer, means.luma, frame.width(), frame.height());
   }
-  return jobs;
+  jobs->resize(count);
 }
 
 }  // namespace lumora

@@ -159,7 +159,8 @@ TEST_F(MergeTest, ACircleIsCopiedWithEveryChromaSampleThatItTouchesAndNothingEls
 
 TEST_F(MergeTest, BlendingMovesEachPixelByItsWeight) {
   const Portrait portrait;
-  Blend(processed_, portrait.mask, &frame_);
+  std::vector<float> memory;
+  Blend(processed_, portrait.mask, &frame_, &memory);
   const float share = portrait.mask.ShareOf(60);
   for (int y = 0; y < kHeight; y += 3) {
     for (int x = 0; x < kWidth; x += 3) {
