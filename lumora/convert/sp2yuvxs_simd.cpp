@@ -57,10 +57,11 @@ HWY_INLINE void ExpandBlocks(D texels, std::uint8_t* HWY_RESTRICT dst,
   static_assert(hn::MaxLanes(texels) == kBlockPixels, "a vector is a block");
   const hn::Rebind<std::uint8_t, D> narrow;
   const hn::Repartition<std::uint8_t, D> bytes;
-  const auto one = hn::Set(texels, 1);
-  const auto even = hn::AndNot(one, hn::Iota(texels, 0));
-  const auto none = hn::Set(texels, 0x80000080);  // looks up zeros for luma and alpha
-  const auto places = hn::Or3(hn::ShiftLeft<8>(even), hn::ShiftLeft<16>(hn::Or(even, one)), none);
+  // The bytes of texel i come from nowhere (80), from places i and i + 1 of an even i, from
+  // nowhere.
+  const auto even = hn::AndNot(hn::Set(texels, 1), hn::Iota(texels, 0));
+  const auto places =
+      hn::Or3(hn::ShiftLeft<8>(even), hn::ShiftLeft<16>(even), hn::Set(texels, 0x80010080));
   const auto alpha = hn::Set(texels, 0xFF000000);
   for (std::size_t at = 0; at < pixels; at += kBlockPixels) {
     const auto y = hn::PromoteTo(texels, hn::LoadU(narrow, luma + at));
