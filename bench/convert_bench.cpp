@@ -17,25 +17,25 @@
 namespace lumora::bench {
 namespace {
 
-/// A frame, the texels of both sides, and the planes that MergeARGBPlane takes.
+/// A frame, its texels, and the planes that MergeARGBPlane takes. Both sides write the same texels:
+/// two destinations would lie differently in the caches.
 struct Work {
   explicit Work(Size size_in)
       : size(size_in),
         frame(RandomFrame(size)),
-        ours(size.Pixels() * 4),
-        theirs(size.Pixels() * 4),
+        texels(size.Pixels() * 4),
         planes(size.Pixels() * 2) {
     std::memcpy(planes.data(), frame.data(), size.Pixels());
     std::memcpy(planes.data() + size.Pixels(), frame.data(), size.Pixels());
   }
 
   void Expand() const {
-    sp2yuvxs(ours.data(), size.width, frame.data(), size.width, size.height, 0, 0, size.width,
+    sp2yuvxs(texels.data(), size.width, frame.data(), size.width, size.height, 0, 0, size.width,
              size.height);
   }
 
   Size size;
-  Buffer frame, ours, theirs, planes;
+  Buffer frame, texels, planes;
 };
 
 /// The definition of the texels, a byte at a time.
@@ -54,7 +54,7 @@ void ExpandPlainly(const Work& work, uint8_t* texels) {
 void RequireTexels(const Work& work) {
   Buffer expected(work.size.Pixels() * 4);
   ExpandPlainly(work, expected.data());
-  Require(std::memcmp(expected.data(), work.ours.data(), expected.size()) == 0,
+  Require(std::memcmp(expected.data(), work.texels.data(), expected.size()) == 0,
           "the texels are wrong");
 }
 
@@ -62,7 +62,7 @@ std::vector<Side> Limits(const std::shared_ptr<Work>& work) {
   std::vector<Side> sides;
   for (const LimitKernel kernel : LimitKernels()) {
     sides.push_back({[work, kernel] {
-                       kernel(work->theirs.data(), work->frame.data(), work->size.width,
+                       kernel(work->texels.data(), work->frame.data(), work->size.width,
                               work->size.height);
                      },
                      {}});
@@ -73,7 +73,7 @@ std::vector<Side> Limits(const std::shared_ptr<Work>& work) {
 void NV21ToABGR(const Work& work) {
   const int width = work.size.width;
   libyuv::NV21ToABGR(work.frame.data(), width, work.frame.data() + work.size.Pixels(), width,
-                     work.theirs.data(), 4 * width, width, work.size.height);
+                     work.texels.data(), 4 * width, width, work.size.height);
 }
 
 /// Three planes of the frame's size, interleaved with 255: the layout of the texels, from more
@@ -82,12 +82,12 @@ void MergePlanes(const Work& work) {
   const int width = work.size.width;
   const uint8_t* const planes = work.planes.data();
   libyuv::MergeARGBPlane(planes + work.size.Pixels(), width, planes, width, work.frame.data(),
-                         width, nullptr, 0, work.theirs.data(), 4 * width, width, work.size.height);
+                         width, nullptr, 0, work.texels.data(), 4 * width, width, work.size.height);
 }
 
 void OpenCvToRgba(const Work& work) {
   const cv::Mat frame(work.size.height * 3 / 2, work.size.width, CV_8UC1, work.frame.data());
-  cv::Mat texels(work.size.height, work.size.width, CV_8UC4, work.theirs.data());
+  cv::Mat texels(work.size.height, work.size.width, CV_8UC4, work.texels.data());
   cv::cvtColor(frame, texels, cv::COLOR_YUV2RGBA_NV21);
 }
 
@@ -96,7 +96,7 @@ void ExpandScalar(const Work& work) {
   const auto width = static_cast<size_t>(work.size.width);
   const auto blocks = static_cast<std::ptrdiff_t>(width) / kBlockPixels;
   for (size_t row = 0; row < static_cast<size_t>(work.size.height); ++row) {
-    ExpandRowScalar(work.ours.data() + 4 * width * row, work.frame.data() + width * row,
+    ExpandRowScalar(work.texels.data() + 4 * width * row, work.frame.data() + width * row,
                     work.frame.data() + work.size.Pixels() + row / 2 * width, blocks);
   }
 }
