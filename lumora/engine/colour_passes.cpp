@@ -51,13 +51,13 @@ int GPUBeautyFace::DrawRGBtoUV(int nSrc) {
   return PackChroma(nSrc, nullptr);
 }
 
-int GPUBeautyFace::PackLuma(int nSrc, const DrawArea* area) {
+int GPUBeautyFace::PackLuma(int nSrc, const lumora::ChangedArea* area) {
   return RunPass({"DrawRGBtoYY", m_pProgRGBtoY, PackingSource(nSrc), m_pYYYYImage, m_hYYYYFbo,
                   m_nAlignedWidth / 4, m_nAlignedHeight,
                   m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST, false, area});
 }
 
-int GPUBeautyFace::PackChroma(int nSrc, const DrawArea* area) {
+int GPUBeautyFace::PackChroma(int nSrc, const lumora::ChangedArea* area) {
   return RunPass({"DrawRGBtoUV", m_pProgRGBtoUV, PackingSource(nSrc), m_pUVUVImage, m_hUVUVFbo,
                   m_nAlignedWidth / 4, m_nAlignedHeight / 2,
                   m_bRotate ? quad::kRotatedPositions : quad::kPositions, GL_NEAREST, false, area});

@@ -13,6 +13,7 @@
 #include "lumora/gl/segl_image.h"
 
 namespace lumora {
+class ChangedArea;
 struct ColourSums;
 struct FaceGeometry;
 struct OffscreenHandles;
@@ -347,7 +348,6 @@ class LUMORA_API GPUBeautyFace {
 
  private:
   struct LUMORA_LOCAL Pass;
-  struct LUMORA_LOCAL DrawArea;
   struct LUMORA_LOCAL PlanePart;
 
   // Set-up and release.
@@ -365,15 +365,15 @@ class LUMORA_API GPUBeautyFace {
   LUMORA_LOCAL int CheckPreviewReady();
   LUMORA_LOCAL int BeginPreviewFrame(void* in);
   LUMORA_LOCAL bool MayLimitDraws() const;
-  LUMORA_LOCAL lumora::platform::PixelRectangle WholeImage() const;
-  LUMORA_LOCAL lumora::platform::PixelRectangle SlimmingBox() const;
-  LUMORA_LOCAL lumora::platform::PixelRectangle WhiteningBox() const;
+  LUMORA_LOCAL lumora::ChangedArea WholeImage() const;
+  LUMORA_LOCAL lumora::ChangedArea SlimmingArea() const;
+  LUMORA_LOCAL lumora::ChangedArea WhiteningArea() const;
   LUMORA_LOCAL int RunLimitedPass(Pass pass, GLuint source_target,
-                                  const lumora::platform::PixelRectangle& changed);
-  LUMORA_LOCAL int PackLuma(int nSrc, const DrawArea* area);
-  LUMORA_LOCAL int PackChroma(int nSrc, const DrawArea* area);
+                                  const lumora::ChangedArea& changed);
+  LUMORA_LOCAL int PackLuma(int nSrc, const lumora::ChangedArea* area);
+  LUMORA_LOCAL int PackChroma(int nSrc, const lumora::ChangedArea* area);
   LUMORA_LOCAL int FinishPreviewFrame(void* in, void* out, int packed_source,
-                                      const lumora::platform::PixelRectangle& changed);
+                                      const lumora::ChangedArea& changed);
   LUMORA_LOCAL bool FillPackedTargets(const unsigned char* frame);
   LUMORA_LOCAL int PackPart(int packed_source, const lumora::platform::PixelRectangle& changed);
   LUMORA_LOCAL bool ReadPart(unsigned char* frame, unsigned char* chroma,

@@ -32,18 +32,13 @@ class ScissorScope {
   GLint before_[4] = {};
 };
 
-/// Copies what a framebuffer has around `box` to `texture`. The texture that was bound is bound
-/// again.
-void CopyAround(const lumora::PixelRectangle& box, GLuint framebuffer, GLuint texture, int width,
-                int height) {
+/// Copies what a framebuffer has to `texture`. The texture that was bound is bound again.
+void CopyImage(GLuint framebuffer, GLuint texture, int width, int height) {
   GLint bound = 0;
   glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   glBindTexture(GL_TEXTURE_2D, texture);
-  for (const lumora::PixelRectangle& part : lumora::Around(box, width, height)) {
-    if (part.width == 0 || part.height == 0) continue;
-    glCopyTexSubImage2D(GL_TEXTURE_2D, 0, part.x, part.y, part.x, part.y, part.width, part.height);
-  }
+  glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
   glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
 }
 
@@ -69,8 +64,7 @@ int GPUBeautyFace::RunPass(const Pass& pass) {
     return 0;
   }
   if (pass.area != nullptr && pass.copy_from != static_cast<GLuint>(-1)) {
-    CopyAround(pass.area->parts[0], pass.copy_from, pass.destination->m_hTexture, pass.width,
-               pass.height);
+    CopyImage(pass.copy_from, pass.destination->m_hTexture, pass.width, pass.height);
   }
   pass.program->SetTextures(0, static_cast<int>(pass.source->m_hTexture));
   glBindFramebuffer(GL_FRAMEBUFFER, pass.target);
@@ -87,9 +81,7 @@ int GPUBeautyFace::RunPass(const Pass& pass) {
     return 1;
   }
   const ScissorScope scissor;
-  for (const lumora::PixelRectangle& part : pass.area->parts) {
-    // Without anything to draw the pass still leaves the context as it always does.
-    if (part.width == 0 && &part != pass.area->parts) continue;
+  for (const lumora::PixelRectangle& part : *pass.area) {
     ScissorScope::limit(part);
     DrawQuad(*pass.program, pass.positions);
   }

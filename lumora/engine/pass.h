@@ -2,7 +2,7 @@
 #ifndef LUMORA_ENGINE_PASS_H_
 #define LUMORA_ENGINE_PASS_H_
 
-#include "lumora/engine/changed_box.h"
+#include "lumora/engine/changed_area.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/quad.h"
 
@@ -12,12 +12,6 @@ namespace android {
 struct GPUBeautyFace::PlanePart {
   unsigned char* plane;
   lumora::PixelRectangle part;
-};
-
-/// The parts of a destination that are drawn; an empty one draws nothing.
-struct GPUBeautyFace::DrawArea {
-  static constexpr int kParts = 2;
-  lumora::PixelRectangle parts[kParts] = {};
 };
 
 /// A full-screen quad from one image into a framebuffer. The exceptions are the fields with
@@ -37,7 +31,7 @@ struct GPUBeautyFace::Pass {
   /// Draw at the texture coordinates of the moment instead of the whole texture.
   bool keep_coordinates = false;
   /// Draw only there, pixels of the destination; null draws the whole viewport.
-  const DrawArea* area = nullptr;
+  const lumora::ChangedArea* area = nullptr;
   /// With an area: framebuffer of the source, which is copied to the destination first, because
   /// outside the area the pass would write what it reads. -1 leaves the destination as it is.
   GLuint copy_from = static_cast<GLuint>(-1);

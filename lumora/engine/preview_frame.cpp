@@ -57,8 +57,8 @@ int GPUBeautyFace::BeginPreviewFrame(void* in) {
   return LoadPreviewFrameBuffer(in);
 }
 
-lumora::PixelRectangle GPUBeautyFace::WholeImage() const {
-  return {0, 0, m_nAlignedWidth, m_nAlignedHeight};
+lumora::ChangedArea GPUBeautyFace::WholeImage() const {
+  return lumora::ChangedArea({0, 0, m_nAlignedWidth, m_nAlignedHeight});
 }
 
 bool GPUBeautyFace::MayLimitDraws() const {
@@ -71,19 +71,18 @@ bool GPUBeautyFace::MayLimitDraws() const {
 }
 
 int GPUBeautyFace::RunLimitedPass(Pass pass, GLuint source_target,
-                                  const lumora::PixelRectangle& changed) {
+                                  const lumora::ChangedArea& changed) {
   if (source_target == static_cast<GLuint>(-1) || pass.destination == nullptr ||
       lumora::CoversMost(changed, pass.width, pass.height)) {
     return RunPass(pass);
   }
-  const DrawArea area{{changed}};
-  pass.area = &area;
+  pass.area = &changed;
   pass.copy_from = source_target;
   return RunPass(pass);
 }
 
 int GPUBeautyFace::FinishPreviewFrame(void* in, void* out, int packed_source,
-                                      const lumora::PixelRectangle& changed) {
+                                      const lumora::ChangedArea& changed) {
   auto* frame = static_cast<unsigned char*>(in);
   auto* chroma = static_cast<unsigned char*>(out);
   const bool part = !m_bColorCvtMode && lumora::ExpandsExactly(m_nProcWidth, m_nProcHeight) &&
@@ -92,13 +91,13 @@ int GPUBeautyFace::FinishPreviewFrame(void* in, void* out, int packed_source,
                     !lumora::CoversMost(changed, m_nAlignedWidth, m_nAlignedHeight) &&
                     MayLimitDraws() && FillPackedTargets(frame);
   if (part) {
-    if (PackPart(packed_source, changed) == 0) return 0;
+    if (PackPart(packed_source, changed.Box()) == 0) return 0;
   } else if (DrawRGBtoYY(packed_source) == 0 || DrawRGBtoUV(packed_source) == 0) {
     return 0;
   }
   glFlush();
   glFinish();
-  return part && ReadPart(frame, chroma, changed) ? 1 : MemcpyYUV(in, out);
+  return part && ReadPart(frame, chroma, changed.Box()) ? 1 : MemcpyYUV(in, out);
 }
 
 size_t GPUBeautyFace::LumaSize() const {
@@ -118,9 +117,10 @@ bool GPUBeautyFace::FillPackedTargets(const unsigned char* frame) {
 int GPUBeautyFace::PackPart(int packed_source, const lumora::PixelRectangle& changed) {
   const int texels = m_nProcWidth / 4;
   const int beyond = m_nAlignedWidth / 4 - texels;
-  const DrawArea luma{{lumora::InSteps(changed, 4, 1), {texels, 0, beyond, m_nAlignedHeight}}};
-  const DrawArea chroma{
-      {lumora::InSteps(changed, 4, 2), {texels, 0, beyond, m_nAlignedHeight / 2}}};
+  lumora::ChangedArea luma(lumora::InSteps(changed, 4, 1));
+  luma.Add({texels, 0, beyond, m_nAlignedHeight});
+  lumora::ChangedArea chroma(lumora::InSteps(changed, 4, 2));
+  chroma.Add({texels, 0, beyond, m_nAlignedHeight / 2});
   return PackLuma(packed_source, &luma) == 1 && PackChroma(packed_source, &chroma) == 1 ? 1 : 0;
 }
 

@@ -59,14 +59,15 @@ int GPUBeautyFace::SetCheekSlimmerParameters(FACE_INFO_t face, int level, bool b
                        bLarge, face.dist_level_ratio);
 }
 
-lumora::PixelRectangle GPUBeautyFace::SlimmingBox() const {
+lumora::ChangedArea GPUBeautyFace::SlimmingArea() const {
   const auto* program = static_cast<const GLProgWarp*>(m_pProgCheekSlimmer);
   if (program == nullptr || !MayLimitDraws()) return WholeImage();
   const float* controller = program->m_fvController;
   const float* limiter = program->m_fvAngleLimiter;
-  return lumora::WarpBox({controller[0], controller[1], controller[2], controller[3], limiter[0],
-                          limiter[1], limiter[2], program->m_fAspectRatio},
-                         m_nAlignedWidth, m_nAlignedHeight);
+  return lumora::WarpArea(
+      {controller[0], controller[1], controller[2], controller[3], limiter[0], limiter[1],
+       limiter[2], program->m_fAspectRatio, GLProgCheekSlimmer::kEdgeFade},
+      m_nAlignedWidth, m_nAlignedHeight);
 }
 
 int GPUBeautyFace::DrawFaceDist(int index) {
@@ -74,14 +75,14 @@ int GPUBeautyFace::DrawFaceDist(int index) {
   return RunLimitedPass(
       {"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index), m_pWorkImage[index % 2],
        m_hWorkFbo[index % 2], m_nAlignedWidth, m_nAlignedHeight},
-      index == 0 ? m_hRGBFbo : m_hWorkFbo[(index - 1) % 2], SlimmingBox());
+      index == 0 ? m_hRGBFbo : m_hWorkFbo[(index - 1) % 2], SlimmingArea());
 }
 
 int GPUBeautyFace::FaceProcess(void* in, void* out, int level, FACE_INFO_t face, int /*unused*/) {
   LOGI("FaceProcess++");
   if (BeginPreviewFrame(in) == 0) return 0;
   if (SetCheekSlimmerParameters(face, level, false) == 0 || DrawFaceDist(0) == 0 ||
-      FinishPreviewFrame(in, out, 1, SlimmingBox()) == 0) {
+      FinishPreviewFrame(in, out, 1, SlimmingArea()) == 0) {
     return 0;
   }
   LOGI("FaceProcess--");
@@ -95,9 +96,9 @@ int GPUBeautyFace::FaceProcessMultiface(void* in, void* out, int level, FACE_INF
   lumora::PixelRectangle changed{};
   for (int i = 0; i < count; ++i) {
     if (SetCheekSlimmerParameters(faces[i], level, false) == 0 || DrawFaceDist(i) == 0) return 0;
-    changed = lumora::Union(changed, SlimmingBox());
+    changed = lumora::Union(changed, SlimmingArea().Box());
   }
-  if (FinishPreviewFrame(in, out, count, changed) == 0) return 0;
+  if (FinishPreviewFrame(in, out, count, lumora::ChangedArea(changed)) == 0) return 0;
   LOGI("FaceProcess-");
   return 1;
 }

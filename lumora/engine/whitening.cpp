@@ -156,13 +156,14 @@ int GPUBeautyFace::DrawFaceWhite(int nPass) {
   return RunLimitedPass(
       {"DrawFaceWhite", m_pProgFaceWhitening, m_pWorkImage[source], m_pWorkImage[3 - source],
        m_hWorkFbo[3 - source], m_nAlignedWidth, m_nAlignedHeight},
-      m_hWorkFbo[source], WhiteningBox());
+      m_hWorkFbo[source], WhiteningArea());
 }
 
-lumora::PixelRectangle GPUBeautyFace::WhiteningBox() const {
+lumora::ChangedArea GPUBeautyFace::WhiteningArea() const {
   const auto* program = static_cast<const GLProgWhiteningBase*>(m_pProgFaceWhitening);
   if (program == nullptr || !MayLimitDraws()) return WholeImage();
-  return lumora::EllipseBox(program->m_fEllipseController[0], m_nAlignedWidth, m_nAlignedHeight);
+  return lumora::ChangedArea(
+      lumora::EllipseBox(program->m_fEllipseController[0], m_nAlignedWidth, m_nAlignedHeight));
 }
 
 int GPUBeautyFace::DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel,

@@ -9,7 +9,6 @@ namespace {
 
 enum WarpUniform : int { kController, kAspectRatio, kAngleLimiter, kEdgeFix, kShift, kScale };
 
-constexpr float kPreviewEdgeFix = 0.2f;
 // Blocks are inner tiles of a larger frame: their borders are not the frame's.
 constexpr float kCaptureEdgeFix = 0.0f;
 
@@ -96,7 +95,7 @@ bool GLProgCheekSlimmer::Use() {
   glUniform1f(m_nUniformLoc[lumora::kAspectRatio], m_fAspectRatio);
   glUniform3f(m_nUniformLoc[lumora::kAngleLimiter], m_fvAngleLimiter[0], m_fvAngleLimiter[1],
               m_fvAngleLimiter[2]);
-  glUniform1f(m_nUniformLoc[lumora::kEdgeFix], lumora::kPreviewEdgeFix);
+  glUniform1f(m_nUniformLoc[lumora::kEdgeFix], kEdgeFade);
   return true;
 }
 

@@ -29,6 +29,9 @@ class LUMORA_API GLProgWarp : public GLProgram {
 /// borders.
 class LUMORA_API GLProgCheekSlimmer : public GLProgWarp {
  public:
+  /// Exponent of the distance to the nearest border: 0 would be no fade.
+  static constexpr float kEdgeFade = 0.2f;
+
   ~GLProgCheekSlimmer() override;
   bool Load() override;
   bool Use() override;

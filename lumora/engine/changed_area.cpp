@@ -1,4 +1,4 @@
-#include "lumora/engine/changed_box.h"
+#include "lumora/engine/changed_area.h"
 
 #include <algorithm>
 #include <cmath>
@@ -35,6 +35,22 @@ Span SpanOf(double low, double high, int length) {
   return {static_cast<int>(start), static_cast<int>(end - start)};
 }
 
+// The height of a band, for `rows` rows in as many bands as an area holds: flatter ones follow the
+// circle more closely, but every draw has its price, and renderers work in blocks.
+int BandRows(int rows) {
+  constexpr int kBlock = 8;
+  constexpr int kBands = ChangedArea::kMostParts - 1;  // blocks seldom start where the rows do
+  return std::max(1, (rows + kBands * kBlock - 1) / (kBands * kBlock)) * kBlock;
+}
+
+// How far the warp reaches, as a share of its radius, no farther than `border` from the nearest
+// border (texture coordinates, at most 0.5): the shader multiplies its ratio by 2 - border ^ fade.
+double FadedReach(double border, double fade) {
+  // Renderers compute powers from approximations of two logarithms.
+  constexpr double kSlack = 1.0 / 64;
+  return std::min(1.0, (1.0 + kSlack) / (2.0 - std::pow(border, fade)));
+}
+
 // The box around a centre, from texture coordinates to pixels.
 PixelRectangle BoxAround(double x, double y, double reach_x, double reach_y, int width,
                          int height) {
@@ -46,16 +62,36 @@ PixelRectangle BoxAround(double x, double y, double reach_x, double reach_y, int
 
 }  // namespace
 
-PixelRectangle WarpBox(const WarpUniforms& warp, int width, int height) {
-  const PixelRectangle whole{0, 0, width, height};
+void ChangedArea::Add(const PixelRectangle& part) {
+  if (part.width <= 0 || part.height <= 0) return;
+  if (count_ < kMostParts) {
+    parts_[count_++] = part;
+  } else {
+    parts_[count_ - 1] = Union(parts_[count_ - 1], part);
+  }
+}
+
+PixelRectangle ChangedArea::Box() const {
+  PixelRectangle box{};
+  for (const PixelRectangle& part : *this) box = Union(box, part);
+  return box;
+}
+
+int64_t ChangedArea::Pixels() const {
+  int64_t pixels = 0;
+  for (const PixelRectangle& part : *this) pixels += int64_t{part.width} * part.height;
+  return pixels;
+}
+
+ChangedArea WarpArea(const WarpUniforms& warp, int width, int height) {
+  const ChangedArea whole({0, 0, width, height});
   if (!AllFinite({warp.centre_x, warp.centre_y, warp.strength, warp.radius, warp.limiter_direction,
-                  warp.limiter_distance, warp.limiter_scale, warp.aspect_ratio})) {
+                  warp.limiter_distance, warp.limiter_scale, warp.aspect_ratio, warp.edge_fade})) {
     return whole;
   }
-  // The shader's ratio is distance / radius divided by a number of 0 .. 1, so it is 1 beyond the
-  // radius, and the fade towards the borders only raises it: there the warp is mix(twisted, own,
-  // 1).
-  if (!(warp.radius > 0.0f) || !(warp.aspect_ratio > 0.0f)) return whole;
+  // The shader's ratio is distance / radius divided by a number of 0 .. 1, times a fade towards the
+  // borders of 1 or more. Where that is 1 the warp is mix(twisted, own, 1).
+  if (!(warp.radius > 0.0f) || !(warp.aspect_ratio > 0.0f) || warp.edge_fade < 0.0f) return whole;
   // What rounding leaves of that depends on how large the numbers are that cancel out.
   const double aspect = static_cast<double>(warp.aspect_ratio);
   const double shift = 1.0 + std::max(std::abs(static_cast<double>(warp.centre_x)),
@@ -64,9 +100,25 @@ PixelRectangle WarpBox(const WarpUniforms& warp, int width, int height) {
   const double twisted = shift * (1.0 + std::abs(static_cast<double>(warp.strength)) * distance);
   if (twisted * std::max(width, height) * kFloatStep > kSamplingSlack) return whole;
 
+  const double x = static_cast<double>(warp.centre_x);
+  const double y = static_cast<double>(warp.centre_y);
   const double radius = static_cast<double>(warp.radius);
-  return BoxAround(static_cast<double>(warp.centre_x), static_cast<double>(warp.centre_y), radius,
-                   radius / aspect, width, height);
+  const Span rows = SpanOf((y - radius / aspect) * height, (y + radius / aspect) * height, height);
+  const int step = BandRows(rows.length);
+  ChangedArea area;
+  for (int top = rows.start / step * step; top < rows.start + rows.length; top += step) {
+    const int bottom = std::min(top + step, height);
+    const double low = (top - kMargin) / height;
+    const double high = (bottom + kMargin) / height;
+    const double border = std::min({0.5, high, 1.0 - low});
+    const double reach = radius * FadedReach(border, static_cast<double>(warp.edge_fade));
+    const double away = std::max({0.0, low - y, y - high}) * aspect;
+    if (away >= reach) continue;
+    const double half = std::sqrt(reach * reach - away * away);
+    const Span columns = SpanOf((x - half) * width, (x + half) * width, width);
+    area.Add({columns.start, top, columns.length, bottom - top});
+  }
+  return area;
 }
 
 PixelRectangle EllipseBox(const float matrix[9], int width, int height) {
@@ -98,15 +150,6 @@ PixelRectangle Union(const PixelRectangle& a, const PixelRectangle& b) {
           std::max(a.y + a.height, b.y + b.height) - y};
 }
 
-std::array<PixelRectangle, 4> Around(const PixelRectangle& box, int width, int height) {
-  const int right = box.x + box.width;
-  const int bottom = box.y + box.height;
-  return {{{0, 0, width, box.y},
-           {0, bottom, width, height - bottom},
-           {0, box.y, box.x, box.height},
-           {right, box.y, width - right, box.height}}};
-}
-
 PixelRectangle InSteps(const PixelRectangle& box, int step_x, int step_y) {
   if (box.width <= 0 || box.height <= 0) return {0, 0, 0, 0};
   const auto up = [](int value, int step) { return (value + step - 1) / step; };
@@ -115,8 +158,8 @@ PixelRectangle InSteps(const PixelRectangle& box, int step_x, int step_y) {
   return {x, y, up(box.x + box.width, step_x) - x, up(box.y + box.height, step_y) - y};
 }
 
-bool CoversMost(const PixelRectangle& box, int width, int height) {
-  return int64_t{box.width} * box.height * 8 >= int64_t{width} * height * 7;
+bool CoversMost(const ChangedArea& area, int width, int height) {
+  return area.Pixels() * 8 >= int64_t{width} * height * 7;
 }
 
 }  // namespace lumora
