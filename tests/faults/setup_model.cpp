@@ -69,7 +69,11 @@ Consequence FailingBufferedImage(Call call, int ordinal, bool staged) {
 }
 
 const std::map<Call, int> kMemoryObject = {
-    {Call::VulkanImage, 1}, {Call::VulkanAllocation, 1}, {Call::VulkanMapping, 1}};
+    {Call::VulkanImage, 1},
+    {Call::VulkanAllocation, 1},
+    {Call::VulkanMapping, 1},
+    {Call::VulkanExport, 1},  // to see that it is zeroed
+    {Call::Close, 1}};
 
 std::map<Call, int> operator+(std::map<Call, int> first, const std::map<Call, int>& second) {
   for (const auto& [call, count] : second) first[call] += count;

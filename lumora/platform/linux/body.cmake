@@ -3,6 +3,7 @@
 list(APPEND lumora_platform_sources
   platform/linux/backing_factory.cpp
   platform/linux/display.cpp
+  platform/linux/fresh_memory.cpp
   platform/linux/log_mask.cpp
   platform/linux/memory_object.cpp
   platform/linux/memory_object_proof.cpp

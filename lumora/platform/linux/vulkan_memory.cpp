@@ -1,10 +1,12 @@
 #include "lumora/platform/linux/vulkan_memory.h"
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <cstring>
 #include <mutex>
 #include <vector>
 
+#include "lumora/platform/linux/fresh_memory.h"
 #include "lumora/platform/linux/vulkan_loader.h"
 
 namespace lumora::platform {
@@ -89,7 +91,9 @@ std::optional<VulkanAllocation> VulkanMemory::allocate(const BufferGeometry& geo
     return std::nullopt;
   }
   allocation.address = static_cast<unsigned char*>(address);
-  std::memset(allocation.address, 0, allocation.size);
+  const int descriptor = exportDescriptor(allocation);
+  ZeroFreshMemory(allocation.address, allocation.size, descriptor);
+  if (descriptor >= 0) close(descriptor);
   return allocation;
 }
 
