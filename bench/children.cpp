@@ -9,6 +9,7 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <optional>
 
 #include "bench/bare_gl.h"
 #include "bench/engines.h"
@@ -61,19 +62,52 @@ void CompilePrograms() {
   });
 }
 
+/// The engine whitens a capture in block mode, in place.
+void WhitenCapture(BenchEngine& engine, Size size, const Buffer& frame, FACE_INFO_t* face) {
+  int stride = 0;
+  engine->InitCapture(nullptr, nullptr, size.width, size.height, &stride, true);
+  const bool done =
+      engine->DoFaceWhiteningLarge(frame.data(), frame.data() + size.Pixels(), face, 1,
+                                   kIntensityLevel, kSaturationLevel,
+                                   BEAUTYSHOT_EFFECT_BOTH) == 1 &&
+      engine->CopyMemYUVfromSrcTextureLarge(frame.data(), frame.data() + size.Pixels(), 0, 1) == 1;
+  engine->DeInitCapture();
+  Require(done, "whitening the capture failed");
+}
+
 /// From nothing to the first frame, slimmed or whitened.
 void FirstFrame(bool whiten) {
   const Buffer frame = SkinFrame(k720);
   const Buffer result(k720.FrameBytes());
   const FACE_INFO_t face = RecordOf(PreviewFace(k720), k720);
+  std::optional<BenchEngine> engine;  // its release is no part of a start
   Timed([&] {
-    BenchEngine engine;
-    engine.InitPreview(k720, whiten);
+    engine.emplace();
+    engine->InitPreview(k720, whiten);
     if (whiten) {
-      engine.Whiten(frame.data(), result.data(), k720, face);
+      engine->Whiten(frame.data(), result.data(), k720, face);
     } else {
-      engine.Slim(frame.data(), k720, face);
+      engine->Slim(frame.data(), k720, face);
     }
+  });
+}
+
+/// From nothing to a first frame of each chain: slimmed, whitened, a whitened capture. The frames
+/// are so small that programs count and not pixels.
+void FirstOfEach() {
+  constexpr Size kSmall{256, 192};
+  const Buffer frame = SkinFrame(kSmall);
+  const Buffer result(kSmall.FrameBytes());
+  const FACE_INFO_t face = RecordOf(PreviewFace(kSmall), kSmall);
+  FACE_INFO_t captured = RecordOf(CentredFace(kSmall, 0.35), kSmall, Chain::Capture);
+  std::optional<BenchEngine> engine;
+  Timed([&] {
+    engine.emplace();
+    engine->InitPreview(kSmall, true);
+    engine->Slim(frame.data(), kSmall, face);
+    engine->Whiten(frame.data(), result.data(), kSmall, face);
+    (*engine)->DeInit();
+    WhitenCapture(*engine, kSmall, frame, &captured);
   });
 }
 
@@ -90,27 +124,19 @@ double StatusBytes(const char* name) {
   return 0;
 }
 
-/// The engine whitens a capture in block mode, in place, with a face that fills the frame.
-void WhitenCapture(Size size) {
+/// A capture with a face that fills the frame, and an engine for it.
+void WhitenLoneCapture(Size size) {
   const Buffer frame = SkinFrame(size);
   FACE_INFO_t face = RecordOf(CentredFace(size, 0.35), size, Chain::Capture);
   BenchEngine engine;
-  int stride = 0;
-  engine->InitCapture(nullptr, nullptr, size.width, size.height, &stride, true);
-  const bool done =
-      engine->DoFaceWhiteningLarge(frame.data(), frame.data() + size.Pixels(), &face, 1,
-                                   kIntensityLevel, kSaturationLevel,
-                                   BEAUTYSHOT_EFFECT_BOTH) == 1 &&
-      engine->CopyMemYUVfromSrcTextureLarge(frame.data(), frame.data() + size.Pixels(), 0, 1) == 1;
-  engine->DeInitCapture();
-  Require(done, "whitening the capture failed");
+  WhitenCapture(engine, size, frame, &face);
 }
 
 /// Prints the resident size with driver and programs loaded, then the peak of a large capture.
 void CapturePeak() {
-  WhitenCapture({1344, 1008});
+  WhitenLoneCapture({1344, 1008});
   const double before = StatusBytes("VmRSS");
-  WhitenCapture(k48Megapixels);
+  WhitenLoneCapture(k48Megapixels);
   std::printf("%.0f %.0f\n", before, StatusBytes("VmHWM"));
 }
 
@@ -128,6 +154,7 @@ int RunChild(const std::string& name) {
       {"compile-programs", CompilePrograms},
       {"first-slimmed", [] { FirstFrame(false); }},
       {"first-whitened", [] { FirstFrame(true); }},
+      {"first-of-each", FirstOfEach},
       {"capture-peak", CapturePeak}};
   const auto child = children.find(name);
   if (child == children.end()) return 2;

@@ -87,6 +87,8 @@ void RegisterStartUp() {
            [](benchmark::State& state) { FirstFrame(state, "first-slimmed"); });
   Register("start_up/first_whitened",
            [](benchmark::State& state) { FirstFrame(state, "first-whitened"); });
+  Register("start_up/first_of_each",
+           [](benchmark::State& state) { FirstFrame(state, "first-of-each"); });
 }
 
 }  // namespace lumora::bench
