@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -91,6 +90,24 @@ TEST(FreshMemory, OnlyTheFileOfTheMemoryIsBelieved) {
     EXPECT_TRUE(file.has_only_zeros()) << descriptor;
   }
   for (const int descriptor : {small, ends[0], ends[1]}) close(descriptor);
+}
+
+// The last pages are a file's, the others are not.
+TEST(FreshMemory, AFileOfAPartIsNotBelieved) {
+  constexpr size_t kFilePages = 3;
+  const size_t size = kPages * PageSize(), file_size = kFilePages * PageSize();
+  const int part = memfd_create("part", MFD_CLOEXEC);
+  ASSERT_EQ(ftruncate(part, static_cast<off_t>(file_size)), 0);
+  auto* const memory = static_cast<unsigned char*>(
+      mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  std::memset(memory, 7, size - file_size);
+  ASSERT_EQ(mmap(memory + size - file_size, file_size, PROT_READ | PROT_WRITE,
+                 MAP_SHARED | MAP_FIXED, part, 0),
+            memory + size - file_size);
+  ZeroFreshMemory(memory, size, part);
+  EXPECT_TRUE(std::all_of(memory, memory + size, [](unsigned char byte) { return byte == 0; }));
+  munmap(memory, size);
+  close(part);
 }
 
 TEST(FreshMemory, LittleMemoryIsZeroedWhole) {
