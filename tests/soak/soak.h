@@ -21,7 +21,7 @@ struct Kept {
 
 /// Resident memory that may be gained however long it goes on: the driver's and the allocator's
 /// pools fill up at times of their own.
-constexpr long kSlackKb = 3072;
+constexpr long kSlackKb = 8192;
 
 /// Calls `cycle` with 0, 1, ... for a while, then counts, calls it `cycles` times more and counts
 /// again: GL objects grew by exactly what was kept, resident memory by no more than 1.5 times

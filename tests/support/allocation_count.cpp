@@ -14,20 +14,37 @@ void* Allocate(size_t size) {
   return std::malloc(size == 0 ? 1 : size);
 }
 
-}  // namespace
-
-void* operator new(size_t size) {
+void* AllocateOrEnd(size_t size) {
   void* const memory = Allocate(size);
   if (memory == nullptr) std::abort();
   return memory;
 }
+
+}  // namespace
+
+// Arrays as well: sanitizers bring operators of their own, which do not call these.
+void* operator new(size_t size) {
+  return AllocateOrEnd(size);
+}
+void* operator new[](size_t size) {
+  return AllocateOrEnd(size);
+}
 void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  return Allocate(size);
+}
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
   return Allocate(size);
 }
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
 void operator delete(void* memory, size_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, size_t) noexcept {
   std::free(memory);
 }
 
