@@ -68,12 +68,11 @@ Consequence FailingBufferedImage(Call call, int ordinal, bool staged) {
   return staged ? Missing({NoPixels()}) : GotRound();
 }
 
-const std::map<Call, int> kMemoryObject = {
-    {Call::VulkanImage, 1},
-    {Call::VulkanAllocation, 1},
-    {Call::VulkanMapping, 1},
-    {Call::VulkanExport, 1},  // to see that it is zeroed
-    {Call::Close, 1}};
+const std::map<Call, int> kMemoryObject = {{Call::VulkanImage, 1},
+                                           {Call::VulkanAllocation, 1},
+                                           {Call::VulkanMapping, 1},
+                                           {Call::VulkanExport, 1},  // to see that it is zeroed
+                                           {Call::Close, 1}};
 
 std::map<Call, int> operator+(std::map<Call, int> first, const std::map<Call, int>& second) {
   for (const auto& [call, count] : second) first[call] += count;
