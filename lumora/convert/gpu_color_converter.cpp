@@ -6,6 +6,7 @@
 #include "lumora/convert/sp2yuvxs.h"
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/row_sizes.h"
 #include "lumora/gl/texture_parameters.h"
@@ -88,7 +89,7 @@ int GPUColorConverter::Init(int nSrcImageWidth, int nSrcImageHeight, int* pStrid
 SEGLImage* GPUColorConverter::MakeImage(int width, int height, GLint wrap) {
   auto* image = new (std::nothrow) SEGLImage(1);
   if (image != nullptr) image->Create(width, height, 1);
-  if (image == nullptr || image->m_hTexture == static_cast<GLuint>(-1)) {
+  if (image == nullptr || image->m_hTexture == lumora::kNoName) {
     LOGE("[%s] can't new image", "InitTexture");
     delete image;
     return nullptr;

@@ -5,6 +5,7 @@
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/settings.h"
@@ -14,8 +15,6 @@ LUMORA_LOG_TAG("Lumora");
 namespace android {
 namespace {
 
-constexpr GLuint kNoName = static_cast<GLuint>(-1);
-
 /// Whether the programs are to paint their diagnostic marks: the property's value is exactly 1.
 bool ReadShowMask() {
   char value[lumora::platform::kPropertyValueMax] = {};
@@ -24,9 +23,9 @@ bool ReadShowMask() {
 }
 
 void DeleteFramebuffer(GLuint& fbo) {
-  if (fbo == kNoName) return;
+  if (fbo == lumora::kNoName) return;
   glDeleteFramebuffers(1, &fbo);
-  fbo = kNoName;
+  fbo = lumora::kNoName;
 }
 
 void DeleteProgram(GLProgram*& program) {
@@ -46,9 +45,9 @@ void DestroyImages(std::initializer_list<SEGLImage**> images) {
 }
 
 void DeletePlaneTexture(GLuint& texture) {
-  if (texture == kNoName) return;
+  if (texture == lumora::kNoName) return;
   glDeleteTextures(1, &texture);
-  texture = kNoName;
+  texture = lumora::kNoName;
 }
 
 }  // namespace
@@ -71,10 +70,10 @@ GPUBeautyFace::GPUBeautyFace()
       m_nAlignedHeight(-1),
       m_nFullWidth(-1),
       m_nFullHeight(-1),
-      m_hYYYYFbo(kNoName),
-      m_hUVUVFbo(kNoName),
-      m_hWorkFbo{kNoName, kNoName, kNoName},
-      m_hRGBFbo(kNoName),
+      m_hYYYYFbo(lumora::kNoName),
+      m_hUVUVFbo(lumora::kNoName),
+      m_hWorkFbo{lumora::kNoName, lumora::kNoName, lumora::kNoName},
+      m_hRGBFbo(lumora::kNoName),
       m_pWorkImage{},
       m_pRGBImage(nullptr),
       m_pYYYYImage(nullptr),
@@ -94,8 +93,8 @@ GPUBeautyFace::GPUBeautyFace()
       m_bRotate(true),
       m_bIsInit(false),
       m_bLargeCapture(false),
-      m_hYTexture(kNoName),
-      m_hCbCrTexture(kNoName),
+      m_hYTexture(lumora::kNoName),
+      m_hCbCrTexture(lumora::kNoName),
       m_bShowMask(false),
       m_nFaceWhiteRadius(0),
       m_nFaceWhiteHalfWidth(0),

@@ -59,11 +59,11 @@ bool DrawsPlainly() {
 
 int GPUBeautyFace::RunPass(const Pass& pass) {
   if (pass.program == nullptr || pass.source == nullptr || pass.destination == nullptr ||
-      pass.target == static_cast<GLuint>(-1)) {
+      pass.target == lumora::kNoName) {
     LOGE("[%s] program or image is missing", pass.name);
     return 0;
   }
-  if (pass.area != nullptr && pass.copy_from != static_cast<GLuint>(-1)) {
+  if (pass.area != nullptr && pass.copy_from != lumora::kNoName) {
     CopyImage(pass.copy_from, pass.destination->m_hTexture, pass.width, pass.height);
   }
   pass.program->SetTextures(0, static_cast<int>(pass.source->m_hTexture));

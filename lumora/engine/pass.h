@@ -4,6 +4,7 @@
 
 #include "lumora/engine/changed_area.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/quad.h"
 
 namespace android {
@@ -34,7 +35,7 @@ struct GPUBeautyFace::Pass {
   const lumora::ChangedArea* area = nullptr;
   /// With an area: framebuffer of the source, which is copied to the destination first, because
   /// outside the area the pass would write what it reads. -1 leaves the destination as it is.
-  GLuint copy_from = static_cast<GLuint>(-1);
+  GLuint copy_from = lumora::kNoName;
 };
 
 /// Whether the context draws as the engine set it up: nothing is masked, blended or tested.

@@ -8,6 +8,7 @@
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/pass.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/settings.h"
@@ -72,7 +73,7 @@ bool GPUBeautyFace::MayLimitDraws() const {
 
 int GPUBeautyFace::RunLimitedPass(Pass pass, GLuint source_target,
                                   const lumora::ChangedArea& changed) {
-  if (source_target == static_cast<GLuint>(-1) || pass.destination == nullptr ||
+  if (source_target == lumora::kNoName || pass.destination == nullptr ||
       lumora::CoversMost(changed, pass.width, pass.height)) {
     return RunPass(pass);
   }

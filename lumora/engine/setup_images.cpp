@@ -5,6 +5,7 @@
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
@@ -14,13 +15,12 @@ LUMORA_LOG_TAG("Lumora");
 namespace android {
 namespace {
 
+using lumora::kNoName;
 using lumora::RoundUpTo32;
 using lumora::SetWrapAndFilter;
 
 constexpr unsigned char kBuffered = 1;
 constexpr unsigned char kPlain = 0;
-
-constexpr GLuint kNoName = static_cast<GLuint>(-1);
 
 constexpr char kCheckRgb[] = "InitTexture - after RGB SetColorAttachment";
 constexpr char kCheckYyyy[] = "InitTexture - after YYYY SetColorAttachment";

@@ -7,6 +7,7 @@
 #include "lumora/engine/pass.h"
 #include "lumora/engine/process_rectangle.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/cheek_slimmer_programs.h"
@@ -35,10 +36,10 @@ FaceProcessRect BlocksAround(const FACE_INFO_t& face, int block_width, int block
 
 int GPUBeautyFace::DrawFaceDistLarge() {
   auto* program = static_cast<GLProgWarp*>(m_pProgCheekSlimmer);
-  constexpr auto kNoName = static_cast<GLuint>(-1);
-  const bool has_source = m_bColorCvtMode ? m_pWorkImage[1] != nullptr
-                                          : m_hYTexture != kNoName && m_hCbCrTexture != kNoName;
-  if (program == nullptr || m_hWorkFbo[0] == kNoName || !has_source) {
+  const bool has_source = m_bColorCvtMode
+                              ? m_pWorkImage[1] != nullptr
+                              : m_hYTexture != lumora::kNoName && m_hCbCrTexture != lumora::kNoName;
+  if (program == nullptr || m_hWorkFbo[0] == lumora::kNoName || !has_source) {
     LOGE("[%s] program or image is missing", "DrawFaceDistLarge");
     return 0;
   }

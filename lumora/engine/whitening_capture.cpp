@@ -11,6 +11,7 @@
 #include "lumora/engine/whitening_parameters.h"
 #include "lumora/engine/whole_frame_store.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/face_whitening_programs.h"
@@ -50,7 +51,7 @@ bool CornerInside(const FaceProcessRect& rect, int x, int y, int width, int heig
 int GPUBeautyFace::DrawFaceWhiteLarge(bool bUsePrev) {
   const SEGLImage* previous = bUsePrev ? m_pRGBImage : m_pWorkImage[0];
   if (m_pProgFaceWhitening == nullptr || m_pWorkImage[0] == nullptr || previous == nullptr ||
-      m_pWorkImage[2] == nullptr || m_hWorkFbo[2] == static_cast<GLuint>(-1)) {
+      m_pWorkImage[2] == nullptr || m_hWorkFbo[2] == lumora::kNoName) {
     LOGE("[%s] program or image is missing", "DrawFaceWhiteLarge");
     return 0;
   }

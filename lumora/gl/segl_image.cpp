@@ -5,6 +5,7 @@
 
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/no_name.h"
 #include "lumora/gl/step_timer.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/gralloc.h"
@@ -14,8 +15,6 @@ LUMORA_LOG_TAG("EGLImageTest");
 namespace platform = lumora::platform;
 
 namespace {
-
-constexpr GLuint kNoTexture = static_cast<GLuint>(-1);
 
 /// A pointer as the log shows it: the low 32 bits, in decimal.
 int LogNumber(const void* pointer) {
@@ -32,7 +31,7 @@ void SetFilterAndWrap(GLint filter, GLint wrap) {
 }  // namespace
 
 SEGLImage::SEGLImage(unsigned char flag)
-    : m_eglImage(EGL_NO_IMAGE_KHR), m_hTexture(kNoTexture), m_pData(nullptr), m_nFlag(flag) {}
+    : m_eglImage(EGL_NO_IMAGE_KHR), m_hTexture(lumora::kNoName), m_pData(nullptr), m_nFlag(flag) {}
 
 int SEGLImage::Create(int width, int height, int format) {
   return m_nFlag != 0 ? CreateBuffered(width, height, format) : CreatePlain(width, height);
@@ -115,7 +114,7 @@ int SEGLImage::CreatePlain(int width, int height) {
 void SEGLImage::Destroy() {
   if (m_spBuffer) m_spBuffer->detachTexture();
   glDeleteTextures(1, &m_hTexture);
-  m_hTexture = kNoTexture;
+  m_hTexture = lumora::kNoName;
   if (m_nFlag != 0 && m_eglImage != EGL_NO_IMAGE_KHR) {
     lumora::gl::Extensions().eglDestroyImageKHR(eglGetCurrentDisplay(), m_eglImage);
     m_eglImage = EGL_NO_IMAGE_KHR;
