@@ -368,6 +368,7 @@ class LUMORA_API GPUBeautyFace {
   LUMORA_LOCAL lumora::ChangedArea WholeImage() const;
   LUMORA_LOCAL lumora::ChangedArea SlimmingArea() const;
   LUMORA_LOCAL lumora::ChangedArea WhiteningArea() const;
+  LUMORA_LOCAL int DrawSlimmed(int index, const lumora::ChangedArea& area);
   LUMORA_LOCAL int RunLimitedPass(Pass pass, GLuint source_target,
                                   const lumora::ChangedArea& changed);
   LUMORA_LOCAL int PackLuma(int nSrc, const lumora::ChangedArea* area);

@@ -71,20 +71,23 @@ lumora::ChangedArea GPUBeautyFace::SlimmingArea() const {
 }
 
 int GPUBeautyFace::DrawFaceDist(int index) {
+  return DrawSlimmed(index, SlimmingArea());
+}
+
+int GPUBeautyFace::DrawSlimmed(int index, const lumora::ChangedArea& area) {
   if (index < 0) return 0;
   return RunLimitedPass(
       {"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index), m_pWorkImage[index % 2],
        m_hWorkFbo[index % 2], m_nAlignedWidth, m_nAlignedHeight},
-      index == 0 ? m_hRGBFbo : m_hWorkFbo[(index - 1) % 2], SlimmingArea());
+      index == 0 ? m_hRGBFbo : m_hWorkFbo[(index - 1) % 2], area);
 }
 
 int GPUBeautyFace::FaceProcess(void* in, void* out, int level, FACE_INFO_t face, int /*unused*/) {
   LOGI("FaceProcess++");
   if (BeginPreviewFrame(in) == 0) return 0;
-  if (SetCheekSlimmerParameters(face, level, false) == 0 || DrawFaceDist(0) == 0 ||
-      FinishPreviewFrame(in, out, 1, SlimmingArea()) == 0) {
-    return 0;
-  }
+  if (SetCheekSlimmerParameters(face, level, false) == 0) return 0;
+  const lumora::ChangedArea changed = SlimmingArea();
+  if (DrawSlimmed(0, changed) == 0 || FinishPreviewFrame(in, out, 1, changed) == 0) return 0;
   LOGI("FaceProcess--");
   return 1;
 }
@@ -95,8 +98,10 @@ int GPUBeautyFace::FaceProcessMultiface(void* in, void* out, int level, FACE_INF
   if (BeginPreviewFrame(in) == 0) return 0;
   lumora::PixelRectangle changed{};
   for (int i = 0; i < count; ++i) {
-    if (SetCheekSlimmerParameters(faces[i], level, false) == 0 || DrawFaceDist(i) == 0) return 0;
-    changed = lumora::Union(changed, SlimmingArea().Box());
+    if (SetCheekSlimmerParameters(faces[i], level, false) == 0) return 0;
+    const lumora::ChangedArea area = SlimmingArea();
+    if (DrawSlimmed(i, area) == 0) return 0;
+    changed = lumora::Union(changed, area.Box());
   }
   if (FinishPreviewFrame(in, out, count, lumora::ChangedArea(changed)) == 0) return 0;
   LOGI("FaceProcess-");
