@@ -9,7 +9,6 @@
 // step, counted over all files, for CACHE_USER_DIES_AT=n. A file takes five steps: it has been made
 // under its temporary name, its first part is half written, its second part is half written, all of
 // it is written, it has taken its place.
-#include <dlfcn.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -24,6 +23,7 @@
 #include "cache_safety/program_pictures.h"
 #include "lumora/platform/settings.h"
 #include "support/gl_test.h"
+#include "support/next_function.h"
 
 namespace {
 
@@ -33,12 +33,6 @@ int g_step = 0;
 void Step() {
   static const char* const text = std::getenv("CACHE_USER_DIES_AT");
   if (text != nullptr && ++g_step == std::atoi(text)) raise(SIGKILL);
-}
-
-// The function that would have been called without this file.
-template <typename Function>
-Function Next(const char* name) {
-  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
 std::string FilesOf(const std::string& directory) {
@@ -60,13 +54,13 @@ std::string FilesOf(const std::string& directory) {
 extern "C" {
 
 int mkostemp(char* name, int flags) {
-  g_file = Next<int (*)(char*, int)>("mkostemp")(name, flags);
+  g_file = LUMORA_NEXT(mkostemp)(name, flags);
   Step();
   return g_file;
 }
 
 ssize_t write(int file, const void* bytes, size_t size) {
-  static const auto next = Next<ssize_t (*)(int, const void*, size_t)>("write");
+  const auto next = LUMORA_NEXT(write);
   if (file != g_file || g_file < 0 || size < 2) return next(file, bytes, size);
   const ssize_t written = next(file, bytes, size / 2);
   Step();
@@ -76,7 +70,7 @@ ssize_t write(int file, const void* bytes, size_t size) {
 }
 
 int close(int file) {
-  static const auto next = Next<int (*)(int)>("close");
+  const auto next = LUMORA_NEXT(close);
   const bool whole = file == g_file && g_file >= 0;
   if (whole) g_file = -1;
   const int result = next(file);
@@ -85,7 +79,7 @@ int close(int file) {
 }
 
 int rename(const char* from, const char* to) {
-  const int result = Next<int (*)(const char*, const char*)>("rename")(from, to);
+  const int result = LUMORA_NEXT(rename)(from, to);
   Step();
   return result;
 }

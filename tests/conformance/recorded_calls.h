@@ -4,9 +4,7 @@
 
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
-#include <dlfcn.h>
 
-#include <cstdlib>
 #include <map>
 #include <string>
 #include <utility>
@@ -14,6 +12,7 @@
 
 #include "conformance/gl_recorder.h"
 #include "conformance/gl_text.h"
+#include "support/next_function.h"
 
 namespace lumora::test::recorded {
 
@@ -53,20 +52,6 @@ CallArgument Shader(GLuint name);
 CallArgument Uniform(GLint location);
 CallArgument Attribute(GLuint location);
 
-/// The function that would have been called without these files.
-template <typename Function>
-Function Find(const char* name) {
-  void* const function = dlsym(RTLD_NEXT, name);
-  if (function == nullptr) std::abort();
-  return reinterpret_cast<Function>(function);
-}
-
 }  // namespace lumora::test::recorded
-
-#define LUMORA_NEXT(function)                                                              \
-  ([] {                                                                                    \
-    static const auto next = lumora::test::recorded::Find<decltype(&function)>(#function); \
-    return next;                                                                           \
-  }())
 
 #endif  // LUMORA_TESTS_CONFORMANCE_RECORDED_CALLS_H_

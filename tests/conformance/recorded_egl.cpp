@@ -15,6 +15,7 @@ using lumora::test::Bindings;
 using lumora::test::EglList;
 using lumora::test::ObjectId;
 using lumora::test::ObjectKind;
+using lumora::test::ReplaceProcedure;
 
 // ---- Extension functions, handed out by eglGetProcAddress ---------------------------------------
 
@@ -58,12 +59,6 @@ void GL_APIENTRY ProgramBinary(GLuint program, GLenum format, const void* binary
 
 using Procedure = __eglMustCastToProperFunctionPointerType;
 
-template <typename Function>
-Procedure Replace(Procedure found, Function& original, Function replacement) {
-  original = reinterpret_cast<Function>(found);
-  return reinterpret_cast<Procedure>(replacement);
-}
-
 void NoteDisplayCall(const std::string& call) {
   if (Now().display_calls.size() < 8) Now().display_calls.push_back(call);
 }
@@ -77,11 +72,12 @@ extern "C" {
 Procedure EGLAPIENTRY eglGetProcAddress(const char* name) {
   const Procedure found = LUMORA_NEXT(eglGetProcAddress)(name);
   const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
-  if (is("eglCreateImageKHR")) return Replace(found, g_create_image, CreateImage);
-  if (is("eglDestroyImageKHR")) return Replace(found, g_destroy_image, DestroyImage);
-  if (is("glEGLImageTargetTexture2DOES")) return Replace(found, g_image_target, ImageTarget);
-  if (is("glGetProgramBinaryOES")) return Replace(found, g_get_binary, GetBinary);
-  if (is("glProgramBinaryOES")) return Replace(found, g_program_binary, ProgramBinary);
+  if (is("eglCreateImageKHR")) return ReplaceProcedure(found, g_create_image, CreateImage);
+  if (is("eglDestroyImageKHR")) return ReplaceProcedure(found, g_destroy_image, DestroyImage);
+  if (is("glEGLImageTargetTexture2DOES"))
+    return ReplaceProcedure(found, g_image_target, ImageTarget);
+  if (is("glGetProgramBinaryOES")) return ReplaceProcedure(found, g_get_binary, GetBinary);
+  if (is("glProgramBinaryOES")) return ReplaceProcedure(found, g_program_binary, ProgramBinary);
   return found;
 }
 

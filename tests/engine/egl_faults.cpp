@@ -2,10 +2,11 @@
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
-#include <dlfcn.h>
 
 #include <cstring>
 #include <optional>
+
+#include "support/next_function.h"
 
 namespace {
 
@@ -27,16 +28,10 @@ bool Fails(EglStep step) {
   return true;
 }
 
-// The function that would have been called without this file.
-template <typename Function>
-Function* Next(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
 EGLDisplay EGLAPIENTRY PlatformDisplay(EGLenum platform, void* native, const EGLint* attributes) {
   if (Fails(EglStep::FindDisplay)) return EGL_NO_DISPLAY;
   const auto next = reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
-      Next<decltype(eglGetProcAddress)>("eglGetProcAddress")("eglGetPlatformDisplayEXT"));
+      LUMORA_NEXT(eglGetProcAddress)("eglGetPlatformDisplayEXT"));
   return next(platform, native, attributes);
 }
 
@@ -50,17 +45,17 @@ __eglMustCastToProperFunctionPointerType eglGetProcAddress(const char* name) {
   if (std::strcmp(name, "eglGetPlatformDisplayEXT") == 0) {
     return reinterpret_cast<__eglMustCastToProperFunctionPointerType>(&PlatformDisplay);
   }
-  return Next<decltype(eglGetProcAddress)>("eglGetProcAddress")(name);
+  return LUMORA_NEXT(eglGetProcAddress)(name);
 }
 
 EGLDisplay eglGetDisplay(EGLNativeDisplayType native) {
   if (Fails(EglStep::FindDisplay)) return EGL_NO_DISPLAY;
-  return Next<decltype(eglGetDisplay)>("eglGetDisplay")(native);
+  return LUMORA_NEXT(eglGetDisplay)(native);
 }
 
 EGLBoolean eglInitialize(EGLDisplay display, EGLint* major, EGLint* minor) {
   if (Fails(EglStep::FindDisplay) || Fails(EglStep::Initialize)) return EGL_FALSE;
-  return Next<decltype(eglInitialize)>("eglInitialize")(display, major, minor);
+  return LUMORA_NEXT(eglInitialize)(display, major, minor);
 }
 
 EGLBoolean eglChooseConfig(EGLDisplay display, const EGLint* attributes, EGLConfig* configs,
@@ -70,26 +65,24 @@ EGLBoolean eglChooseConfig(EGLDisplay display, const EGLint* attributes, EGLConf
     *count = 0;
     return EGL_TRUE;
   }
-  return Next<decltype(eglChooseConfig)>("eglChooseConfig")(display, attributes, configs, capacity,
-                                                            count);
+  return LUMORA_NEXT(eglChooseConfig)(display, attributes, configs, capacity, count);
 }
 
 EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
                             const EGLint* attributes) {
   if (Fails(EglStep::CreateContext)) return EGL_NO_CONTEXT;
-  return Next<decltype(eglCreateContext)>("eglCreateContext")(display, config, share, attributes);
+  return LUMORA_NEXT(eglCreateContext)(display, config, share, attributes);
 }
 
 EGLSurface eglCreatePbufferSurface(EGLDisplay display, EGLConfig config, const EGLint* attributes) {
   if (Fails(EglStep::CreatePbuffer)) return EGL_NO_SURFACE;
-  return Next<decltype(eglCreatePbufferSurface)>("eglCreatePbufferSurface")(display, config,
-                                                                            attributes);
+  return LUMORA_NEXT(eglCreatePbufferSurface)(display, config, attributes);
 }
 
 EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read,
                           EGLContext context) {
   if (Fails(EglStep::MakeCurrent)) return EGL_FALSE;
-  return Next<decltype(eglMakeCurrent)>("eglMakeCurrent")(display, draw, read, context);
+  return LUMORA_NEXT(eglMakeCurrent)(display, draw, read, context);
 }
 
 }  // extern "C"

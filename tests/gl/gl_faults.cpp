@@ -2,26 +2,20 @@
 
 #include <EGL/eglext.h>
 #include <GLES2/gl2ext.h>
-#include <dlfcn.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
+#include "support/next_function.h"
+
 namespace {
 
 using lumora::test::GlFaults;
+using lumora::test::ReplaceProcedure;
 
 GlFaults* g_faults = nullptr;
 bool g_egl_failed = false;  // the next eglGetError tells of a failed image
-
-// The function that would have been called without this file.
-template <typename Function>
-Function Next(const char* name) {
-  void* const function = dlsym(RTLD_NEXT, name);
-  if (function == nullptr) std::abort();
-  return reinterpret_cast<Function>(function);
-}
 
 void Raise(const std::vector<GLenum>& errors) {
   g_faults->errors.insert(g_faults->errors.end(), errors.begin(), errors.end());
@@ -67,13 +61,6 @@ void GL_APIENTRY ProgramBinary(GLuint program, GLenum format, const void* binary
 
 using Procedure = __eglMustCastToProperFunctionPointerType;
 
-// Remembers the driver's function and hands out the one of this file.
-template <typename Function>
-Procedure Replace(Procedure found, Function& original, Function replacement) {
-  original = reinterpret_cast<Function>(found);
-  return reinterpret_cast<Procedure>(replacement);
-}
-
 /// Whether a program is one of the first, which are spared.
 bool IsGood(GLuint program) {
   const std::vector<GLuint>& made = g_faults->programs_made;
@@ -92,26 +79,27 @@ bool IsHidden(GLuint program, const char* name) {
 extern "C" {
 
 Procedure EGLAPIENTRY eglGetProcAddress(const char* name) {
-  static const auto next = Next<decltype(&eglGetProcAddress)>("eglGetProcAddress");
+  const auto next = LUMORA_NEXT(eglGetProcAddress);
   const Procedure found = next(name);
   const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
-  if (is("eglCreateImageKHR")) return Replace(found, g_create_image, CreateImage);
-  if (is("eglDestroyImageKHR")) return Replace(found, g_destroy_image, DestroyImage);
-  if (is("glEGLImageTargetTexture2DOES")) return Replace(found, g_image_target, ImageTarget);
-  if (is("glGetProgramBinaryOES")) return Replace(found, g_get_binary, GetBinary);
-  if (is("glProgramBinaryOES")) return Replace(found, g_program_binary, ProgramBinary);
+  if (is("eglCreateImageKHR")) return ReplaceProcedure(found, g_create_image, CreateImage);
+  if (is("eglDestroyImageKHR")) return ReplaceProcedure(found, g_destroy_image, DestroyImage);
+  if (is("glEGLImageTargetTexture2DOES"))
+    return ReplaceProcedure(found, g_image_target, ImageTarget);
+  if (is("glGetProgramBinaryOES")) return ReplaceProcedure(found, g_get_binary, GetBinary);
+  if (is("glProgramBinaryOES")) return ReplaceProcedure(found, g_program_binary, ProgramBinary);
   return found;
 }
 
 EGLint EGLAPIENTRY eglGetError(void) {
-  static const auto next = Next<decltype(&eglGetError)>("eglGetError");
+  const auto next = LUMORA_NEXT(eglGetError);
   if (!g_egl_failed) return next();
   g_egl_failed = false;
   return EGL_BAD_ALLOC;
 }
 
 GLenum GL_APIENTRY glGetError(void) {
-  static const auto next = Next<decltype(&glGetError)>("glGetError");
+  const auto next = LUMORA_NEXT(glGetError);
   if (g_faults == nullptr || g_faults->errors.empty()) return next();
   const GLenum error = g_faults->errors.front();
   g_faults->errors.pop_front();
@@ -119,7 +107,7 @@ GLenum GL_APIENTRY glGetError(void) {
 }
 
 GLuint GL_APIENTRY glCreateShader(GLenum type) {
-  static const auto next = Next<decltype(&glCreateShader)>("glCreateShader");
+  const auto next = LUMORA_NEXT(glCreateShader);
   if (g_faults != nullptr && g_faults->no_shaders) return 0;
   const GLuint shader = next(type);
   if (g_faults != nullptr) g_faults->shaders_made.push_back(shader);
@@ -127,19 +115,19 @@ GLuint GL_APIENTRY glCreateShader(GLenum type) {
 }
 
 void GL_APIENTRY glCompileShader(GLuint shader) {
-  static const auto next = Next<decltype(&glCompileShader)>("glCompileShader");
+  const auto next = LUMORA_NEXT(glCompileShader);
   if (g_faults != nullptr) ++g_faults->compiles;
   next(shader);
 }
 
 void GL_APIENTRY glDeleteShader(GLuint shader) {
-  static const auto next = Next<decltype(&glDeleteShader)>("glDeleteShader");
+  const auto next = LUMORA_NEXT(glDeleteShader);
   if (g_faults != nullptr) g_faults->shaders_deleted.push_back(shader);
   next(shader);
 }
 
 GLuint GL_APIENTRY glCreateProgram(void) {
-  static const auto next = Next<decltype(&glCreateProgram)>("glCreateProgram");
+  const auto next = LUMORA_NEXT(glCreateProgram);
   if (g_faults != nullptr && g_faults->no_programs) return 0;
   const GLuint program = next();
   if (g_faults != nullptr) g_faults->programs_made.push_back(program);
@@ -147,13 +135,13 @@ GLuint GL_APIENTRY glCreateProgram(void) {
 }
 
 void GL_APIENTRY glDeleteProgram(GLuint program) {
-  static const auto next = Next<decltype(&glDeleteProgram)>("glDeleteProgram");
+  const auto next = LUMORA_NEXT(glDeleteProgram);
   if (g_faults != nullptr) g_faults->programs_deleted.push_back(program);
   next(program);
 }
 
 void GL_APIENTRY glDeleteTextures(GLsizei count, const GLuint* textures) {
-  static const auto next = Next<decltype(&glDeleteTextures)>("glDeleteTextures");
+  const auto next = LUMORA_NEXT(glDeleteTextures);
   for (GLsizei i = 0; g_faults != nullptr && i < count; ++i) {
     g_faults->textures_deleted.push_back(textures[i]);
   }
@@ -161,7 +149,7 @@ void GL_APIENTRY glDeleteTextures(GLsizei count, const GLuint* textures) {
 }
 
 void GL_APIENTRY glGetShaderiv(GLuint shader, GLenum name, GLint* value) {
-  static const auto next = Next<decltype(&glGetShaderiv)>("glGetShaderiv");
+  const auto next = LUMORA_NEXT(glGetShaderiv);
   next(shader, name, value);
   if (g_faults == nullptr) return;
   if (name == GL_COMPILE_STATUS && g_faults->shaders_fail) *value = GL_FALSE;
@@ -169,7 +157,7 @@ void GL_APIENTRY glGetShaderiv(GLuint shader, GLenum name, GLint* value) {
 }
 
 void GL_APIENTRY glGetProgramiv(GLuint program, GLenum name, GLint* value) {
-  static const auto next = Next<decltype(&glGetProgramiv)>("glGetProgramiv");
+  const auto next = LUMORA_NEXT(glGetProgramiv);
   next(program, name, value);
   if (g_faults == nullptr) return;
   if (name == GL_LINK_STATUS && g_faults->programs_fail && !IsGood(program)) *value = GL_FALSE;
@@ -177,17 +165,17 @@ void GL_APIENTRY glGetProgramiv(GLuint program, GLenum name, GLint* value) {
 }
 
 GLint GL_APIENTRY glGetAttribLocation(GLuint program, const GLchar* name) {
-  static const auto next = Next<decltype(&glGetAttribLocation)>("glGetAttribLocation");
+  const auto next = LUMORA_NEXT(glGetAttribLocation);
   return IsHidden(program, name) ? -1 : next(program, name);
 }
 
 GLint GL_APIENTRY glGetUniformLocation(GLuint program, const GLchar* name) {
-  static const auto next = Next<decltype(&glGetUniformLocation)>("glGetUniformLocation");
+  const auto next = LUMORA_NEXT(glGetUniformLocation);
   return IsHidden(program, name) ? -1 : next(program, name);
 }
 
 const GLubyte* GL_APIENTRY glGetString(GLenum name) {
-  static const auto next = Next<decltype(&glGetString)>("glGetString");
+  const auto next = LUMORA_NEXT(glGetString);
   const GLubyte* const text = next(name);
   if (g_faults == nullptr || !g_faults->no_binary_extension || name != GL_EXTENSIONS) return text;
   // A longer name in its place: whoever looks for the text without minding words is fooled.
@@ -200,14 +188,14 @@ const GLubyte* GL_APIENTRY glGetString(GLenum name) {
 }
 
 void GL_APIENTRY glGetIntegerv(GLenum name, GLint* value) {
-  static const auto next = Next<decltype(&glGetIntegerv)>("glGetIntegerv");
+  const auto next = LUMORA_NEXT(glGetIntegerv);
   next(name, value);
   const bool formats = name == GL_NUM_PROGRAM_BINARY_FORMATS_OES;
   if (formats && g_faults != nullptr && g_faults->no_binary_formats) *value = 0;
 }
 
 void GL_APIENTRY glTexParameteri(GLenum target, GLenum name, GLint value) {
-  static const auto next = Next<decltype(&glTexParameteri)>("glTexParameteri");
+  const auto next = LUMORA_NEXT(glTexParameteri);
   next(target, name, value);
   const bool clamps_t = name == GL_TEXTURE_WRAP_T && value == GL_CLAMP_TO_EDGE;
   if (g_faults != nullptr && clamps_t) Raise(g_faults->errors_of_edge_mode);

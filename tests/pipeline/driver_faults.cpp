@@ -2,33 +2,28 @@
 
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
-#include <dlfcn.h>
 
 #include <atomic>
+
+#include "support/next_function.h"
 
 namespace {
 
 std::atomic<int> g_no_contexts = 0;
 std::atomic<int> g_framebuffers_incomplete = 0;
 
-/// The function that would have been called without this file.
-template <typename Function>
-Function Next(const char* name) {
-  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
-
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) EGLContext eglCreateContext(
     EGLDisplay display, EGLConfig config, EGLContext share, const EGLint* attributes) {
   if (g_no_contexts > 0) return EGL_NO_CONTEXT;
-  static const auto next = Next<decltype(&eglCreateContext)>("eglCreateContext");
+  const auto next = LUMORA_NEXT(eglCreateContext);
   return next(display, config, share, attributes);
 }
 
 extern "C" __attribute__((visibility("default"))) GLenum glCheckFramebufferStatus(GLenum target) {
   if (g_framebuffers_incomplete > 0) return GL_FRAMEBUFFER_UNSUPPORTED;
-  static const auto next = Next<decltype(&glCheckFramebufferStatus)>("glCheckFramebufferStatus");
+  const auto next = LUMORA_NEXT(glCheckFramebufferStatus);
   return next(target);
 }
 

@@ -4,18 +4,19 @@
 #include <EGL/eglext.h>
 #include <GLES2/gl2.h>
 #include <GLES2/gl2ext.h>
-#include <dlfcn.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <set>
 #include <tuple>
 
+#include "support/next_function.h"
+
 namespace {
 
 using lumora::test::Census;
+using lumora::test::ReplaceProcedure;
 
 /// An object: the context that it belongs to (null for what belongs to displays), kind and name.
 using Object = std::tuple<EGLContext, std::string, uintptr_t>;
@@ -66,14 +67,6 @@ Registry& TheRegistry() {
   return *registry;
 }
 
-// The function that would have been called without this file.
-template <typename Function>
-Function Next(const char* name) {
-  void* const function = dlsym(RTLD_NEXT, name);
-  if (function == nullptr) std::abort();
-  return reinterpret_cast<Function>(function);
-}
-
 void Add(const char* kind, GLsizei count, const GLuint* names) {
   const EGLContext context = eglGetCurrentContext();
   for (GLsizei i = 0; i < count; ++i) TheRegistry().Add(context, kind, names[i]);
@@ -122,13 +115,6 @@ void GL_APIENTRY DeleteMemory(GLsizei count, const GLuint* names) {
 
 using Procedure = __eglMustCastToProperFunctionPointerType;
 
-// Remembers the driver's function and hands out the one of this file; a missing one stays missing.
-template <typename Function>
-Procedure Replace(Procedure found, Function& original, Function replacement) {
-  original = reinterpret_cast<Function>(found);
-  return found != nullptr ? reinterpret_cast<Procedure>(replacement) : nullptr;
-}
-
 }  // namespace
 
 // Visible, so that a shared library finds them in the executable first.
@@ -136,90 +122,90 @@ Procedure Replace(Procedure found, Function& original, Function replacement) {
 extern "C" {
 
 Procedure EGLAPIENTRY eglGetProcAddress(const char* name) {
-  static const auto next = Next<decltype(&eglGetProcAddress)>("eglGetProcAddress");
+  const auto next = LUMORA_NEXT(eglGetProcAddress);
   const Procedure found = next(name);
   const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
-  if (is("eglCreateImageKHR")) return Replace(found, g_create_image, CreateImage);
-  if (is("eglDestroyImageKHR")) return Replace(found, g_destroy_image, DestroyImage);
-  if (is("glCreateMemoryObjectsEXT")) return Replace(found, g_create_memory, CreateMemory);
-  if (is("glDeleteMemoryObjectsEXT")) return Replace(found, g_delete_memory, DeleteMemory);
+  if (is("eglCreateImageKHR")) return ReplaceProcedure(found, g_create_image, CreateImage);
+  if (is("eglDestroyImageKHR")) return ReplaceProcedure(found, g_destroy_image, DestroyImage);
+  if (is("glCreateMemoryObjectsEXT")) return ReplaceProcedure(found, g_create_memory, CreateMemory);
+  if (is("glDeleteMemoryObjectsEXT")) return ReplaceProcedure(found, g_delete_memory, DeleteMemory);
   return found;
 }
 
 EGLContext EGLAPIENTRY eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
                                         const EGLint* attributes) {
-  static const auto next = Next<decltype(&eglCreateContext)>("eglCreateContext");
+  const auto next = LUMORA_NEXT(eglCreateContext);
   const EGLContext context = next(display, config, share, attributes);
   AddHandle("context", context);
   return context;
 }
 
 EGLBoolean EGLAPIENTRY eglDestroyContext(EGLDisplay display, EGLContext context) {
-  static const auto next = Next<decltype(&eglDestroyContext)>("eglDestroyContext");
+  const auto next = LUMORA_NEXT(eglDestroyContext);
   TheRegistry().RemoveContext(context);
   return next(display, context);
 }
 
 EGLSurface EGLAPIENTRY eglCreatePbufferSurface(EGLDisplay display, EGLConfig config,
                                                const EGLint* attributes) {
-  static const auto next = Next<decltype(&eglCreatePbufferSurface)>("eglCreatePbufferSurface");
+  const auto next = LUMORA_NEXT(eglCreatePbufferSurface);
   const EGLSurface surface = next(display, config, attributes);
   AddHandle("surface", surface);
   return surface;
 }
 
 EGLBoolean EGLAPIENTRY eglDestroySurface(EGLDisplay display, EGLSurface surface) {
-  static const auto next = Next<decltype(&eglDestroySurface)>("eglDestroySurface");
+  const auto next = LUMORA_NEXT(eglDestroySurface);
   RemoveHandle("surface", surface);
   return next(display, surface);
 }
 
 void GL_APIENTRY glGenTextures(GLsizei count, GLuint* names) {
-  static const auto next = Next<decltype(&glGenTextures)>("glGenTextures");
+  const auto next = LUMORA_NEXT(glGenTextures);
   next(count, names);
   Add("texture", count, names);
 }
 
 void GL_APIENTRY glDeleteTextures(GLsizei count, const GLuint* names) {
-  static const auto next = Next<decltype(&glDeleteTextures)>("glDeleteTextures");
+  const auto next = LUMORA_NEXT(glDeleteTextures);
   Remove("texture", count, names);
   next(count, names);
 }
 
 void GL_APIENTRY glGenFramebuffers(GLsizei count, GLuint* names) {
-  static const auto next = Next<decltype(&glGenFramebuffers)>("glGenFramebuffers");
+  const auto next = LUMORA_NEXT(glGenFramebuffers);
   next(count, names);
   Add("framebuffer", count, names);
 }
 
 void GL_APIENTRY glDeleteFramebuffers(GLsizei count, const GLuint* names) {
-  static const auto next = Next<decltype(&glDeleteFramebuffers)>("glDeleteFramebuffers");
+  const auto next = LUMORA_NEXT(glDeleteFramebuffers);
   Remove("framebuffer", count, names);
   next(count, names);
 }
 
 GLuint GL_APIENTRY glCreateShader(GLenum type) {
-  static const auto next = Next<decltype(&glCreateShader)>("glCreateShader");
+  const auto next = LUMORA_NEXT(glCreateShader);
   const GLuint shader = next(type);
   Add("shader", 1, &shader);
   return shader;
 }
 
 void GL_APIENTRY glDeleteShader(GLuint shader) {
-  static const auto next = Next<decltype(&glDeleteShader)>("glDeleteShader");
+  const auto next = LUMORA_NEXT(glDeleteShader);
   Remove("shader", 1, &shader);
   next(shader);
 }
 
 GLuint GL_APIENTRY glCreateProgram(void) {
-  static const auto next = Next<decltype(&glCreateProgram)>("glCreateProgram");
+  const auto next = LUMORA_NEXT(glCreateProgram);
   const GLuint program = next();
   Add("program", 1, &program);
   return program;
 }
 
 void GL_APIENTRY glDeleteProgram(GLuint program) {
-  static const auto next = Next<decltype(&glDeleteProgram)>("glDeleteProgram");
+  const auto next = LUMORA_NEXT(glDeleteProgram);
   Remove("program", 1, &program);
   next(program);
 }

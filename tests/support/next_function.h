@@ -1,0 +1,36 @@
+// For files that define functions of libraries in a test program, and pass calls on.
+#ifndef LUMORA_TESTS_SUPPORT_NEXT_FUNCTION_H_
+#define LUMORA_TESTS_SUPPORT_NEXT_FUNCTION_H_
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+
+namespace lumora::test {
+
+/// The function of this name that would have been called without the program's own.
+template <typename Function>
+Function NextFunction(const char* name) {
+  void* const function = dlsym(RTLD_NEXT, name);
+  if (function == nullptr) std::abort();
+  return reinterpret_cast<Function>(function);
+}
+
+/// For eglGetProcAddress: remembers what the driver found and gives the program's own in its place.
+/// What is missing stays missing.
+template <typename Procedure, typename Function>
+Procedure ReplaceProcedure(Procedure found, Function& original, Function replacement) {
+  original = reinterpret_cast<Function>(found);
+  return found != nullptr ? reinterpret_cast<Procedure>(replacement) : nullptr;
+}
+
+}  // namespace lumora::test
+
+/// The next function of that name, looked up once.
+#define LUMORA_NEXT(function)                                                            \
+  ([] {                                                                                  \
+    static const auto next = lumora::test::NextFunction<decltype(&function)>(#function); \
+    return next;                                                                         \
+  }())
+
+#endif  // LUMORA_TESTS_SUPPORT_NEXT_FUNCTION_H_
