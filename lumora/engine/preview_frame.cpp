@@ -128,7 +128,7 @@ int GPUBeautyFace::PackPart(int packed_source, const lumora::PixelRectangle& cha
 /// Brings `changed` back; all else in the caller's planes is the frame's.
 bool GPUBeautyFace::ReadPart(unsigned char* frame, unsigned char* chroma,
                              const lumora::PixelRectangle& changed) {
-  FirstFrameSize();
+  FirstFrameSize();  // is settled by the first frame, whichever way that is brought back
   const unsigned char* const frame_chroma = frame + LumaSize();
   if (chroma != frame_chroma) std::memcpy(chroma, frame_chroma, LumaSize() / 2);
   const int columns = std::clamp(m_nProcWidth - changed.x, 0, changed.width);

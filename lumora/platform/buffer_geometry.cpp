@@ -1,8 +1,7 @@
 #include "lumora/platform/buffer_geometry.h"
 
-#include <cstring>
-
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 namespace lumora::platform {
