@@ -1,0 +1,1 @@
+// Nothing: the target is there for what it precompiles.
