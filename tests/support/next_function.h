@@ -27,10 +27,10 @@ Procedure ReplaceProcedure(Procedure found, Function& original, Function replace
 }  // namespace lumora::test
 
 /// The next function of that name, looked up once.
-#define LUMORA_NEXT(function)                                                            \
-  ([] {                                                                                  \
-    static const auto next = lumora::test::NextFunction<decltype(&function)>(#function); \
-    return next;                                                                         \
+#define LUMORA_NEXT(function)                                                                 \
+  ([] {                                                                                       \
+    static const auto looked_up = lumora::test::NextFunction<decltype(&function)>(#function); \
+    return looked_up;                                                                         \
   }())
 
 #endif  // LUMORA_TESTS_SUPPORT_NEXT_FUNCTION_H_
