@@ -4,9 +4,8 @@
 #include <GLES2/gl2.h>
 #include <GLES2/gl2ext.h>
 
-#include <cstring>
-
 #include "conformance/recorded_calls.h"
+#include "support/driver_extensions.h"
 
 namespace {
 
@@ -15,15 +14,10 @@ using lumora::test::Bindings;
 using lumora::test::EglList;
 using lumora::test::ObjectId;
 using lumora::test::ObjectKind;
-using lumora::test::ReplaceProcedure;
 
 // ---- Extension functions, handed out by eglGetProcAddress ---------------------------------------
 
-PFNEGLCREATEIMAGEKHRPROC g_create_image = nullptr;
-PFNEGLDESTROYIMAGEKHRPROC g_destroy_image = nullptr;
-PFNGLEGLIMAGETARGETTEXTURE2DOESPROC g_image_target = nullptr;
-PFNGLGETPROGRAMBINARYOESPROC g_get_binary = nullptr;
-PFNGLPROGRAMBINARYOESPROC g_program_binary = nullptr;
+lumora::test::DriverExtensions g_driver;
 
 uint64_t ImageName(EGLImageKHR image) {
   return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(image));
@@ -33,28 +27,28 @@ uint64_t ImageName(EGLImageKHR image) {
 // not.
 EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay display, EGLContext context, EGLenum target,
                                     EGLClientBuffer buffer, const EGLint* attributes) {
-  const EGLImageKHR image = g_create_image(display, context, target, buffer, attributes);
+  const EGLImageKHR image = g_driver.create_image(display, context, target, buffer, attributes);
   Record("eglCreateImageKHR",
          {{EglList(attributes)}, {"", Make(ObjectKind::Image, ImageName(image))}});
   return image;
 }
 EGLBoolean EGLAPIENTRY DestroyImage(EGLDisplay display, EGLImageKHR image) {
   Record("eglDestroyImageKHR", {Object(ObjectKind::Image, ImageName(image))});
-  return g_destroy_image(display, image);
+  return g_driver.destroy_image(display, image);
 }
 void GL_APIENTRY ImageTarget(GLenum target, GLeglImageOES image) {
   Record("glEGLImageTargetTexture2DOES",
          {Name(target), Object(ObjectKind::Image, ImageName(image))});
-  g_image_target(target, image);
+  g_driver.image_target(target, image);
 }
 void GL_APIENTRY GetBinary(GLuint program, GLsizei size, GLsizei* length, GLenum* format,
                            void* binary) {
   Record("glGetProgramBinaryOES", {Program(program)});
-  g_get_binary(program, size, length, format, binary);
+  g_driver.get_binary(program, size, length, format, binary);
 }
 void GL_APIENTRY ProgramBinary(GLuint program, GLenum format, const void* binary, GLint length) {
   Record("glProgramBinaryOES", {Program(program)});
-  g_program_binary(program, format, binary, length);
+  g_driver.program_binary(program, format, binary, length);
 }
 
 using Procedure = __eglMustCastToProperFunctionPointerType;
@@ -70,15 +64,9 @@ void NoteDisplayCall(const std::string& call) {
 extern "C" {
 
 Procedure EGLAPIENTRY eglGetProcAddress(const char* name) {
-  const Procedure found = LUMORA_NEXT(eglGetProcAddress)(name);
-  const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
-  if (is("eglCreateImageKHR")) return ReplaceProcedure(found, g_create_image, CreateImage);
-  if (is("eglDestroyImageKHR")) return ReplaceProcedure(found, g_destroy_image, DestroyImage);
-  if (is("glEGLImageTargetTexture2DOES"))
-    return ReplaceProcedure(found, g_image_target, ImageTarget);
-  if (is("glGetProgramBinaryOES")) return ReplaceProcedure(found, g_get_binary, GetBinary);
-  if (is("glProgramBinaryOES")) return ReplaceProcedure(found, g_program_binary, ProgramBinary);
-  return found;
+  return lumora::test::ReplaceExtension(
+      name, LUMORA_NEXT(eglGetProcAddress)(name), g_driver,
+      {CreateImage, DestroyImage, ImageTarget, GetBinary, ProgramBinary});
 }
 
 // ---- EGL: the platform's own probing asks without version numbers or for fewer configurations ---

@@ -5,14 +5,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
+#include "support/driver_extensions.h"
 #include "support/next_function.h"
 
 namespace {
 
 using lumora::test::GlFaults;
-using lumora::test::ReplaceProcedure;
 
 GlFaults* g_faults = nullptr;
 bool g_egl_failed = false;  // the next eglGetError tells of a failed image
@@ -22,11 +21,7 @@ void Raise(const std::vector<GLenum>& errors) {
 }
 
 // The driver's own extension functions, known after the library asked for them.
-PFNEGLCREATEIMAGEKHRPROC g_create_image = nullptr;
-PFNEGLDESTROYIMAGEKHRPROC g_destroy_image = nullptr;
-PFNGLEGLIMAGETARGETTEXTURE2DOESPROC g_image_target = nullptr;
-PFNGLGETPROGRAMBINARYOESPROC g_get_binary = nullptr;
-PFNGLPROGRAMBINARYOESPROC g_program_binary = nullptr;
+lumora::test::DriverExtensions g_driver;
 
 EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay display, EGLContext context, EGLenum target,
                                     EGLClientBuffer buffer, const EGLint* attributes) {
@@ -35,28 +30,28 @@ EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay display, EGLContext context, EGLe
     return EGL_NO_IMAGE_KHR;
   }
   if (g_faults != nullptr) ++g_faults->egl_images_made;
-  return g_create_image(display, context, target, buffer, attributes);
+  return g_driver.create_image(display, context, target, buffer, attributes);
 }
 
 EGLBoolean EGLAPIENTRY DestroyImage(EGLDisplay display, EGLImageKHR image) {
   if (g_faults != nullptr) ++g_faults->egl_images_destroyed;
-  return g_destroy_image(display, image);
+  return g_driver.destroy_image(display, image);
 }
 
 void GL_APIENTRY ImageTarget(GLenum target, GLeglImageOES image) {
-  g_image_target(target, image);
+  g_driver.image_target(target, image);
   if (g_faults != nullptr) Raise(g_faults->errors_of_image_target);
 }
 
 void GL_APIENTRY GetBinary(GLuint program, GLsizei size, GLsizei* length, GLenum* format,
                            void* binary) {
   if (g_faults != nullptr) ++g_faults->binaries_taken;
-  g_get_binary(program, size, length, format, binary);
+  g_driver.get_binary(program, size, length, format, binary);
 }
 
 void GL_APIENTRY ProgramBinary(GLuint program, GLenum format, const void* binary, GLint length) {
   if (g_faults != nullptr) ++g_faults->binaries_given;
-  g_program_binary(program, format, binary, length);
+  g_driver.program_binary(program, format, binary, length);
 }
 
 using Procedure = __eglMustCastToProperFunctionPointerType;
@@ -79,16 +74,9 @@ bool IsHidden(GLuint program, const char* name) {
 extern "C" {
 
 Procedure EGLAPIENTRY eglGetProcAddress(const char* name) {
-  const auto next = LUMORA_NEXT(eglGetProcAddress);
-  const Procedure found = next(name);
-  const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
-  if (is("eglCreateImageKHR")) return ReplaceProcedure(found, g_create_image, CreateImage);
-  if (is("eglDestroyImageKHR")) return ReplaceProcedure(found, g_destroy_image, DestroyImage);
-  if (is("glEGLImageTargetTexture2DOES"))
-    return ReplaceProcedure(found, g_image_target, ImageTarget);
-  if (is("glGetProgramBinaryOES")) return ReplaceProcedure(found, g_get_binary, GetBinary);
-  if (is("glProgramBinaryOES")) return ReplaceProcedure(found, g_program_binary, ProgramBinary);
-  return found;
+  return lumora::test::ReplaceExtension(
+      name, LUMORA_NEXT(eglGetProcAddress)(name), g_driver,
+      {CreateImage, DestroyImage, ImageTarget, GetBinary, ProgramBinary});
 }
 
 EGLint EGLAPIENTRY eglGetError(void) {

@@ -6,17 +6,16 @@
 #include <GLES2/gl2ext.h>
 
 #include <cstdint>
-#include <cstring>
 #include <mutex>
 #include <set>
 #include <tuple>
 
+#include "support/driver_extensions.h"
 #include "support/next_function.h"
 
 namespace {
 
 using lumora::test::Census;
-using lumora::test::ReplaceProcedure;
 
 /// An object: the context that it belongs to (null for what belongs to displays), kind and name.
 using Object = std::tuple<EGLContext, std::string, uintptr_t>;
@@ -86,31 +85,37 @@ void RemoveHandle(const char* kind, const void* handle) {
 }
 
 // The driver's extension functions, known after somebody asked for them.
-PFNEGLCREATEIMAGEKHRPROC g_create_image = nullptr;
-PFNEGLDESTROYIMAGEKHRPROC g_destroy_image = nullptr;
-PFNGLCREATEMEMORYOBJECTSEXTPROC g_create_memory = nullptr;
-PFNGLDELETEMEMORYOBJECTSEXTPROC g_delete_memory = nullptr;
+lumora::test::DriverExtensions g_driver;
 
 EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay display, EGLContext context, EGLenum target,
                                     EGLClientBuffer buffer, const EGLint* attributes) {
-  const EGLImageKHR image = g_create_image(display, context, target, buffer, attributes);
+  const EGLImageKHR image = g_driver.create_image(display, context, target, buffer, attributes);
   AddHandle("EGL image", image);
   return image;
 }
 
 EGLBoolean EGLAPIENTRY DestroyImage(EGLDisplay display, EGLImageKHR image) {
   RemoveHandle("EGL image", image);
-  return g_destroy_image(display, image);
+  return g_driver.destroy_image(display, image);
 }
 
 void GL_APIENTRY CreateMemory(GLsizei count, GLuint* names) {
-  g_create_memory(count, names);
+  g_driver.create_memory(count, names);
   Add("memory object", count, names);
 }
 
 void GL_APIENTRY DeleteMemory(GLsizei count, const GLuint* names) {
   Remove("memory object", count, names);
-  g_delete_memory(count, names);
+  g_driver.delete_memory(count, names);
+}
+
+lumora::test::DriverExtensions Replacements() {
+  lumora::test::DriverExtensions counted;
+  counted.create_image = CreateImage;
+  counted.destroy_image = DestroyImage;
+  counted.create_memory = CreateMemory;
+  counted.delete_memory = DeleteMemory;
+  return counted;
 }
 
 using Procedure = __eglMustCastToProperFunctionPointerType;
@@ -122,14 +127,8 @@ using Procedure = __eglMustCastToProperFunctionPointerType;
 extern "C" {
 
 Procedure EGLAPIENTRY eglGetProcAddress(const char* name) {
-  const auto next = LUMORA_NEXT(eglGetProcAddress);
-  const Procedure found = next(name);
-  const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
-  if (is("eglCreateImageKHR")) return ReplaceProcedure(found, g_create_image, CreateImage);
-  if (is("eglDestroyImageKHR")) return ReplaceProcedure(found, g_destroy_image, DestroyImage);
-  if (is("glCreateMemoryObjectsEXT")) return ReplaceProcedure(found, g_create_memory, CreateMemory);
-  if (is("glDeleteMemoryObjectsEXT")) return ReplaceProcedure(found, g_delete_memory, DeleteMemory);
-  return found;
+  return lumora::test::ReplaceExtension(name, LUMORA_NEXT(eglGetProcAddress)(name), g_driver,
+                                        Replacements());
 }
 
 EGLContext EGLAPIENTRY eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,

@@ -16,14 +16,6 @@ Function NextFunction(const char* name) {
   return reinterpret_cast<Function>(function);
 }
 
-/// For eglGetProcAddress: remembers what the driver found and gives the program's own in its place.
-/// What is missing stays missing.
-template <typename Procedure, typename Function>
-Procedure ReplaceProcedure(Procedure found, Function& original, Function replacement) {
-  original = reinterpret_cast<Function>(found);
-  return found != nullptr ? reinterpret_cast<Procedure>(replacement) : nullptr;
-}
-
 }  // namespace lumora::test
 
 /// The next function of that name, looked up once.
