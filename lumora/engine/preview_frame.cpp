@@ -91,14 +91,15 @@ int GPUBeautyFace::FinishPreviewFrame(void* in, void* out, int packed_source,
                     IsOrdinaryOutput(frame, chroma, LumaSize()) &&
                     !lumora::CoversMost(changed, m_nAlignedWidth, m_nAlignedHeight) &&
                     MayLimitDraws() && FillPackedTargets(frame);
+  const lumora::PixelRectangle box = changed.Box();
   if (part) {
-    if (PackPart(packed_source, changed.Box()) == 0) return 0;
+    if (PackPart(packed_source, box) == 0) return 0;
   } else if (DrawRGBtoYY(packed_source) == 0 || DrawRGBtoUV(packed_source) == 0) {
     return 0;
   }
   glFlush();
   glFinish();
-  return part && ReadPart(frame, chroma, changed.Box()) ? 1 : MemcpyYUV(in, out);
+  return part && ReadPart(frame, chroma, box) ? 1 : MemcpyYUV(in, out);
 }
 
 size_t GPUBeautyFace::LumaSize() const {
