@@ -1,7 +1,9 @@
 // Counting what asks for memory.
 //
-// The executable defines the allocating operators in place of the library's. Only code that is
-// linked statically and is not C is counted for certain.
+// The executable defines the allocating operators in place of the library's, and counts what its
+// own code asks for, directly or through the C++ library. Libraries of their own are not counted:
+// what a GL driver needs for a frame is the driver's. So what is to be counted is linked
+// statically.
 #ifndef LUMORA_TESTS_SUPPORT_ALLOCATION_COUNT_H_
 #define LUMORA_TESTS_SUPPORT_ALLOCATION_COUNT_H_
 
