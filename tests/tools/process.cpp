@@ -1,6 +1,9 @@
 #include "tests/tools/process.h"
 
 #include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -79,7 +82,46 @@ class Terminal {
   int slave_ = -1;
 };
 
+void Fill(const char* path, const std::string& text) {
+  const int fd = open(path, O_WRONLY);
+  if (fd < 0) return;
+  const ssize_t written = write(fd, text.data(), text.size());
+  close(fd);
+  if (written < 0) _exit(127);
+}
+
+/// For a child: mounts an empty folder on /proc, where no other process sees it.
+bool HideProc() {
+  const std::string uid = std::to_string(getuid()), gid = std::to_string(getgid());
+  if (unshare(CLONE_NEWNS) != 0) {
+    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+    Fill("/proc/self/setgroups", "deny");
+    Fill("/proc/self/uid_map", uid + " " + uid + " 1");
+    Fill("/proc/self/gid_map", gid + " " + gid + " 1");
+  }
+  return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         mount("none", "/proc", "tmpfs", 0, nullptr) == 0;
+}
+
+/// For a child: what is asked of its surroundings, or its end.
+void Arrange(const Environment& environment) {
+  for (const auto& [name, value] : environment.set) setenv(name.c_str(), value.c_str(), 1);
+  if (environment.no_proc && !HideProc()) _exit(127);
+  if (environment.address_space > 0) {
+    const rlimit limit = {environment.address_space, environment.address_space};
+    if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(127);
+  }
+}
+
 }  // namespace
+
+bool ProcCanBeHidden() {
+  const pid_t child = fork();
+  if (child == 0) _exit(HideProc() ? 0 : 1);
+  int status = 1;
+  waitpid(child, &status, 0);
+  return status == 0;
+}
 
 bool TerminalsExist() {
   const int master = OpenTerminal();
@@ -100,9 +142,12 @@ Result RunLumora(const std::vector<std::string>& arguments, const std::string& i
   if (environment.terminal) terminal.emplace();
   const pid_t child = fork();
   if (child == 0) {
-    for (const auto& [name, value] : environment.set) setenv(name.c_str(), value.c_str(), 1);
+    Arrange(environment);
     dup2(in.fd(), STDIN_FILENO);
     dup2(out.fd(), STDOUT_FILENO);
+    if (!environment.out_file.empty()) {
+      dup2(open(environment.out_file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
+    }
     dup2(terminal ? terminal->fd() : err.fd(), STDERR_FILENO);
     execv(argv[0], argv.data());
     _exit(127);

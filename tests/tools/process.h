@@ -2,6 +2,7 @@
 #ifndef LUMORA_TESTS_TOOLS_PROCESS_H_
 #define LUMORA_TESTS_TOOLS_PROCESS_H_
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,11 +16,17 @@ struct Result {
 
 struct Environment {
   std::vector<std::pair<std::string, std::string>> set;
-  bool terminal = false;  ///< standard error is a terminal; see TerminalsExist
+  std::string out_file;        ///< where standard output goes, instead of into the result
+  bool terminal = false;       ///< standard error is a terminal; see TerminalsExist
+  bool no_proc = false;        ///< nothing is mounted on /proc; see ProcCanBeHidden
+  uint64_t address_space = 0;  ///< bytes; 0 is no limit
 };
 
 /// Whether this system gives pseudo-terminals; some containers have none.
 bool TerminalsExist();
+
+/// Whether this process may hide /proc from its children.
+bool ProcCanBeHidden();
 
 /// Runs the lumora command of this build to its end.
 Result RunLumora(const std::vector<std::string>& arguments, const std::string& input = {},

@@ -14,6 +14,7 @@
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
+#include "tools/lumora/support/places.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
@@ -128,6 +129,7 @@ ExitCode Convert(const ConvertOptions& options) {
   if (options.out == kStandardStream && isatty(STDOUT_FILENO) != 0) {
     throw Misused("raw bytes cannot be shown on a terminal; redirect them");
   }
+  CheckPlacesDiffer({options.in}, {options.out});
   CheckWritable(options.out);
   const Source source(options);
   if (frame_format) {

@@ -35,7 +35,8 @@ void CheckNames(const PhotoOptions& options) {
   if (options.in == kStandardStream && options.faces == kStandardStream) {
     throw Failure(ExitCode::Usage, "standard input cannot be both the picture and the faces");
   }
-  CheckPictureOutputs({options.out, options.compare, options.explain}, options.json);
+  CheckPictureOutputs({options.in, options.faces}, {options.out, options.compare, options.explain},
+                      options.json);
 }
 
 std::vector<FoundFace> FacesOf(const PhotoOptions& options, const Picture& picture) {

@@ -24,7 +24,7 @@ struct RectifyOptions {
 };
 
 ExitCode Rectify(const RectifyOptions& options) {
-  CheckPictureOutputs({options.out, options.compare}, options.json);
+  CheckPictureOutputs({options.in}, {options.out, options.compare}, options.json);
   const double start = Now();
   PictureEdit edit(options.in);
   const cv::Mat before = options.compare.empty() ? cv::Mat() : edit.picture().Bgr().clone();

@@ -10,6 +10,7 @@
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/look_options.h"
+#include "tools/lumora/support/places.h"
 #include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
 #include "tools/lumora/video/face_source.h"
@@ -40,6 +41,9 @@ void CheckNames(const VideoOptions& options) {
       throw Failure(ExitCode::Usage, "a clip cannot be shown on a terminal; redirect it");
     }
   }
+  std::vector<std::string> results = {options.out};
+  if (options.json) results.emplace_back(kStandardStream);
+  CheckPlacesDiffer({options.in, options.faces}, results);
   CheckWritable(options.out);
 }
 

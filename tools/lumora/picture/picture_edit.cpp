@@ -2,21 +2,17 @@
 
 #include <unistd.h>
 
-#include <set>
-
 #include "tools/lumora/picture/metadata.h"
 #include "tools/lumora/support/failure.h"
+#include "tools/lumora/support/places.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
 
-void CheckPictureOutputs(const std::vector<std::string>& paths, bool report) {
-  std::set<std::string> outputs;
-  for (const std::string& path : paths) {
+void CheckPictureOutputs(const std::vector<std::string>& inputs,
+                         const std::vector<std::string>& results, bool report) {
+  for (const std::string& path : results) {
     if (path.empty()) continue;
-    if (!outputs.insert(path).second) {
-      throw Failure(ExitCode::Usage, path + ": two results cannot have the same name");
-    }
     if (path == kStandardStream) {
       if (report) throw Failure(ExitCode::Usage, "--json needs standard output for itself");
       if (isatty(STDOUT_FILENO) != 0) {
@@ -26,7 +22,12 @@ void CheckPictureOutputs(const std::vector<std::string>& paths, bool report) {
       FormatOfName(path);
     }
   }
-  for (const std::string& path : outputs) CheckWritable(path);
+  std::vector<std::string> written = results;
+  if (report) written.emplace_back(kStandardStream);
+  CheckPlacesDiffer(inputs, written);
+  for (const std::string& path : results) {
+    if (!path.empty()) CheckWritable(path);
+  }
 }
 
 PictureEdit::PictureEdit(const std::string& path)

@@ -11,9 +11,11 @@
 namespace lumora::tools {
 
 /// Everything that can be known to be wrong with the names of results before an input is read:
-/// unknown endings, one name twice, places that cannot be written, a terminal. Empty names are
-/// skipped. `report` says that standard output is needed for a report. Throws Failure.
-void CheckPictureOutputs(const std::vector<std::string>& paths, bool report);
+/// unknown endings, one file twice or also an input, places that cannot be written, a terminal.
+/// Empty names are skipped. `report` says that standard output is needed for a report. Throws
+/// Failure.
+void CheckPictureOutputs(const std::vector<std::string>& inputs,
+                         const std::vector<std::string>& results, bool report);
 
 class PictureEdit {
  public:

@@ -9,34 +9,28 @@
 #include <filesystem>
 
 #include "tools/lumora/support/failure.h"
+#include "tools/lumora/support/places.h"
 
 namespace lumora::tools {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr mode_t kNewFileMode = 0666;  // less the umask
+constexpr int kMostTries = 1000;       // of names for a file on its way
 
 std::string Reason() {
   return std::strerror(errno);
 }
 
-/// The file that a path means once links are followed.
-fs::path Resolved(const std::string& path) {
-  std::error_code ignored;
-  const fs::path target = fs::weakly_canonical(path, ignored);
-  return target.empty() ? fs::path(path) : target;
+bool IsDeviceOrPipe(const std::string& place) {
+  struct stat status = {};
+  return stat(place.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
-bool IsDeviceOrPipe(const fs::path& target) {
-  std::error_code ignored;
-  const fs::file_status status = fs::status(target, ignored);
-  return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+std::string EntryOf(int fd) {
+  return "/proc/self/fd/" + std::to_string(fd);
 }
 
-mode_t ModeFor(const fs::path& target) {
-  struct stat existing = {};
-  if (stat(target.c_str(), &existing) == 0) return existing.st_mode & 07777;
+mode_t ModeOfNewFiles() {
   const mode_t mask = umask(0);
   umask(mask);
   return kNewFileMode & ~mask;
@@ -72,29 +66,38 @@ std::optional<uint64_t> InputStream::Length() const {
   return static_cast<uint64_t>(status.st_size);
 }
 
-/// Where the bytes go. A new file has no name until it is finished, where the file system can do
-/// that; elsewhere it has one beside its place.
+/// Where the bytes go. A new file has no name until it is finished, where the system can do that;
+/// elsewhere it has a hidden one beside its place.
 class OutputStream::Target {
  public:
   explicit Target(const std::string& path)
-      : name_(path == kStandardStream ? "standard output" : path) {
+      : path_(path == kStandardStream ? "standard output" : path) {
     if (path == kStandardStream) {
       fd_ = STDOUT_FILENO;
       return;
     }
-    place_ = Resolved(path);
-    if (IsDeviceOrPipe(place_)) {
-      fd_ = open(place_.c_str(), O_WRONLY | O_CLOEXEC);
+    const std::filesystem::path place = PlaceOf(path);
+    if (IsDeviceOrPipe(place)) {
+      fd_ = open(place.c_str(), O_WRONLY | O_CLOEXEC);
       if (fd_ < 0) throw Error(Reason());
       return;
     }
-    replaces_ = true;
-    OpenBeside();
+    name_ = place.filename();
+    const std::string folder = place.has_parent_path() ? place.parent_path().string() : ".";
+    folder_ = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (folder_ < 0) throw Error(Reason());
+    try {
+      OpenBeside();
+    } catch (...) {
+      close(folder_);
+      throw;
+    }
   }
 
   ~Target() {
     if (fd_ > STDERR_FILENO) close(fd_);
-    if (!beside_.empty()) unlink(beside_.c_str());
+    if (!beside_.empty()) unlinkat(folder_, beside_.c_str(), 0);
+    if (folder_ >= 0) close(folder_);
   }
 
   Target(const Target&) = delete;
@@ -112,51 +115,69 @@ class OutputStream::Target {
 
   void Finish() {
     if (fd_ == STDOUT_FILENO) return;
-    if (replaces_) {
-      if (fchmod(fd_, ModeFor(place_)) != 0) throw Error(Reason());
+    const bool replaces = folder_ >= 0;
+    if (replaces) {
+      if (fchmod(fd_, Mode()) != 0) throw Error(Reason());
       if (beside_.empty()) GiveName();
     }
     const int fd = fd_;
     fd_ = -1;
     // Some systems only now report that the content did not get through.
     if (close(fd) != 0) throw Error(Reason());
-    if (!replaces_) return;
-    if (rename(beside_.c_str(), place_.c_str()) != 0) throw Error(Reason());
+    if (!replaces) return;
+    if (renameat(folder_, beside_.c_str(), folder_, name_.c_str()) != 0) throw Error(Reason());
     beside_.clear();
   }
 
  private:
   Failure Error(const std::string& reason) const {
-    return {ExitCode::Failed, "cannot write " + name_ + ": " + reason};
+    return {ExitCode::Failed, "cannot write " + path_ + ": " + reason};
   }
 
   void OpenBeside() {
-    if (fs::is_directory(place_)) throw Error("it is a folder");
-    if (fs::exists(place_) && access(place_.c_str(), W_OK) != 0) throw Error(Reason());
-    const fs::path folder = place_.has_parent_path() ? place_.parent_path() : fs::path(".");
-    fd_ = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-    if (fd_ >= 0) return;
-    std::string name = place_.string() + ".lumora-XXXXXX";
-    fd_ = mkstemp(name.data());
-    if (fd_ < 0) throw Error(Reason());
-    beside_ = name;
+    struct stat existing = {};
+    const bool exists = fstatat(folder_, name_.c_str(), &existing, 0) == 0;
+    if (name_.empty() || (exists && S_ISDIR(existing.st_mode))) throw Error("it is a folder");
+    if (!exists && errno != ENOENT) throw Error(Reason());  // a name that is too long, for one
+    if (exists && faccessat(folder_, name_.c_str(), W_OK, 0) != 0) throw Error(Reason());
+    fd_ = openat(folder_, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    if (fd_ >= 0 && access(EntryOf(fd_).c_str(), F_OK) == 0) return;
+    if (fd_ >= 0) close(fd_);  // it could not be given a name
+    beside_ = FreeName([this](const char* name) {
+      fd_ = openat(folder_, name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
+      return fd_ >= 0;
+    });
   }
 
   /// A name for a file without one, for the moment before it is renamed.
   void GiveName() {
-    const std::string itself = "/proc/self/fd/" + std::to_string(fd_);
-    const std::string name = place_.string() + ".lumora-" + std::to_string(getpid());
-    unlink(name.c_str());  // of an earlier process that was killed within that moment
-    if (linkat(AT_FDCWD, itself.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-      throw Error(Reason());
-    }
-    beside_ = name;
+    beside_ = FreeName([this](const char* name) {
+      return linkat(AT_FDCWD, EntryOf(fd_).c_str(), folder_, name, AT_SYMLINK_FOLLOW) == 0;
+    });
   }
 
-  std::string name_;
-  fs::path place_;
-  std::string beside_;     // the name of the new file while it is not in its place
-  bool replaces_ = false;  // a new file takes the place; else bytes go there directly
+  /// The first name that `take` could use. It is short whatever the file's own name is, so it is
+  /// allowed wherever that one is; names of processes that were killed may be in the way.
+  template <typename Take>
+  std::string FreeName(const Take& take) {
+    for (int number = 0; number < kMostTries; ++number) {
+      std::string name = ".lumora-" + std::to_string(getpid()) + "-" + std::to_string(number);
+      if (take(name.c_str())) return name;
+      if (errno != EEXIST) break;
+    }
+    throw Error(Reason());
+  }
+
+  mode_t Mode() const {
+    struct stat existing = {};
+    const bool exists = fstatat(folder_, name_.c_str(), &existing, 0) == 0;
+    return exists ? existing.st_mode & 07777 : ModeOfNewFiles();
+  }
+
+  std::string path_;    // for messages
+  std::string name_;    // of the file, in its folder
+  int folder_ = -1;     // where a new file takes the place; else bytes go to fd_ directly
+  std::string beside_;  // the name of the new file while it is not in its place
   int fd_ = -1;
 };
 
@@ -175,7 +196,7 @@ void OutputStream::Finish() {
 void CheckWritable(const std::string& path) {
   if (path == kStandardStream) return;
   // Opening a pipe would already tell its reader that something comes.
-  const fs::path place = Resolved(path);
+  const std::string place = PlaceOf(path);
   if (!IsDeviceOrPipe(place)) {
     OutputStream probe(path);
   } else if (access(place.c_str(), W_OK) != 0) {
