@@ -34,7 +34,8 @@ class InfoLog {
 int LogLine(const char* fmt, ...) {
   va_list arguments;
   va_start(arguments, fmt);
-  const int result = __android_log_vprint(lumora::kLogInfo, g_log_channel.tag, fmt, arguments);
+  const int result =
+      lumora::platform::PrintUnmasked(lumora::kLogInfo, g_log_channel.tag, fmt, arguments);
   va_end(arguments);
   return result;
 }

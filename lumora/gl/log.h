@@ -39,9 +39,10 @@ struct LogChannel {
   }                                             \
   static_assert(true, "")
 
-#define LUMORA_LOG(priority, ...)                                                         \
-  (g_log_channel.enabled(priority)                                                        \
-       ? static_cast<void>(__android_log_print(priority, g_log_channel.tag, __VA_ARGS__)) \
+#define LUMORA_LOG(priority, ...)                                                       \
+  (g_log_channel.enabled(priority)                                                      \
+       ? static_cast<void>(::lumora::platform::PrinterFor(priority, g_log_channel.tag)( \
+             priority, g_log_channel.tag, __VA_ARGS__))                                 \
        : static_cast<void>(0))
 
 #define LOGD(...) LUMORA_LOG(::lumora::kLogDebug, __VA_ARGS__)

@@ -23,4 +23,23 @@ LUMORA_API unsigned char __korvolog_init_mask(const char* tag, int unused, unsig
 
 }  // extern "C"
 
+namespace lumora::platform {
+
+/// A function in the place of __android_log_print.
+// NOLINTNEXTLINE(modernize-use-using): compilers take the attribute here alone.
+typedef int (*LogPrinter)(int priority, const char* tag, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
+
+/// What prints a line that its mask lets through: __android_log_print. Linux: where that is the
+/// platform log's own and would drop a line that LUMORA_LOG asks for, one that does not drop it;
+/// the platform log's least priority belongs to the host program and is never set.
+LogPrinter PrinterFor(int priority, const char* tag);
+
+/// __android_log_vprint, for lines that ask for no mask. Linux: where that is the platform log's
+/// own, lines that LUMORA_LOG leaves out go nowhere, and the answer is 0.
+int PrintUnmasked(int priority, const char* tag, const char* format, va_list arguments)
+    __attribute__((format(printf, 3, 0)));
+
+}  // namespace lumora::platform
+
 #endif  // LUMORA_PLATFORM_LOG_H_

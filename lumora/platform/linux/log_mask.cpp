@@ -1,16 +1,50 @@
+// What of the library's log is printed: LUMORA_LOG decides for the library's lines alone, so that
+// those of the host program, which share the platform's liblog, stay as they are.
+#include <dlfcn.h>
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
 #include "lumora/platform/log.h"
 
-// Provided by the platform's liblog: whether `priority` is printed for `tag`, and the least
-// priority of the process (kUnset when nobody has set it), below which liblog drops every line.
 extern "C" {
+
+// A line as liblog's loggers take it: up to release 29 beside its text, then with it.
+struct __android_logger_data {
+  size_t struct_size;
+  int32_t buffer_id;
+  int32_t priority;
+  const char* tag;
+  const char* file;
+  uint32_t line;
+};
+struct __android_log_message {
+  size_t struct_size;
+  int32_t buffer_id;
+  int32_t priority;
+  const char* tag;
+  const char* file;
+  uint32_t line;
+  const char* message;
+};
+
+// Provided by the platform's liblog: whether `priority` is printed for `tag`, and the least
+// priority of the process (kUnset when nobody has set it), below which __android_log_print drops
+// every line.
 int __android_log_is_loggable(int priority, const char* tag, int default_priority);
 int __android_log_get_minimum_priority(void);
-int __android_log_set_minimum_priority(int priority);
-}
+// Hand a line to the process's logger whatever its priority; each liblog has one of the two.
+__attribute__((weak)) void __android_log_write_logger_data(__android_logger_data* data,
+                                                           const char* message);
+__attribute__((weak)) void __android_log_write_log_message(__android_log_message* message);
 
+}  // extern "C"
+
+namespace lumora::platform {
 namespace {
 
 constexpr int kUnset = 1;
@@ -20,30 +54,105 @@ constexpr int kInfo = 4;
 constexpr int kError = 6;
 constexpr int kFatal = 7;
 
-// The least priority to print, or kUnset to ask liblog for each one.
-int LeastPriority() {
+// What LUMORA_LOG asks for, or kUnset.
+int ChosenPriority() {
   const char* const text = std::getenv("LUMORA_LOG");
   const std::string_view choice = text != nullptr ? text : "";
   if (choice == "debug") return kDebug;
   if (choice == "info") return kInfo;
-  if (choice == "error") return kError;
+  return choice == "error" ? kError : kUnset;
+}
+
+// The least priority to print, or kUnset to ask liblog for each one.
+int LeastPriority() {
+  const int chosen = ChosenPriority();
+  if (chosen != kUnset) return chosen;
   // Off a device liblog disregards the default that it is given and lets INFO through.
   return __android_log_get_minimum_priority() == kUnset ? kError : kUnset;
 }
 
+bool Prints(int least, int priority, const char* tag) {
+  return least != kUnset ? priority >= least
+                         : __android_log_is_loggable(priority, tag, kError) != 0;
+}
+
+// Whether a printing function is liblog's own and not the host program's.
+template <typename Function>
+bool IsLiblogs(Function* function) {
+  Dl_info own{};
+  Dl_info liblog{};
+  return dladdr(reinterpret_cast<void*>(function), &own) != 0 &&
+         dladdr(reinterpret_cast<void*>(&__android_log_is_loggable), &liblog) != 0 &&
+         own.dli_fbase == liblog.dli_fbase;
+}
+
+bool LiblogPrints() {
+  static const bool own = IsLiblogs(&__android_log_print);
+  return own;
+}
+
+bool LiblogPrintsLists() {
+  static const bool own = IsLiblogs(&__android_log_vprint);
+  return own;
+}
+
+// Whether liblog's own functions would drop a line that LUMORA_LOG asks for.
+bool LiblogDrops(int priority, const char* tag) {
+  return ChosenPriority() != kUnset && __android_log_is_loggable(priority, tag, kVerbose) == 0;
+}
+
+// What liblog's own functions do with a line that they do not drop.
+__attribute__((format(printf, 3, 0))) int PrintListAnyPriority(int priority, const char* tag,
+                                                               const char* format,
+                                                               va_list arguments) {
+  char text[1024];  // as long as liblog's longest
+  std::vsnprintf(text, sizeof(text), format, arguments);
+  constexpr int kMainBuffer = 0;
+  if (__android_log_write_log_message != nullptr) {
+    __android_log_message line = {
+        sizeof(__android_log_message), kMainBuffer, priority, tag, nullptr, 0, text};
+    __android_log_write_log_message(&line);
+  } else if (__android_log_write_logger_data != nullptr) {
+    __android_logger_data line = {
+        sizeof(__android_logger_data), kMainBuffer, priority, tag, nullptr, 0};
+    __android_log_write_logger_data(&line, text);
+  }
+  return 1;
+}
+
+__attribute__((format(printf, 3, 4))) int PrintAnyPriority(int priority, const char* tag,
+                                                           const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int printed = PrintListAnyPriority(priority, tag, format, arguments);
+  va_end(arguments);
+  return printed;
+}
+
 }  // namespace
+
+LogPrinter PrinterFor(int priority, const char* tag) {
+  return LiblogPrints() && LiblogDrops(priority, tag) ? &PrintAnyPriority : &__android_log_print;
+}
+
+int PrintUnmasked(int priority, const char* tag, const char* format, va_list arguments) {
+  if (LiblogPrintsLists()) {
+    if (!Prints(LeastPriority(), priority, tag)) return 0;
+    if (LiblogDrops(priority, tag)) return PrintListAnyPriority(priority, tag, format, arguments);
+  }
+  return __android_log_vprint(priority, tag, format, arguments);
+}
+
+}  // namespace lumora::platform
 
 // Weak, so that a host program's own definition replaces it.
 extern "C" __attribute__((weak)) unsigned char __korvolog_init_mask(const char* tag, int,
                                                                     unsigned char* mask) {
+  using namespace lumora::platform;
   const int least = LeastPriority();
-  // The lines that ask no mask follow too, and a lower priority than liblog's own gets through.
-  if (least != kUnset) __android_log_set_minimum_priority(least);
   unsigned int levels = 0;
   for (int priority = kVerbose; priority <= kFatal; ++priority) {
-    const bool enabled =
-        least != kUnset ? priority >= least : __android_log_is_loggable(priority, tag, kError) != 0;
-    if (enabled) levels |= 1u << (priority - kVerbose);
+    if (Prints(least, priority, tag)) levels |= 1u << (priority - kVerbose);
   }
   const auto answer = static_cast<unsigned char>(levels);
   __atomic_store_n(mask, answer, __ATOMIC_RELAXED);
