@@ -10,6 +10,7 @@
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/row_sizes.h"
 #include "lumora/gl/texture_parameters.h"
+#include "lumora/platform/display.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/shader_texts.h"
 
@@ -52,7 +53,13 @@ GPUColorConverter::GPUColorConverter()
   const bool ready = lumora::CreateOffscreenContext(EglHandles(), [](const char* step) {
     LOGD("[%s] %s successfully", "GPUColorConverter", step);
   });
-  if (!ready) return;
+  if (!ready) {
+    // What was made stays: the destructor does nothing without a context. A display that nobody
+    // will terminate must not count, or no later engine would.
+    if (m_bDisplayReferenced) lumora::platform::Forget(m_eglDisplay);
+    m_bDisplayReferenced = false;
+    return;
+  }
   m_bEGLReady = true;
   LOGI("GPUColorConverter()-");
 }

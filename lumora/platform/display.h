@@ -25,8 +25,18 @@ EGLBoolean ChooseConfig(EGLDisplay display, const EGLint* attributes, EGLConfig*
                         EGLint capacity, EGLint* count);
 
 /// Drops one reference; the last one terminates the display, unless the application had initialised
-/// it before the library did.
+/// it before the library did, or it is kept.
 EGLBoolean Terminate(EGLDisplay display);
+
+/// Drops one reference and leaves the display as it is, whichever was the last: for who may not end
+/// it, so that the next one who may does. Linux only counts.
+void Forget(EGLDisplay display);
+
+/// Leaves a display that the library initialised so for the life of the process. EGL counts no
+/// references on most systems: the host program may have begun to use the display since, and
+/// terminating it would end the host's contexts too. An engine's host knows when its engines end;
+/// who makes engines of its own (the pipeline) keeps their display. Thread-safe.
+LUMORA_API void KeepDisplay(EGLDisplay display);
 
 /// How GetDisplay found its display, for diagnostics: "default display", "EGL device",
 /// "EGL device (software)", "surfaceless platform", or "none".

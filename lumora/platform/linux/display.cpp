@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "lumora/platform/gl_api.h"
+#include "lumora/platform/immortal.h"
+#include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
 namespace {
@@ -14,6 +16,7 @@ struct Display {
   EGLDisplay handle;
   int references;
   bool initialised_here;  ///< by the library, so that the library may terminate it
+  bool kept;              ///< for the life of the process
 };
 
 // The displays that the library touched, and the one that GetDisplay chose.
@@ -23,18 +26,21 @@ struct Displays {
   EGLDisplay chosen = EGL_NO_DISPLAY;
   const char* origin = "none";
 
-  Display& entry(EGLDisplay handle) {
+  Display* find(EGLDisplay handle) {
     for (Display& display : known) {
-      if (display.handle == handle) return display;
+      if (display.handle == handle) return &display;
     }
-    known.push_back({handle, 0, false});
+    return nullptr;
+  }
+  Display& entry(EGLDisplay handle) {
+    if (Display* const display = find(handle)) return *display;
+    known.push_back({handle, 0, false, false});
     return known.back();
   }
 };
 
 Displays& TheDisplays() {
-  // Never destroyed: engines of static objects may end after any other static has gone.
-  static auto* const displays = new Displays;
+  static Immortal<Displays> displays;
   return *displays;
 }
 
@@ -51,7 +57,7 @@ EGLBoolean Start(Display& display, EGLint* major, EGLint* minor) {
 }
 
 EGLBoolean Stop(Display& display) {
-  if (!display.initialised_here) return EGL_TRUE;
+  if (!display.initialised_here || display.kept) return EGL_TRUE;
   display.initialised_here = false;
   return eglTerminate(display.handle);
 }
@@ -75,21 +81,27 @@ bool Works(Displays& displays, EGLDisplay handle) {
   return false;
 }
 
+constexpr size_t kMostDevices = 16;
+using DisplayList = std::array<EGLDisplay, kMostDevices>;  // EGL_NO_DISPLAY behind the last one
+
 // The displays of the EGL devices, software or hardware ones.
-std::vector<EGLDisplay> DeviceDisplays(bool software) {
+DisplayList DeviceDisplays(bool software) {
   const gl::ExtensionApi& api = gl::Extensions();
-  std::vector<EGLDisplay> found;
-  std::array<EGLDeviceEXT, 16> devices{};
+  DisplayList found{};
+  std::array<EGLDeviceEXT, kMostDevices> devices{};
   EGLint count = 0;
   if (api.eglQueryDevicesEXT(static_cast<EGLint>(devices.size()), devices.data(), &count) !=
       EGL_TRUE) {
     return found;
   }
+  auto next = found.begin();
   for (EGLint i = 0; i < count; ++i) {
     EGLDeviceEXT const device = devices[static_cast<size_t>(i)];
     const char* const extensions = api.eglQueryDeviceStringEXT(device, EGL_EXTENSIONS);
     if (gl::HasExtension(extensions, "EGL_MESA_device_software") != software) continue;
-    found.push_back(api.eglGetPlatformDisplayEXT(EGL_PLATFORM_DEVICE_EXT, device, nullptr));
+    EGLDisplay const display =
+        api.eglGetPlatformDisplayEXT(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
+    if (display != EGL_NO_DISPLAY) *next++ = display;
   }
   return found;
 }
@@ -97,7 +109,7 @@ std::vector<EGLDisplay> DeviceDisplays(bool software) {
 struct Candidate {
   const char* origin;
   bool (*offered)(const char* client_extensions);
-  std::vector<EGLDisplay> (*displays)();
+  DisplayList (*displays)();
 };
 
 bool OffersDevices(const char* client_extensions) {
@@ -110,7 +122,7 @@ bool OffersDevices(const char* client_extensions) {
 // In the order of preference.
 constexpr std::array<Candidate, 4> kCandidates = {{
     {"default display", [](const char*) { return true; },
-     [] { return std::vector<EGLDisplay>{eglGetDisplay(EGL_DEFAULT_DISPLAY)}; }},
+     [] { return DisplayList{eglGetDisplay(EGL_DEFAULT_DISPLAY)}; }},
     {"EGL device", OffersDevices, [] { return DeviceDisplays(false); }},
     {"EGL device (software)", OffersDevices, [] { return DeviceDisplays(true); }},
     {"surfaceless platform",
@@ -118,8 +130,8 @@ constexpr std::array<Candidate, 4> kCandidates = {{
        return gl::HasExtension(client_extensions, "EGL_MESA_platform_surfaceless");
      },
      [] {
-       return std::vector<EGLDisplay>{gl::Extensions().eglGetPlatformDisplayEXT(
-           EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr)};
+       return DisplayList{gl::Extensions().eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA,
+                                                                    nullptr, nullptr)};
      }},
 }};
 
@@ -139,11 +151,8 @@ std::vector<EGLint> WithoutSurfaceBits(const EGLint* attributes, EGLint bits) {
   return list;
 }
 
-}  // namespace
-
-EGLDisplay GetDisplay() {
-  Displays& displays = TheDisplays();
-  const std::lock_guard<std::mutex> guard(displays.mutex);
+// With the lock held.
+EGLDisplay FindDisplay(Displays& displays) {
   if (Works(displays, displays.chosen)) return displays.chosen;
 
   const char* const client_extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
@@ -161,35 +170,62 @@ EGLDisplay GetDisplay() {
   return EGL_NO_DISPLAY;
 }
 
+}  // namespace
+
+EGLDisplay GetDisplay() {
+  Displays& displays = TheDisplays();
+  const std::lock_guard<std::mutex> guard(displays.mutex);
+  return UnlessOutOfMemory(EGL_NO_DISPLAY, [&] { return FindDisplay(displays); });
+}
+
 EGLBoolean Initialize(EGLDisplay display, EGLint* major, EGLint* minor) {
   Displays& displays = TheDisplays();
   const std::lock_guard<std::mutex> guard(displays.mutex);
   if (display == EGL_NO_DISPLAY) return eglInitialize(display, major, minor);
-  Display& entry = displays.entry(display);
-  const EGLBoolean started = Start(entry, major, minor);
-  if (started == EGL_TRUE) {
-    ++entry.references;
-  } else if (entry.references == 0) {
-    Stop(entry);  // GetDisplay left it initialised for this call
-  }
-  return started;
+  return UnlessOutOfMemory<EGLBoolean>(EGL_FALSE, [&] {
+    Display& entry = displays.entry(display);
+    const EGLBoolean started = Start(entry, major, minor);
+    if (started == EGL_TRUE) {
+      ++entry.references;
+    } else if (entry.references == 0) {
+      Stop(entry);  // GetDisplay left it initialised for this call
+    }
+    return started;
+  });
 }
 
 EGLBoolean ChooseConfig(EGLDisplay display, const EGLint* attributes, EGLConfig* configs,
                         EGLint capacity, EGLint* count) {
   const EGLBoolean answered = eglChooseConfig(display, attributes, configs, capacity, count);
   if (answered != EGL_TRUE || *count > 0) return answered;
-  const std::vector<EGLint> list = WithoutSurfaceBits(attributes, EGL_WINDOW_BIT);
-  return eglChooseConfig(display, list.data(), configs, capacity, count);
+  return UnlessOutOfMemory(answered, [&] {
+    const std::vector<EGLint> list = WithoutSurfaceBits(attributes, EGL_WINDOW_BIT);
+    return eglChooseConfig(display, list.data(), configs, capacity, count);
+  });
 }
 
 EGLBoolean Terminate(EGLDisplay display) {
   Displays& displays = TheDisplays();
   const std::lock_guard<std::mutex> guard(displays.mutex);
   if (display == EGL_NO_DISPLAY) return eglTerminate(display);
-  Display& entry = displays.entry(display);
-  if (entry.references > 0 && --entry.references > 0) return EGL_TRUE;
-  return Stop(entry);
+  Display* const entry = displays.find(display);
+  if (entry == nullptr) return EGL_TRUE;
+  if (entry->references > 0 && --entry->references > 0) return EGL_TRUE;
+  return Stop(*entry);
+}
+
+void Forget(EGLDisplay display) {
+  Displays& displays = TheDisplays();
+  const std::lock_guard<std::mutex> guard(displays.mutex);
+  Display* const entry = displays.find(display);
+  if (entry != nullptr && entry->references > 0) --entry->references;
+}
+
+void KeepDisplay(EGLDisplay display) {
+  Displays& displays = TheDisplays();
+  const std::lock_guard<std::mutex> guard(displays.mutex);
+  Display* const entry = displays.find(display);
+  if (entry != nullptr && entry->initialised_here) entry->kept = true;
 }
 
 const char* DisplayOrigin() {
