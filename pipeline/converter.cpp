@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "lumora/convert/gpu_color_converter.h"
+#include "lumora/platform/display.h"
 #include "pipeline/engine_faults.h"
 #include "pipeline/failure.h"
 #include "pipeline/frame_check.h"
@@ -35,13 +36,26 @@ void CopyImage(const uint8_t* texels, int texels_a_row, const ImageView& out) {
   }
 }
 
+/// Ends what a converter without a current context leaves behind.
+void EndParts(android::GPUColorConverter& engine) {
+  if (engine.m_eglSurface != EGL_NO_SURFACE) {
+    eglDestroySurface(engine.m_eglDisplay, engine.m_eglSurface);
+  }
+  if (engine.m_eglContext != EGL_NO_CONTEXT) {
+    eglDestroyContext(engine.m_eglDisplay, engine.m_eglContext);
+  }
+}
+
 }  // namespace
 
 /// The engine library's converter with the thread that it is bound to.
 class Converter::Worker {
  public:
   Worker() {
-    thread_.Run([this] { engine_ = std::make_unique<android::GPUColorConverter>(); });
+    thread_.Run([this] {
+      engine_ = std::make_unique<android::GPUColorConverter>();
+      engine_->m_bEGLReady ? platform::KeepDisplay(engine_->m_eglDisplay) : EndParts(*engine_);
+    });
   }
   ~Worker() {
     thread_.Run([this] { engine_.reset(); });

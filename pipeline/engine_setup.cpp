@@ -6,11 +6,16 @@
 #include <memory>
 #include <new>
 
+#include "lumora/platform/display.h"
 #include "pipeline/engine_faults.h"
 #include "pipeline/gl_state.h"
 #include "pipeline/smooth_slimmer.h"
 
 namespace lumora {
+
+EngineSetup::EngineSetup() {
+  if (engine_.m_bEGLReady) platform::KeepDisplay(engine_.m_eglDisplay);
+}
 
 Status EngineSetup::Preview(int width, int height, bool colour) {
   const bool fits = state_ == State::kColourPreview || (state_ == State::kPreview && !colour);

@@ -14,7 +14,7 @@ namespace lumora {
 /// Thread: constructed, used and destroyed on one thread, which has no other engine.
 class EngineSetup {
  public:
-  EngineSetup() = default;
+  EngineSetup();
   ~EngineSetup() { Release(); }
   EngineSetup(const EngineSetup&) = delete;
   EngineSetup& operator=(const EngineSetup&) = delete;

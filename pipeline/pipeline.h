@@ -2,6 +2,9 @@
 //
 // The pipeline owns an engine on a worker thread of its own and may be called from any thread.
 // Every failure comes back as a Status with a sentence that can be shown to a user.
+//
+// An EGL display that the first pipeline or converter initialises stays so until the process ends:
+// the host program may use the same display before, beside and after them.
 #ifndef LUMORA_PIPELINE_PIPELINE_H_
 #define LUMORA_PIPELINE_PIPELINE_H_
 
