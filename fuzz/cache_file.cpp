@@ -59,7 +59,7 @@ void DeleteLeftovers() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static auto& around = *new Surroundings;
+  static Surroundings around;  // its folder is removed at the end
   Input input(data, size);
   const bool whole_load = input.between(0, 7) == 0;
   const Bytes file = input.flag() ? input.rest() : Changed(around.good_file, input);

@@ -1,0 +1,34 @@
+# The install components: cmake -DBUILD=... -DSCRATCH=... -DLIBRARIES=<file names> -P check_install.cmake
+# Runtime alone has to be enough for a program that was built elsewhere, so it holds every library
+# under the name that programs ask for, and nothing that only building needs.
+function(install_component component)
+  file(REMOVE_RECURSE "${SCRATCH}/${component}")
+  execute_process(COMMAND "${CMAKE_COMMAND}" --install "${BUILD}" --component ${component}
+    --prefix "${SCRATCH}/${component}" RESULT_VARIABLE result OUTPUT_QUIET)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "component ${component} cannot be installed: ${result}")
+  endif()
+  file(GLOB_RECURSE files LIST_DIRECTORIES false RELATIVE "${SCRATCH}/${component}"
+    "${SCRATCH}/${component}/*")
+  set(files "${files}" PARENT_SCOPE)
+endfunction()
+
+install_component(Runtime)
+foreach(library IN LISTS LIBRARIES)
+  if(NOT files MATCHES "/${library}(;|$)")
+    message(SEND_ERROR "component Runtime lacks ${library}: ${files}")
+  endif()
+endforeach()
+if(files MATCHES "\\.(h|cmake|pc|a)(;|$)" OR files MATCHES "\\.so(;|$)")
+  message(SEND_ERROR "component Runtime holds what only building needs: ${files}")
+endif()
+
+install_component(Development)
+foreach(part engine/gpu_beauty_face\\.h LumoraTargets\\.cmake LumoraConfig\\.cmake lumora\\.pc libLumora\\.so)
+  if(NOT files MATCHES "/${part}(;|$)")
+    message(SEND_ERROR "component Development lacks ${part}: ${files}")
+  endif()
+endforeach()
+if(files MATCHES "\\.so\\.")
+  message(SEND_ERROR "component Development holds the libraries themselves: ${files}")
+endif()
