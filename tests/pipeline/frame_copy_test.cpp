@@ -4,9 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "pipeline/frame_layout.h"
 #include "pipeline/frame_memory.h"
 
 namespace lumora::test {
@@ -78,6 +83,61 @@ TEST(CopyFrame, CopiesBetweenFramesThatOverlap) {
   CopyFrame(AsConst(out), actual.view());
   EXPECT_TRUE(actual.Read() == expected.Read());
   EXPECT_TRUE(tall.GuardsIntact());
+}
+
+/// A frame in planes that begin where they are told to.
+struct PlacedFrame {
+  FrameView view;
+  std::array<size_t, 3> bytes{};  ///< of each plane, from its first sample to behind its last
+
+  PlacedFrame(PixelFormat format, int width, int height, int slack) {
+    view.format = format;
+    view.width = width;
+    view.height = height;
+    for (size_t plane = 0; plane < PlaneCount(format); ++plane) {
+      view.strides[plane] = RowBytes(format, plane, width) + slack;
+      bytes[plane] = static_cast<size_t>((PlaneRows(plane, height) - 1) * view.strides[plane] +
+                                         RowBytes(format, plane, width));
+    }
+  }
+};
+
+TEST(CopyFrame, CopiesBetweenFramesThatShareASingleByte) {
+  const int width = 35, height = 33;
+  const Samples samples = NoiseSamples(width, height);
+  for (const PixelFormat from : kAllFormats) {
+    for (const PixelFormat to : kAllFormats) {
+      for (const int slack : {0, 7}) {
+        for (size_t i = 0; i < PlaneCount(from); ++i) {
+          for (size_t o = 0; o < PlaneCount(to); ++o) {
+            for (const bool input_first : {true, false}) {
+              PlacedFrame in(from, width, height, slack), out(to, width, height, slack);
+              constexpr size_t kRoom = 4096;  // holds any two planes
+              std::vector<uint8_t> planes(8 * kRoom);
+              for (size_t plane = 0; plane < 3; ++plane) {
+                in.view.planes[plane] = planes.data() + plane * kRoom;
+                out.view.planes[plane] = planes.data() + (4 + plane) * kRoom;
+              }
+              // The last byte of one plane is the first of the other.
+              if (input_first) {
+                out.view.planes[o] = in.view.planes[i] + in.bytes[i] - 1;
+              } else {
+                in.view.planes[i] = out.view.planes[o] + out.bytes[o] - 1;
+              }
+              FrameMemory whole(from, width, height), result(to, width, height);
+              whole.Fill(samples);
+              CopyFrame(whole.const_view(), in.view);
+              CopyFrame(AsConst(in.view), out.view);
+              CopyFrame(AsConst(out.view), result.view());
+              EXPECT_TRUE(result.Read() == samples)
+                  << Name(from, to, width, height) << ", plane " << i
+                  << (input_first ? " < " : " > ") << o << ", slack " << slack;
+            }
+          }
+        }
+      }
+    }
+  }
 }
 
 TEST(PaddedFrame, GivesBackWhatItTookInWhateverTheFormats) {
