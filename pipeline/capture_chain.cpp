@@ -71,7 +71,7 @@ Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
     engine.FaceProcessLarge(work.luma(), work.chroma(), frame.width(), frame.height(), 0, &record,
                             1, kBeautyLevel);
     ReportBlocks(engine, SlimmingArea(engine, record), &chain.report);
-    const PointF centre = {static_cast<float>(record.loc_x), static_cast<float>(record.loc_y)};
+    const PointF centre = WarpCentre(record);
     const double radius = CaptureRadius(record, frame.width());
     CopyCircle(work, centre, radius, &frame);
     // The engine reads every face from the plane textures: the next one has to find this one's

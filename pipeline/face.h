@@ -68,9 +68,9 @@ struct WarpCircle {
   PointF towards;  ///< unit vector from the face centre to the chin: the side that is moved most
 };
 
-/// Where slimming will act for this face in a frame of that size. Pixels farther from the centre
-/// than the radius keep their values. The radius is 0 for a face that cannot be slimmed: one whose
-/// centre lies outside the frame, or whose cheeks or chin coincide with it.
+/// Where slimming will act for this face in a frame of that size. Pixels whose centres are farther
+/// from the circle's than the radius keep their values. The radius is 0 for a face that cannot be
+/// slimmed: one whose centre lies outside the frame, or whose cheeks or chin coincide with it.
 LUMORA_PIPELINE_API WarpCircle SlimmingCircle(const Face& face, int frame_width, int frame_height);
 
 /// An ellipse in pixels of the frame.
@@ -93,7 +93,7 @@ enum WhiteningEllipse {
 };
 
 /// The seven ellipses of whitening: the face, the whitening's outer limit, and those of its
-/// features.
+/// features. Pixels whose centres lie outside of the first one keep their values.
 LUMORA_PIPELINE_API std::array<Ellipse, 7> WhiteningEllipses(const Face& face);
 
 /// The warp that the preview chain draws for a face, in full. A pixel at p is taken from

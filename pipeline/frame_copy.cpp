@@ -151,6 +151,8 @@ void CopyFrame(const ConstFrameView& in, const FrameView& out) {
 void PaddedFrame::Load(const ConstFrameView& in, FramePlace place) {
   SetSize(AlignedSize(in.width, column_alignment_), AlignedSize(in.height));
   place_ = place;
+  frame_width_ = in.width;
+  frame_height_ = in.height;
   CopyApart(in, PackedView(luma(), chroma(), width_, place, in.width, in.height));
   ExtendPlane(luma(), width_, height_, 1,
               {place.left, place.left + in.width, place.top, place.top + in.height});
@@ -165,6 +167,13 @@ void PaddedFrame::Store(const FrameView& out) const {
 
 void PaddedFrame::Resize(const PaddedFrame& other) {
   SetSize(other.width_, other.height_);
+  frame_width_ = other.frame_width_;
+  frame_height_ = other.frame_height_;
+}
+
+void PaddedFrame::Copy(const PaddedFrame& other) {
+  Resize(other);
+  std::memcpy(luma(), other.luma(), luma_size() + luma_size() / 2);
 }
 
 void PaddedFrame::SetSize(int width, int height) {

@@ -31,14 +31,19 @@ class PaddedFrame {
 
   /// Takes in a caller's frame. Memory is kept from frame to frame and grows as needed.
   void Load(const ConstFrameView& in, FramePlace place = {});
-  /// Takes the size of `other`. What the frame then holds is not defined, and memory that is never
+  /// Takes the sizes of `other`. What the frame then holds is not defined, and memory that is never
   /// written is not used.
   void Resize(const PaddedFrame& other);
+  /// Becomes the same as `other`.
+  void Copy(const PaddedFrame& other);
   /// Gives the part that the frame taken in lay in; `out` has that frame's size.
   void Store(const FrameView& out) const;
 
   int width() const { return width_; }    ///< pixels, and bytes from row to row in both planes
   int height() const { return height_; }  ///< pixels
+  /// Pixels of the caller's frame.
+  int frame_width() const { return frame_width_; }
+  int frame_height() const { return frame_height_; }
   uint8_t* luma() { return bytes_.get(); }
   const uint8_t* luma() const { return bytes_.get(); }
   uint8_t* chroma() { return bytes_.get() + luma_size(); }
@@ -52,6 +57,8 @@ class PaddedFrame {
   int column_alignment_;
   int width_ = 0;
   int height_ = 0;
+  int frame_width_ = 0;
+  int frame_height_ = 0;
   FramePlace place_;
   size_t capacity_ = 0;
   std::unique_ptr<uint8_t[]> bytes_;

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "pipeline/row_span.h"
+
 namespace lumora {
 namespace {
 
@@ -19,21 +21,12 @@ size_t RowStart(const PaddedFrame& frame, int row) {
   return static_cast<size_t>(row) * static_cast<size_t>(frame.width());
 }
 
-/// The columns [begin, end) of a row whose pixel centres lie in a circle.
-struct Span {
-  int begin = 0;
-  int end = 0;
-};
-Span SpanOf(PointF centre, double radius, int y, int width) {
+/// The columns of a row whose pixel centres lie in a circle.
+RowSpan SpanOf(PointF centre, double radius, int y, int width) {
   const double dy = y + 0.5 - static_cast<double>(centre.y);
   const double left = radius * radius - dy * dy;
   if (left < 0) return {};
-  const double half = std::sqrt(left);
-  const double x = static_cast<double>(centre.x) - 0.5;
-  const auto clip = [width](double column) {
-    return static_cast<int>(std::clamp(column, 0.0, static_cast<double>(width)));
-  };
-  return {clip(std::ceil(x - half)), clip(std::floor(x + half) + 1)};
+  return SpanAround(static_cast<double>(centre.x), std::sqrt(left), width);
 }
 
 }  // namespace
@@ -86,19 +79,19 @@ PixelRect CircleBounds(PointF centre, double radius, int width, int height) {
 
 void CopyCircle(const PaddedFrame& processed, PointF centre, double radius, PaddedFrame* frame) {
   const PixelRect bounds = CircleBounds(centre, radius, frame->width(), frame->height());
-  const auto copy = [](const uint8_t* from, uint8_t* to, size_t start, Span span) {
+  const auto copy = [](const uint8_t* from, uint8_t* to, size_t start, RowSpan span) {
     if (span.begin >= span.end) return;
     const size_t at = start + static_cast<size_t>(span.begin);
     std::memcpy(to + at, from + at, static_cast<size_t>(span.end - span.begin));
   };
   for (int y = bounds.y; y < bounds.y + bounds.height; y += 2) {
-    const Span upper = SpanOf(centre, radius, y, frame->width());
-    const Span lower = SpanOf(centre, radius, y + 1, frame->width());
+    const RowSpan upper = SpanOf(centre, radius, y, frame->width());
+    const RowSpan lower = SpanOf(centre, radius, y + 1, frame->width());
     copy(processed.luma(), frame->luma(), RowStart(*frame, y), upper);
     copy(processed.luma(), frame->luma(), RowStart(*frame, y + 1), lower);
     // The longer one holds the other: both are symmetric to the same column.
-    const Span& longer = upper.end - upper.begin > lower.end - lower.begin ? upper : lower;
-    const Span chroma = {longer.begin / 2 * 2, (longer.end + 1) / 2 * 2};
+    const RowSpan& longer = upper.end - upper.begin > lower.end - lower.begin ? upper : lower;
+    const RowSpan chroma = {longer.begin / 2 * 2, (longer.end + 1) / 2 * 2};
     copy(processed.chroma(), frame->chroma(), RowStart(*frame, y / 2), chroma);
   }
 }

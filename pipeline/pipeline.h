@@ -69,9 +69,12 @@ class LUMORA_PIPELINE_API Pipeline {
 
   /// Processes one frame: `out` receives `in` with `look` applied to `faces`, whitening first. Both
   /// frames have the same size, from 32 x 32 pixels up, odd ones too; their formats and strides may
-  /// differ, and they may be the same memory. Pixels that lie neither in the circle that
-  /// SlimmingCircle tells nor in the first ellipse of WhiteningEllipses keep their values, and
-  /// bytes between the rows of `out` are not written.
+  /// differ, and they may be the same memory. Bytes between the rows of `out` are not written.
+  ///
+  /// A luma sample changes only where the centre of its pixel lies in a circle that SlimmingCircle
+  /// tells (slim) or in a first ellipse of WhiteningEllipses (whiten, saturate), a chroma sample
+  /// only where that of one of the pixels that it stands for does, which are four and fewer at odd
+  /// borders. Every other sample keeps its value, whatever the face, look, chain and format.
   ///
   /// With nothing to do (no face, everything off) the frame is copied unchanged, on the calling
   /// thread. A face that cannot be processed is left out: its centre lies outside the frame, or its

@@ -7,6 +7,7 @@
 #include "pipeline/failure.h"
 #include "pipeline/gl_state.h"
 #include "pipeline/merge.h"
+#include "pipeline/warp_geometry.h"
 
 namespace lumora {
 namespace {
@@ -75,20 +76,29 @@ Status SlimPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
   }
   chain.setup.SetPreviewFilters(GL_LINEAR);
   android::GPUBeautyFace& engine = chain.setup.engine();
-  // In colour-convert mode the engine takes what is in the input image.
-  if (chain.setup.has_colour() && engine.LoadPreviewFrameBuffer(frame.luma()) == 0) {
-    return EngineRefused();
+  // The engine writes the luma over its input and the chroma to its output: the frame again. In
+  // colour-convert mode it takes what is in the input image instead.
+  PaddedFrame& work = chain.memory.work;
+  if (!chain.setup.has_colour()) {
+    work.Copy(frame);
+  } else {
+    work.Resize(frame);
+    if (engine.LoadPreviewFrameBuffer(frame.luma()) == 0) return EngineRefused();
   }
   std::vector<FACE_INFO_t>& records = chain.memory.records;
   records.clear();
   for (const FaceJob& face : faces) records.push_back(face.record);
-  // The engine writes the luma over its input and the chroma to its output: the frame again.
   const int done =
       records.size() == 1
-          ? engine.FaceProcess(frame.luma(), frame.chroma(), kBeautyLevel, records.front(), 0)
-          : engine.FaceProcessMultiface(frame.luma(), frame.chroma(), kBeautyLevel, records.data(),
+          ? engine.FaceProcess(work.luma(), work.chroma(), kBeautyLevel, records.front(), 0)
+          : engine.FaceProcessMultiface(work.luma(), work.chroma(), kBeautyLevel, records.data(),
                                         static_cast<int>(records.size()), 0);
-  return done != 0 ? Status{} : EngineRefused();
+  if (done == 0) return EngineRefused();
+  // The engine draws the warp of a small face over the whole frame, where rounding moves pixels.
+  for (const FACE_INFO_t& record : records) {
+    CopyCircle(work, WarpCentre(record), PreviewRadius(record, frame.width()), &frame);
+  }
+  return {};
 }
 
 }  // namespace lumora

@@ -5,7 +5,6 @@
 #include <cstddef>
 
 #include "pipeline/landmarks.h"
-#include "pipeline/whitening_geometry.h"
 
 namespace lumora {
 namespace {
@@ -91,8 +90,11 @@ void SkinMask::Make(const Face& face, const Ellipse& outer, int skin_luma, int w
   const float half_y =
       std::hypot(outer.half_along * region.sin_angle, outer.half_across * region.cos_angle);
   const auto clip = [](float value, int limit) {
-    return RoundDownToEven(std::clamp(value, 0.f, static_cast<float>(limit)));
+    return RoundDownToEven(std::clamp(value, 0.f, static_cast<float>(limit + limit % 2)));
   };
+  width_ = width;
+  height_ = height;
+  outer_ = EllipseRows(outer);
   bounds_.x = clip(outer.centre.x - half_x, width);
   bounds_.y = clip(outer.centre.y - half_y, height);
   bounds_.width = clip(outer.centre.x + half_x + 2, width) - bounds_.x;
@@ -127,12 +129,18 @@ void SkinMask::MakeGrid(const Face& face, const Ellipse& outer) {
 }
 
 void SkinMask::Row(int y, float* weights) const {
+  y = std::min(y, height_ - 1);
   const int row = (y - bounds_.y) / step_;
   const float down = static_cast<float>((y - bounds_.y) % step_) / static_cast<float>(step_);
   const auto offset = static_cast<size_t>(row) * static_cast<size_t>(columns_);
   const float* const above = grid_.data() + offset;
   const float* const below = above + columns_;
-  for (int x = 0; x < bounds_.width; ++x) {
+  // The grid's numbers alone would end up to a step of it beyond the ellipse.
+  const RowSpan held = outer_.Row(y, width_);
+  const int begin = std::clamp(held.begin - bounds_.x, 0, bounds_.width);
+  const int end = std::clamp(held.end - bounds_.x, begin, bounds_.width);
+  std::fill_n(weights, bounds_.width, 0.f);
+  for (int x = begin; x < end; ++x) {
     const int column = x / step_;
     const float right = static_cast<float>(x % step_) / static_cast<float>(step_);
     const auto along = [column, right](const float* numbers) {
@@ -141,6 +149,8 @@ void SkinMask::Row(int y, float* weights) const {
     const float top = along(above);
     weights[x] = top + down * (along(below) - top);
   }
+  const int beyond = width_ - bounds_.x;
+  if (beyond > 0 && beyond < bounds_.width) weights[beyond] = weights[beyond - 1];
 }
 
 }  // namespace lumora

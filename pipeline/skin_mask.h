@@ -8,6 +8,7 @@
 
 #include "pipeline/face.h"
 #include "pipeline/report.h"
+#include "pipeline/whitening_geometry.h"
 
 namespace lumora {
 
@@ -28,11 +29,13 @@ class SkinMask {
   /// Makes it the mask of another face, in the memory that it has.
   void Make(const Face& face, const Ellipse& outer, int skin_luma, int width, int height);
 
-  /// What the mask covers: whole chroma samples, all within the frame. Outside, weights are 0.
+  /// What the mask covers: whole chroma samples, of which the last one may reach a pixel beyond a
+  /// frame with an odd side. Outside, weights are 0.
   const PixelRect& bounds() const { return bounds_; }
 
   /// The weights of a row of bounds(), as `bounds().width` numbers, before the pixels' own luma is
-  /// looked at. `y` is a row of the frame.
+  /// looked at. `y` is a row of the frame. They are 0 outside of the outer ellipse; a pixel beyond
+  /// the frame has the weight of its neighbour in it.
   void Row(int y, float* weights) const;
 
   /// The share that a pixel of that luma takes of its weight.
@@ -42,6 +45,9 @@ class SkinMask {
   void MakeGrid(const Face& face, const Ellipse& outer);
 
   PixelRect bounds_;
+  int width_ = 0;  // of the frame
+  int height_ = 0;
+  EllipseRows outer_;
   int step_ = 1;     // pixels from one number of the grid to the next
   int columns_ = 0;  // of the grid
   std::vector<float> grid_;

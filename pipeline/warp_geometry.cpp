@@ -64,6 +64,17 @@ int RollOf(const Face& face) {
   return static_cast<int>(std::lround(std::remainder(static_cast<double>(face.roll_degrees), 360)));
 }
 
+/// The radius of a warp in a frame of that width, as the engine gets it.
+double RadiusOf(int measure, const ChainConstants& chain, double frame_width) {
+  return std::min(measure * chain.radius_per_measure, kLargestRadius * frame_width);
+}
+
+/// The radius of a record's warp, as the number that SlimmingCircle tells.
+double ToldRadiusOf(const FACE_INFO_t& record, const ChainConstants& chain, int width) {
+  const int measure = std::max(record.dist, record.chin_dist);
+  return static_cast<double>(static_cast<float>(RadiusOf(measure, chain, AlignedSize(width))));
+}
+
 /// The circle of the preview chain, which the capture chain never leaves.
 std::optional<Circle> CircleOf(const Face& face, int width, int height) {
   if (!IsFinite(face)) return std::nullopt;
@@ -86,8 +97,7 @@ std::optional<Circle> CircleOf(const Face& face, int width, int height) {
   Circle circle;
   circle.centre = {std::max(1.f, std::round(centre.x)), std::max(1.f, std::round(centre.y))};
   circle.measure = std::max(1, static_cast<int>(std::lround(measure)));
-  circle.radius = std::min(circle.measure * kPreview.radius_per_measure,
-                           kLargestRadius * EngineFrame(width, height).width);
+  circle.radius = RadiusOf(circle.measure, kPreview, EngineFrame(width, height).width);
   return circle;
 }
 
@@ -119,8 +129,7 @@ Circle CaptureCircle(const Circle& preview, const EngineFrame& frame) {
     const auto fitting = static_cast<int>(blocks * kCaptureBlock / kCapture.radius_per_measure) - 1;
     circle.measure = std::min(circle.measure, fitting);
   }
-  circle.radius =
-      std::min(circle.measure * kCapture.radius_per_measure, kLargestRadius * frame.width);
+  circle.radius = RadiusOf(circle.measure, kCapture, frame.width);
   return circle;
 }
 
@@ -188,9 +197,16 @@ std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height,
   return measures;
 }
 
+PointF WarpCentre(const FACE_INFO_t& record) {
+  return {static_cast<float>(record.loc_x), static_cast<float>(record.loc_y)};
+}
+
+double PreviewRadius(const FACE_INFO_t& record, int width) {
+  return ToldRadiusOf(record, kPreview, width);
+}
+
 double CaptureRadius(const FACE_INFO_t& record, int width) {
-  return std::min(std::max(record.dist, record.chin_dist) * kCapture.radius_per_measure,
-                  kLargestRadius * AlignedSize(width));
+  return ToldRadiusOf(record, kCapture, width);
 }
 
 WarpCircle SlimmingCircle(const Face& face, int frame_width, int frame_height) {

@@ -29,7 +29,10 @@ struct WarpMeasures {
 std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height, int slim,
                                         Chain chain);
 
-/// The radius of the warp that the engine draws from a record in a capture, in pixels.
+/// The circle of the warp that the engine draws from a record in a frame of that width, in pixels.
+/// The radius is that of SlimmingCircle in a preview, and never larger in a capture.
+PointF WarpCentre(const FACE_INFO_t& record);
+double PreviewRadius(const FACE_INFO_t& record, int width);
 double CaptureRadius(const FACE_INFO_t& record, int width);
 
 }  // namespace lumora

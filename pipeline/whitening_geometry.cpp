@@ -94,6 +94,29 @@ SampleSquare SampleSquareOf(const FACE_INFO_t& record) {
   return square;
 }
 
+EllipseRows::EllipseRows(const Ellipse& ellipse)
+    : centre_x_(static_cast<double>(ellipse.centre.x)),
+      centre_y_(static_cast<double>(ellipse.centre.y)) {
+  constexpr double kHeld = 1 - 1e-4;
+  const double along = kHeld * static_cast<double>(ellipse.half_along);
+  const double across = kHeld * static_cast<double>(ellipse.half_across);
+  area_ = along * across;
+  if (!(area_ > 0)) return;
+  const double angle = static_cast<double>(ellipse.angle_degrees) / kDegreesPerRadian;
+  const double cosine = std::cos(angle), sine = std::sin(angle);
+  across2_ = std::pow(cosine / along, 2) + std::pow(sine / across, 2);
+  mixed_ = 2 * cosine * sine * (1 / (along * along) - 1 / (across * across));
+}
+
+RowSpan EllipseRows::Row(int y, int width) const {
+  if (!(area_ > 0)) return {};
+  const double dy = y + 0.5 - centre_y_;
+  // A quarter of the discriminant, in which all but this cancels out.
+  const double left = across2_ - std::pow(dy / area_, 2);
+  if (left < 0) return {};
+  return SpanAround(centre_x_ - mixed_ * dy / (2 * across2_), std::sqrt(left) / across2_, width);
+}
+
 std::array<Ellipse, 7> WhiteningEllipses(const Face& face) {
   if (!IsFinite(face)) return {};
   return EllipsesOf(LandmarkRecord(face));

@@ -7,6 +7,7 @@
 
 #include "lumora/engine/face_info.h"
 #include "pipeline/face.h"
+#include "pipeline/row_span.h"
 
 namespace lumora {
 
@@ -30,6 +31,25 @@ inline float PositionIn(const Ellipse& ellipse, float cos_angle, float sin_angle
   const float across = (cos_angle * y - sin_angle * x) / ellipse.half_across;
   return std::sqrt(along * along + across * across);
 }
+
+/// The rows of an ellipse. Without its outermost ten-thousandth, so that whoever computes with
+/// fewer digits finds no pixel of it outside.
+class EllipseRows {
+ public:
+  EllipseRows() = default;  ///< of an ellipse that holds nothing
+  explicit EllipseRows(const Ellipse& ellipse);
+
+  /// The columns of row `y`, of `width` pixels, whose centres lie in the ellipse.
+  RowSpan Row(int y, int width) const;
+
+ private:
+  // Its points are those with across2 dx^2 + mixed dx dy + down2 dy^2 < 1, from the centre.
+  double centre_x_ = 0;
+  double centre_y_ = 0;
+  double across2_ = 0;
+  double mixed_ = 0;
+  double area_ = 0;  // of the rectangle of both half axes; 0 for an ellipse that holds nothing
+};
 
 }  // namespace lumora
 

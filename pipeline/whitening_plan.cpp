@@ -120,7 +120,7 @@ void PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
     job.record = face.record;
     job.intensity_level = intensity;
     job.saturation_level = saturation;
-    job.mask.Make(face.face, outer, means.luma, frame.width(), frame.height());
+    job.mask.Make(face.face, outer, means.luma, frame.frame_width(), frame.frame_height());
   }
   jobs->resize(count);
 }

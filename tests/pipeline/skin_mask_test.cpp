@@ -10,6 +10,8 @@
 
 #include "pipeline/landmarks.h"
 #include "pipeline/merge.h"
+#include "pipeline/random_faces.h"
+#include "pipeline/touched_area.h"
 #include "pipeline/whitening_geometry.h"
 
 namespace lumora::test {
@@ -117,6 +119,51 @@ TEST(SkinMask, StaysInTheFrameForFacesAtEveryEdge) {
   }
 }
 
+TEST(SkinMask, WeighsNothingOutsideTheEllipseThatIsTold) {
+  RandomFaces random(3);
+  const int width = 1281, height = 959;
+  SkinMask mask;
+  std::vector<float> row;
+  int64_t inside = 0;
+  for (int i = 0; i < 1500; ++i) {
+    const Face face = random.In(width, height);
+    const Ellipse outer = WhiteningEllipses(face)[kFaceEllipse];
+    if (outer.half_along == 0) continue;
+    mask.Make(face, outer, kSkin, width, height);
+    const PixelRect& bounds = mask.bounds();
+    if (bounds.width == 0 || bounds.height == 0) continue;
+    row.resize(static_cast<size_t>(bounds.width));
+    for (int sample = 0; sample < 8; ++sample) {
+      const int y = std::min(bounds.y + random.WholeBetween(0, bounds.height - 1), height - 1);
+      mask.Row(y, row.data());
+      for (int x = bounds.x; x < std::min(bounds.x + bounds.width, width); ++x) {
+        const float weight = row[static_cast<size_t>(x - bounds.x)];
+        if (weight == 0) continue;
+        ASSERT_TRUE(Holds(outer, x + 0.5, y + 0.5))
+            << weight << " at " << x << ", " << y << " of face " << i;
+        ++inside;
+      }
+    }
+  }
+  EXPECT_GT(inside, 100000);
+}
+
+TEST(SkinMask, WeighsEveryPixelOfTheEllipseButItsOutermostOnes) {
+  const Portrait portrait({60, 150}, {310, 170});
+  const PixelRect& bounds = portrait.mask.bounds();
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) {
+      Ellipse inner = portrait.outer;
+      inner.half_along *= 0.95f;
+      inner.half_across *= 0.95f;
+      if (!Holds(inner, x + 0.5, y + 0.5)) continue;
+      ASSERT_GT(portrait.WeightAt({static_cast<float>(x), static_cast<float>(y)}), 0)
+          << x << ", " << y;
+    }
+  }
+  EXPECT_GT(bounds.width, 160) << "no grid was interpolated";
+}
+
 class MergeTest : public ::testing::Test {
  protected:
   MergeTest() : frame_(Filled(60, 100)), processed_(Filled(160, 140)) {}
@@ -169,6 +216,45 @@ TEST_F(MergeTest, BlendingMovesEachPixelByItsWeight) {
       ASSERT_NEAR(frame_.luma()[y * kWidth + x], 60 + weight * 100, 0.51) << x << ", " << y;
     }
   }
+}
+
+TEST(Blend, KeepsEverySampleOutsideTheEllipseInFramesOfOddSides) {
+  RandomFaces random(4);
+  const int width = 701, height = 503, chroma_width = (width + 1) / 2;
+  const std::vector<uint8_t> luma(static_cast<size_t>(width * height), 200);
+  const std::vector<uint8_t> chroma(static_cast<size_t>(chroma_width * (height + 1)), 200);
+  const ConstFrameView view = {PixelFormat::NV21,
+                               width,
+                               height,
+                               {luma.data(), chroma.data(), nullptr},
+                               {width, 2 * chroma_width, 0}};
+  PaddedFrame before, processed, frame;
+  before.Load(view);
+  processed.Load(view);
+  std::fill_n(processed.luma(), processed.width() * processed.height() * 3 / 2, uint8_t{0});
+  std::vector<float> memory;
+  int changed = 0;
+  for (int i = 0; i < 60; ++i) {
+    const std::vector<Face> faces = {random.In(width, height)};
+    const SkinMask mask(faces[0], WhiteningEllipses(faces[0])[kFaceEllipse], kSkin, width, height);
+    frame.Copy(before);
+    Blend(processed, mask, &frame, &memory);
+    const TouchedArea area(faces, {}, width, height);
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        const int row_start = frame.width() * y;
+        if (frame.luma()[row_start + x] != 200) {
+          ++changed;
+          ASSERT_TRUE(area.HoldsPixel(x, y)) << x << ", " << y << " of face " << i;
+        }
+        const int chroma_start = frame.width() * (y / 2);
+        if (frame.chroma()[chroma_start + x] != 200) {
+          ASSERT_TRUE(area.HoldsChroma(x / 2, y / 2)) << x << ", " << y << " of face " << i;
+        }
+      }
+    }
+  }
+  EXPECT_GT(changed, 100000);
 }
 
 }  // namespace

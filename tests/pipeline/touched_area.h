@@ -1,4 +1,4 @@
-// Which pixels of a frame faces may change.
+// Which samples of a frame faces may change.
 #ifndef LUMORA_TESTS_PIPELINE_TOUCHED_AREA_H_
 #define LUMORA_TESTS_PIPELINE_TOUCHED_AREA_H_
 
@@ -11,40 +11,57 @@
 
 namespace lumora::test {
 
+/// Whether a point lies within an ellipse; nothing lies in one without axes.
+inline bool Holds(const Ellipse& ellipse, double x, double y) {
+  if (ellipse.half_along == 0) return false;
+  const double angle = static_cast<double>(ellipse.angle_degrees) * 0.017453292519943295;
+  const double dx = x - static_cast<double>(ellipse.centre.x);
+  const double dy = y - static_cast<double>(ellipse.centre.y);
+  const double along = std::cos(angle) * dx + std::sin(angle) * dy;
+  const double across = std::cos(angle) * dy - std::sin(angle) * dx;
+  return std::hypot(along / static_cast<double>(ellipse.half_along),
+                    across / static_cast<double>(ellipse.half_across)) < 1;
+}
+
+/// Whether a point lies in a circle; nothing lies in one without a radius.
+inline bool Holds(const WarpCircle& circle, double x, double y) {
+  return circle.radius > 0 &&
+         std::hypot(x - static_cast<double>(circle.centre.x),
+                    y - static_cast<double>(circle.centre.y)) <= static_cast<double>(circle.radius);
+}
+
 /// The outer ellipses of the faces that are whitened and the circles of those that are slimmed.
 class TouchedArea {
  public:
   TouchedArea(const std::vector<Face>& whitened, const std::vector<Face>& slimmed, int width,
-              int height) {
+              int height)
+      : width_(width), height_(height) {
     for (const Face& face : whitened) ellipses_.push_back(WhiteningEllipses(face)[kFaceEllipse]);
     for (const Face& face : slimmed) circles_.push_back(SlimmingCircle(face, width, height));
   }
 
-  bool Holds(int x, int y) const {
-    const double px = x + 0.5, py = y + 0.5;
+  /// Whether there is such a pixel and its centre lies in the area.
+  bool HoldsPixel(int x, int y) const {
+    if (x >= width_ || y >= height_) return false;
     for (const WarpCircle& circle : circles_) {
-      if (std::hypot(px - static_cast<double>(circle.centre.x),
-                     py - static_cast<double>(circle.centre.y)) <=
-          static_cast<double>(circle.radius)) {
-        return true;
-      }
+      if (Holds(circle, x + 0.5, y + 0.5)) return true;
     }
     for (const Ellipse& ellipse : ellipses_) {
-      if (ellipse.half_along == 0) continue;
-      const double angle = static_cast<double>(ellipse.angle_degrees) * 0.017453292519943295;
-      const double dx = px - static_cast<double>(ellipse.centre.x);
-      const double dy = py - static_cast<double>(ellipse.centre.y);
-      const double along = std::cos(angle) * dx + std::sin(angle) * dy;
-      const double across = std::cos(angle) * dy - std::sin(angle) * dx;
-      if (std::hypot(along / static_cast<double>(ellipse.half_along),
-                     across / static_cast<double>(ellipse.half_across)) < 1) {
-        return true;
-      }
+      if (Holds(ellipse, x + 0.5, y + 0.5)) return true;
     }
     return false;
   }
 
+  /// Whether it holds one of the pixels, up to four, that a chroma sample stands for.
+  bool HoldsChroma(int column, int row) const {
+    const int x = 2 * column, y = 2 * row;
+    return HoldsPixel(x, y) || HoldsPixel(x + 1, y) || HoldsPixel(x, y + 1) ||
+           HoldsPixel(x + 1, y + 1);
+  }
+
  private:
+  int width_;
+  int height_;
   std::vector<Ellipse> ellipses_;
   std::vector<WarpCircle> circles_;
 };
@@ -64,7 +81,7 @@ inline AreaChanges CountChanges(const Samples& before, const Samples& after, int
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       const auto i = static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
-      if (before.y[i] != after.y[i]) count(area.Holds(x, y));
+      if (before.y[i] != after.y[i]) count(area.HoldsPixel(x, y));
     }
   }
   const int chroma_width = (width + 1) / 2;
@@ -73,9 +90,7 @@ inline AreaChanges CountChanges(const Samples& before, const Samples& after, int
       const auto i =
           static_cast<size_t>(y) * static_cast<size_t>(chroma_width) + static_cast<size_t>(x);
       if (before.cb[i] == after.cb[i] && before.cr[i] == after.cr[i]) continue;
-      // A chroma sample stands for four pixels and is taken from one of them.
-      count(area.Holds(2 * x, 2 * y) || area.Holds(2 * x + 1, 2 * y) ||
-            area.Holds(2 * x, 2 * y + 1) || area.Holds(2 * x + 1, 2 * y + 1));
+      count(area.HoldsChroma(x, y));
     }
   }
   return changes;
