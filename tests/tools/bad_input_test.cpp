@@ -137,6 +137,64 @@ TEST(BadInput, CommandLinesWithoutSenseEndWithCode2) {
   EXPECT_THAT(folder.Names(), testing::ElementsAre("in.png"));
 }
 
+TEST(BadInput, AWordThatIsNoCommandIsQuotedWithThoseThereAre) {
+  const char* const kCommands =
+      "the commands are photo, video, rectify, convert, demo, doctor, bench";
+  for (const char* word : {"Photo", ""}) {
+    SCOPED_TRACE(word);
+    const Result result = RunLumora({word, "-o", "out.png"});
+    ExpectOneLineOfError(result, 2, "there is no \"" + std::string(word) + "\"");
+    EXPECT_THAT(result.err, HasSubstr(kCommands));
+    EXPECT_EQ(RunLumora({"help", word}).err, result.err);
+  }
+  ExpectOneLineOfError(RunLumora({}), 2, std::string("a command is missing; ") + kCommands);
+  ExpectOneLineOfError(RunLumora({"--polish"}), 2, "--polish: not known");
+}
+
+TEST(BadInput, ANumberThatIsNoneIsQuoted) {
+  const Folder folder;
+  const std::string in = folder.Put("in.png", PngOf(Landscape(64, 64)));
+  const std::string out = folder / "out.png";
+  const struct {
+    std::vector<std::string> command;
+    std::vector<const char*> options;
+  } kCommands[] = {
+      {{"photo", in, "-o", out}, {"--slim", "--whiten", "--saturate"}},
+      {{"video", in, "-o", out}, {"--slim", "--detect-every"}},
+      {{"rectify", in, "-o", out}, {"--degree", "--camera", "--radial"}},
+      {{"demo", folder / "demo"}, {"--slim", "--whiten", "--saturate", "--size", "--capture"}},
+      {{"bench"}, {"--seconds", "--largest"}},
+  };
+  for (const auto& [command, options] : kCommands) {
+    for (const char* option : options) {
+      std::vector<std::string> words = command;
+      words.insert(words.end(), {option, "nan"});
+      ExpectOneLineOfError(RunLumora(words), 2, std::string(option) + ": \"nan\" is not ");
+    }
+  }
+  for (const char* value : {"0x40x64", "64x", "nanxnan", "9999999999x64"}) {
+    ExpectOneLineOfError(
+        RunLumora({"convert", folder / "f.nv21", "-o", out, "--to", "rgb", "--size", value}), 2,
+        "--size: expected WIDTHxHEIGHT");
+  }
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("in.png"));
+}
+
+TEST(BadInput, AnEmptyValueIsNotTakenForNone) {
+  const Folder folder;
+  const std::string in = folder.Put("in.png", PngOf(Landscape(64, 64)));
+  const std::string out = folder / "out.png";
+  ExpectOneLineOfError(RunLumora({"photo", "", "-o", out}), 2, "IN: the value is empty");
+  ExpectOneLineOfError(RunLumora({"photo", in, "-o", ""}), 2, "--output: the value is empty");
+  for (const char* option : {"--faces", "--compare", "--explain"}) {
+    ExpectOneLineOfError(RunLumora({"photo", in, "-o", out, option, ""}), 2,
+                         std::string(option) + ": the value is empty");
+  }
+  ExpectOneLineOfError(RunLumora({"video", in, "-o", out, "--faces", ""}), 2, "--faces");
+  ExpectOneLineOfError(RunLumora({"demo", ""}), 2, "DIR: the value is empty");
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("in.png"));
+}
+
 TEST(BadInput, AnUnwritableResultIsReportedBeforeTheInputIsRead) {
   const Folder folder;
   const std::string in = folder / "does-not-exist.png";
@@ -251,6 +309,10 @@ TEST(Help, IsPrintedOnStandardOutput) {
   }
   EXPECT_THAT(photo.err, IsEmpty());
   EXPECT_THAT(RunLumora({"--version"}).out, HasSubstr("lumora "));
+  EXPECT_EQ(RunLumora({"help"}).out, general.out);
+  EXPECT_EQ(RunLumora({"help"}).exit_code, 0);
+  EXPECT_EQ(RunLumora({"help", "photo"}).out, photo.out);
+  EXPECT_EQ(RunLumora({"help", "photo"}).exit_code, 0);
 }
 
 }  // namespace

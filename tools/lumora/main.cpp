@@ -1,9 +1,10 @@
 // lumora: face effects on pictures and clips, on the command line.
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <algorithm>
 #include <exception>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/failure.h"
@@ -21,6 +22,54 @@ namespace {
 constexpr AddCommand kCommands[] = {AddPhoto, AddVideo,  AddRectify, AddConvert,
                                     AddDemo,  AddDoctor, AddBench};
 
+using Words = std::vector<std::string>;
+
+bool IsOption(const std::string& word) {
+  return !word.empty() && word.front() == '-';
+}
+
+/// The arguments; `help` and `help COMMAND` are other ways to ask for --help.
+Words WordsOf(int argc, char** argv) {
+  Words words(argv + std::min(argc, 1), argv + argc);
+  if (words.empty() || words.front() != "help") return words;
+  const bool about_command = words.size() > 1 && words[1] != "help" && !IsOption(words[1]);
+  return about_command ? Words{words[1], "--help"} : Words{"--help"};
+}
+
+/// Throws Failure (Usage) unless the first word is one of the commands or an option of the program.
+void CheckFirstWord(const CLI::App& program, const Words& words) {
+  if (!words.empty() && IsOption(words.front())) return;
+  std::string names;
+  for (const CLI::App* const command : program.get_subcommands({})) {
+    if (!words.empty() && words.front() == command->get_name()) return;
+    names += (names.empty() ? "" : ", ") + command->get_name();
+  }
+  throw Failure(ExitCode::Usage,
+                (words.empty() ? "a command is missing" : "there is no \"" + words.front() + "\"") +
+                    "; the commands are " + names + " (see lumora --help)");
+}
+
+/// Throws Failure (Usage) for a value like that of `--faces "$FACES"` where the variable is unset:
+/// it asks for something and does not say what.
+void CheckNoneIsEmpty(const CLI::App& command) {
+  for (const CLI::Option* const option : command.get_options()) {
+    for (const std::string& value : option->results()) {
+      if (value.empty())
+        throw Failure(ExitCode::Usage, option->get_name() + ": the value is empty");
+    }
+  }
+}
+
+/// What the parser found wrong, as a sentence.
+std::string Sentence(const CLI::App& program, const CLI::ParseError& error) {
+  const auto used = program.get_subcommands();
+  if (used.empty() && !program.remaining().empty()) {
+    return program.remaining().front() + ": not known, or not before a command (see lumora --help)";
+  }
+  return std::string(error.what()) + " (see lumora " +
+         (used.empty() ? "" : used.front()->get_name() + " ") + "--help)";
+}
+
 int Run(int argc, char** argv) {
   CLI::App program("Retouches faces in pictures and clips, on the GPU or on what stands in for it.",
                    "lumora");
@@ -29,15 +78,16 @@ int Run(int argc, char** argv) {
   program.footer(kExitCodes);
   Action action;
   for (const AddCommand add : kCommands) add(program, &action);
+  Words words = WordsOf(argc, argv);
+  CheckFirstWord(program, words);
   try {
-    program.parse(argc, argv);
+    std::reverse(words.begin(), words.end());  // the order in which the parser takes them
+    program.parse(words);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return program.exit(error);  // --help and --version
-    const auto used = program.get_subcommands();
-    Complain(std::string(error.what()) + " (see lumora " +
-             (used.empty() ? "" : used.front()->get_name() + " ") + "--help)");
-    return static_cast<int>(ExitCode::Usage);
+    throw Failure(ExitCode::Usage, Sentence(program, error));
   }
+  CheckNoneIsEmpty(*program.get_subcommands().front());
   return static_cast<int>(action());
 }
 

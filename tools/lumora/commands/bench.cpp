@@ -13,6 +13,7 @@
 
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
+#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
 
@@ -168,14 +169,9 @@ void AddBench(CLI::App& program, Action* action) {
   CLI::App* command =
       program.add_subcommand("bench", "Measure how fast the effects are on this machine");
   auto options = std::make_shared<BenchOptions>();
-  command->add_option("--seconds", options->seconds, "how long to measure each case")
-      ->check(CLI::Range(0.0, 600.0))
-      ->capture_default_str();
-  command
-      ->add_option("--largest", options->largest,
-                   "leave out captures of more megapixels than this; 0 leaves out all")
-      ->check(CLI::Range(0, 48))
-      ->capture_default_str();
+  AddDecimal(*command, "--seconds", &options->seconds, 0, 600, "how long to measure each case");
+  AddWhole(*command, "--largest", &options->largest, 0, 48,
+           "leave out captures of more megapixels than this; 0 leaves out all");
   command->add_flag("--json", options->json, "print the figures for machines");
   command->footer(kExitCodes);
   command->callback([options, action] { *action = [options] { return Bench(*options).Run(); }; });

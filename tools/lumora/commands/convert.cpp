@@ -1,7 +1,7 @@
 // lumora convert: a picture or a raw frame in, its colours in another form out.
 #include <unistd.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <opencv2/imgproc.hpp>
@@ -14,6 +14,7 @@
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
+#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/places.h"
 #include "tools/lumora/support/talk.h"
 
@@ -35,17 +36,18 @@ std::string Ending(const std::string& path) {
 }
 
 cv::Size ParseSize(const std::string& text) {
-  int width = 0, height = 0, end = 0;
-  const bool whole = std::sscanf(text.c_str(), "%6dx%6d%n", &width, &height, &end) == 2 &&
-                     static_cast<size_t>(end) == text.size();
-  if (!whole) throw Misused("--size: expected WIDTHxHEIGHT, like 640x480");
-  if (width < kSmallestSide || height < kSmallestSide) {
+  const size_t cross = std::min(text.find('x'), text.size());
+  const std::optional<int> width = WholeNumber(text.substr(0, cross));
+  const std::optional<int> height =
+      cross < text.size() ? WholeNumber(text.substr(cross + 1)) : std::nullopt;
+  if (!width || !height) throw Misused("--size: expected WIDTHxHEIGHT, like 640x480");
+  if (*width < kSmallestSide || *height < kSmallestSide) {
     throw Misused("--size: at least 32 x 32 pixels are needed");
   }
-  if (static_cast<int64_t>(width) * height > kMostPixels) {
+  if (static_cast<int64_t>(*width) * *height > kMostPixels) {
     throw Misused("--size: more than 200 million pixels");
   }
-  return {width, height};
+  return {*width, *height};
 }
 
 /// The frame to convert, with the memory behind it.

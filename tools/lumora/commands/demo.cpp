@@ -13,6 +13,7 @@
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
+#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
@@ -155,19 +156,15 @@ void AddDemo(CLI::App& program, Action* action) {
   command->add_option("DIR", options->folder, "folder for the pictures; it is made if need be")
       ->required();
   const auto scale = [command](const char* name, int* value, const char* help) {
-    command->add_option(name, *value, help)->check(CLI::Range(0, 100))->capture_default_str();
+    AddWhole(*command, name, value, 0, 100, help);
   };
   scale("--slim", &options->look.slim, "how much cheeks and chin are narrowed");
   scale("--whiten", &options->look.whiten, "how much the skin is brightened");
   scale("--saturate", &options->look.saturate, "how much richer its colour gets");
-  command->add_option("--size", options->size, "width and height of a portrait in pixels")
-      ->check(CLI::Range(kSmallest, kLargest))
-      ->capture_default_str();
-  command
-      ->add_option("--capture", options->capture,
-                   "width of the large still in pixels; 0 leaves it out")
-      ->check(CLI::Range(0, 2 * kLargest))
-      ->capture_default_str();
+  AddWhole(*command, "--size", &options->size, kSmallest, kLargest,
+           "width and height of a portrait in pixels");
+  AddWhole(*command, "--capture", &options->capture, 0, 2 * kLargest,
+           "width of the large still in pixels; 0 leaves it out");
   command->footer(kExitCodes);
   command->callback([options, action] { *action = [options] { return Demo(*options).Run(); }; });
 }

@@ -10,6 +10,7 @@
 #include "tools/lumora/picture/picture_edit.h"
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
+#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
 
@@ -77,21 +78,15 @@ void AddRectify(CLI::App& program, Action* action) {
                    "picture to write, .jpg, .jpeg or .png; - is standard output, in IN's format")
       ->required();
   CLI::Option_group* how = command->add_option_group("how", "exactly one of");
-  how->add_option(
-         "--degree", options->degree,
-         "-100 to 100: lines that run together; above 0 widens the left side, below 0 the\n"
-         "right, by so many hundredths of the picture at both ends")
-      ->check(CLI::Range(-100, 100));
-  how->add_option(
-         "--radial", options->radial,
-         "k0,k1,k2,k3: bent lines; a point is taken from k0 + k1 s + k2 s^2 + k3 s^3 times\n"
-         "its distance from the middle, s its square, 1 in the corners")
-      ->delimiter(',')
-      ->expected(4);
-  how->add_option("--camera", options->camera,
-                  "0 or 1: bent lines, by the parameter file of this device's camera (below\n"
-                  "LUMORA_SYSTEM_ROOT), or usual coefficients where there is none")
-      ->check(CLI::Range(0, 1));
+  AddWhole(*how, "--degree", &options->degree, -100, 100,
+           "lines that run together; above 0 widens the left side, below 0 the right, by so\n"
+           "many hundredths of the picture at both ends");
+  AddDecimalList(*how, "--radial", &options->radial, 4, "k0,k1,k2,k3",
+                 "bent lines; a point is taken from k0 + k1 s + k2 s^2 + k3 s^3 times its\n"
+                 "distance from the middle, s its square, 1 in the corners");
+  AddWhole(*how, "--camera", &options->camera, 0, 1,
+           "bent lines, by the parameter file of this device's camera (below\n"
+           "LUMORA_SYSTEM_ROOT), or usual coefficients where there is none");
   how->require_option(1);
   command->add_option("--compare", options->compare,
                       "also write a picture with before and after side by side");

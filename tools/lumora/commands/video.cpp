@@ -10,6 +10,7 @@
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/look_options.h"
+#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/places.h"
 #include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
@@ -174,11 +175,8 @@ void AddVideo(CLI::App& program, Action* action) {
   options->look.AddTo(*command);
   command->add_option("--faces", options->faces,
                       "FILE.jsonl: take the faces from there instead of looking for them");
-  command
-      ->add_option("--detect-every", options->detect_every,
-                   "look for faces in every n-th frame and follow them in between")
-      ->check(CLI::Range(1, 1000))
-      ->capture_default_str();
+  AddWhole(*command, "--detect-every", &options->detect_every, 1, 1000,
+           "look for faces in every n-th frame and follow them in between");
   command
       ->add_option("--range", options->range,
                    "range of the samples: full, limited, or auto (as the clip says, else limited)")

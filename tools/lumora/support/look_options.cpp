@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "tools/lumora/support/failure.h"
+#include "tools/lumora/support/number_options.h"
 
 namespace lumora::tools {
 namespace {
@@ -48,7 +49,7 @@ Look Preset(const std::string& name) {
 
 void LookOptions::AddTo(CLI::App& command) {
   const auto scale = [&command](const char* name, std::optional<int>* value, const char* help) {
-    command.add_option(name, *value, help)->check(CLI::Range(0, 100));
+    AddWhole(command, name, value, 0, 100, help);
   };
   scale("--slim", &slim_, "how much cheeks and chin are narrowed, 0 (exactly off) to 100");
   scale("--whiten", &whiten_, "how much the skin is brightened, 0 (exactly off) to 100");
