@@ -104,6 +104,11 @@ TEST(SlimmingCapture, ManyFaces) {
   ExpectSlimmed(160, 120, faces, 8);
 }
 
+// Where a coordinate's 16 bits are 1/22 of a pixel apart.
+TEST(SlimmingCapture, SixMegapixels) {
+  ExpectSlimmed(3000, 2000, {SlimmingFace(1400, 700, 300, 280)}, 10);
+}
+
 TEST(SlimmingCapture, TwelveMegapixels) {
   ExpectSlimmed(4000, 3000, {SlimmingFace(3900, 2950, 380, 300)}, 8);
 }

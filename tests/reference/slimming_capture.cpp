@@ -26,18 +26,14 @@ ImageBounds DrawBlock(const CaptureSize& size, const SlimmerUniforms& uniforms,
 // The texels that nearest filtering may answer with.
 TexelBounds Nearest(const Sampler& sampler, Vec2 place,
                     const std::function<TexelBounds(const Texel&)>& shader) {
-  const double dx = kCaptureSlack / sampler.image->width;
-  const double dy = kCaptureSlack / sampler.image->height;
   TexelBounds result = shader(sampler.sample(place));
-  const auto inner = [](double texels) {
-    const double part = texels - std::floor(texels);
-    return part > kCaptureSlack && part < 1.0 - kCaptureSlack;
+  const auto inner = [](double coordinate, int size) {
+    return std::floor((coordinate - kCaptureSlack) * size) ==
+           std::floor((coordinate + kCaptureSlack) * size);
   };
-  if (inner(place.x * sampler.image->width) && inner(place.y * sampler.image->height)) {
-    return result;
-  }
-  for (const double x : {place.x - dx, place.x + dx}) {
-    for (const double y : {place.y - dy, place.y + dy}) {
+  if (inner(place.x, sampler.image->width) && inner(place.y, sampler.image->height)) return result;
+  for (const double x : {place.x - kCaptureSlack, place.x + kCaptureSlack}) {
+    for (const double y : {place.y - kCaptureSlack, place.y + kCaptureSlack}) {
       result.include(shader(sampler.sample({x, y})));
     }
   }

@@ -8,9 +8,11 @@
 
 namespace lumora::reference {
 
-/// How far sample positions may be off, in texels: coordinates are single-precision numbers of a
-/// few operations, here on pictures of some thousand texels.
-constexpr double kCaptureSlack = 1.0 / 32;
+/// How far sample positions may be off, in texture coordinates. OpenGL ES 2.0 asks of a highp
+/// number 16 bits behind the first: samplers that look a place up with so many of its bits are
+/// right, and there are some. The warp itself is some twenty operations on single-precision
+/// numbers, a small share of that.
+constexpr double kCaptureSlack = 1.0 / (1 << 16) + 1.0 / (1 << 19);
 
 class SlimmingCaptureModel {
  public:

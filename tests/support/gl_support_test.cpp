@@ -1,11 +1,13 @@
 // The GL helpers, and the sampler model against the driver's samplers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <tuple>
 
 #include "reference/bounds.h"
 #include "reference/quad.h"
+#include "reference/slimming_capture.h"
 #include "support/compare.h"
 #include "support/gl_test.h"
 #include "support/pictures.h"
@@ -29,18 +31,27 @@ GLuint Shader(GLenum type, const char* text) {
   return shader;
 }
 
-// Draws the bound texture's surroundings over the whole viewport.
-void DrawSurroundings() {
+GLuint UsedProgram(const char* fragment_shader) {
   const GLuint program = glCreateProgram();
   glAttachShader(program, Shader(GL_VERTEX_SHADER, kVertexShader));
-  glAttachShader(program, Shader(GL_FRAGMENT_SHADER, kFragmentShader));
+  glAttachShader(program, Shader(GL_FRAGMENT_SHADER, fragment_shader));
   glLinkProgram(program);
   glUseProgram(program);
+  return program;
+}
+
+// Draws over the whole viewport with the program in use.
+void DrawOver(GLuint program) {
   static const float kPositions[] = {-1, -1, 1, -1, -1, 1, 1, 1};
   const GLuint position = static_cast<GLuint>(glGetAttribLocation(program, "position"));
   glVertexAttribPointer(position, 2, GL_FLOAT, GL_FALSE, 0, kPositions);
   glEnableVertexAttribArray(position);
   glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+}
+
+// Draws the bound texture's surroundings.
+void DrawSurroundings() {
+  DrawOver(UsedProgram(kFragmentShader));
 }
 
 class GlObjects : public GlTest {};
@@ -113,6 +124,50 @@ INSTANTIATE_TEST_SUITE_P(AllModes, SamplerModel,
                                                               Wrap::MirroredRepeat, Wrap::Repeat),
                                             ::testing::Values(Filter::Nearest, Filter::Linear)),
                          ModeName);
+
+// Looks along a row of texels up close, a texel's width to both sides of a border.
+constexpr const char* kBorderShader =
+    "precision highp float; uniform sampler2D image; uniform float border, step;"
+    "void main() {"
+    "  gl_FragColor = texture2D(image, vec2(border + (gl_FragCoord.x - 256.0) * step, 0.5)); }";
+
+class NearestSampling : public GlTest, public ::testing::WithParamInterface<int> {};
+
+// The bound that warps are compared with counts on it: places are found with 16 bits of a
+// coordinate or more. The share beyond them is the shader's own arithmetic.
+TEST_P(NearestSampling, FindsBordersWithSixteenBits) {
+  constexpr int kLooks = 512;
+  const int width = GetParam();
+  Image row(width, 1);
+  for (int x = 0; x < width; ++x) {
+    row.pixel(x, 0)[0] = static_cast<uint8_t>(x);
+    row.pixel(x, 0)[1] = static_cast<uint8_t>(x / 256);
+  }
+  const RenderTarget target(kLooks, 1);
+  const Texture texture(row, Filter::Nearest, Wrap::MirroredRepeat);
+  target.bind();
+  const GLuint program = UsedProgram(kBorderShader);
+  const auto step = static_cast<float>(2.0 / kLooks / width);
+  glUniform1f(glGetUniformLocation(program, "step"), step);
+  const double slack = reference::kCaptureSlack * width;
+  double farthest = 0;
+  for (int i = 1; i < 100; ++i) {
+    const auto border = static_cast<float>(static_cast<double>(i * (width - 1) / 100 + 1) / width);
+    glUniform1f(glGetUniformLocation(program, "border"), border);
+    DrawOver(program);
+    const Image seen = target.read();
+    for (int x = 0; x < kLooks; ++x) {
+      const double place = (double{border} + (x + 0.5 - kLooks / 2) * double{step}) * width;
+      const int texel = seen.pixel(x, 0)[0] + 256 * seen.pixel(x, 0)[1];
+      const double off = std::max({texel - place, place - (texel + 1), 0.0});
+      farthest = std::max(farthest, off);
+    }
+  }
+  EXPECT_LE(farthest, slack);
+}
+
+INSTANTIATE_TEST_SUITE_P(Widths, NearestSampling,
+                         ::testing::Values(64, 100, 1280, 2048, 3000, 4000));
 
 }  // namespace
 }  // namespace lumora::test
