@@ -1,6 +1,9 @@
 # Turns shader files into C++ constants.
 #
-#   cmake -DOUTPUT=<file.cpp> -DHEADER=<file.h> -DDIRECTORY=<shaders> -DSHADERS=<name:file[:outline],...> -P
+#   cmake -DOUTPUT=<file.cpp> -DHEADER=<file.h> -DEDITION=<file.h> -DVERSION=<library's version>
+#         -DDIRECTORY=<shaders> -DSHADERS=<name:file[:outline],...> -P
+#
+# The edition header says which library this is: its version and a digest of all texts.
 #
 # A line `#include "part"` is replaced by that part; `#outline "part"` by that part in an outline variant
 # and by nothing otherwise. Lines that hold only a // comment are left out: they are for readers.
@@ -70,4 +73,20 @@ namespace lumora::shaders {
 
 ${definitions}
 }  // namespace lumora::shaders
+")
+
+string(SHA256 digest "${definitions}")
+file(WRITE "${EDITION}" "// Made by the build from the shader files.
+#ifndef LUMORA_PLATFORM_EDITION_H_
+#define LUMORA_PLATFORM_EDITION_H_
+
+namespace lumora::platform {
+
+constexpr char kLibraryVersion[] = \"${VERSION}\";
+/// SHA-256 of all shader texts.
+constexpr char kShaderTextsDigest[] = \"${digest}\";
+
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_EDITION_H_
 ")

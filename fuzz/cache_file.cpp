@@ -1,8 +1,11 @@
-// Files of the program binary cache. Most inputs change the file that this driver made itself,
-// since one made of nothing is refused at its first bytes.
+// Files of the program binary cache and what vouches for them. Most inputs change what this driver
+// and the library made themselves. Whatever is not theirs to the last byte stays away from the
+// driver: it is told as refused, and the program is compiled.
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "fuzz/support/files.h"
 #include "fuzz/support/input.h"
@@ -20,25 +23,45 @@ using lumora::fuzz::Require;
 using Bytes = std::vector<uint8_t>;
 
 constexpr char kName[] = "prog_rgb2hsi.bin";
+constexpr char kSealName[] = "prog_rgb2hsi.bin.seal";
 
-/// A context, a cache, and the file that the driver wants there; empty where it has no binaries.
+/// A context, a cache, and the files that belong there; empty where the driver has no binaries.
 struct Surroundings {
   lumora::fuzz::ScratchFolder folder;
-  lumora::fuzz::MemoryFile memory;
   android::GPUBeautyFace& engine = *new android::GPUBeautyFace;  // outlives the driver's own end
   Bytes good_file;
+  Bytes good_seal;
 
   Surroundings() {
     Require(engine.m_bEGLReady, "there is a context");
     lumora::platform::SetCacheDirectory(folder.path());
     GLProgRGB2HSI program;
     Require(program.Load(), "the program can be built");
-    std::ifstream file(folder.path() + "/" + kName, std::ios::binary);
-    good_file.assign(std::istreambuf_iterator<char>(file), {});
+    good_file = read(kName);
+    good_seal = read(kSealName);
+  }
+
+  Bytes read(const char* name) const {
+    std::ifstream file(folder.path() + "/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
   }
 };
 
-/// The good file with some bytes changed, cut or made longer.
+/// The part of a seal that vouches for the file, whatever it was compiled from: two lines.
+Bytes WithoutTexts(const Bytes& seal) {
+  auto end = seal.begin();
+  for (int line = 0; line < 2; ++line) {
+    end = std::find(end, seal.end(), uint8_t{'\n'});
+    if (end != seal.end()) ++end;
+  }
+  return {seal.begin(), end};
+}
+
+bool StartsWith(const Bytes& bytes, const Bytes& start) {
+  return bytes.size() >= start.size() && std::equal(start.begin(), start.end(), bytes.begin());
+}
+
+/// A good file with some bytes changed, cut or made longer.
 Bytes Changed(Bytes file, Input& input) {
   if (input.flag()) file.resize(input.take<uint16_t>() % (2 * file.size() + 2));
   while (!input.empty() && !file.empty()) {
@@ -62,26 +85,33 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static Surroundings around;  // its folder is removed at the end
   Input input(data, size);
   const bool whole_load = input.between(0, 7) == 0;
-  const Bytes file = input.flag() ? input.rest() : Changed(around.good_file, input);
+  const auto kind = input.take<uint8_t>() % 4;
+  Bytes file = around.good_file;
+  Bytes seal = around.good_seal;
+  Bytes& changed = kind < 2 ? file : seal;
+  changed = kind % 2 == 1 ? input.rest() : Changed(changed, input);
+  around.folder.write(kName, file);
+  around.folder.write(kSealName, seal);
 
+  GLProgRGB2HSI program;
   if (whole_load) {
-    around.folder.write(kName, file);
-    GLProgRGB2HSI program;
     Require(program.Load(), "a bad file never keeps a program from being built");
     Require(program.Use(), "the program can be used");
   } else {
-    around.memory.set(file);
-    std::string path = around.memory.path();
-    GLProgRGB2HSI program;
-    const bool loaded = program.LoadBinary(path.data());
-    Require(!loaded || file.size() > 4, "a file without a binary is refused");
-    Require(loaded || file != around.good_file || file.empty(), "the driver's own file is taken");
+    std::string path = around.folder.path() + "/" + kName;
+    const bool good = !around.good_file.empty() && file == around.good_file &&
+                      StartsWith(seal, WithoutTexts(around.good_seal)) &&
+                      seal.size() <= lumora::kMaxSealSize;
+    Require(program.LoadBinary(path.data()) == good, "the driver's own file is taken, no other");
     lumora::FileBytes bytes;
     const auto read = lumora::ReadCacheFile(path.c_str(), 4, &bytes);
     Require((read == lumora::ReadResult::Ok) == (file.size() >= 4), "files of four bytes are read");
-    Require(read != lumora::ReadResult::Ok ||
-                Bytes(bytes.data.get(), bytes.data.get() + bytes.size) == file,
-            "the file's bytes are read");
+    if (read == lumora::ReadResult::Ok) {
+      Require(Bytes(bytes.data.get(), bytes.data.get() + bytes.size) == file, "the file is read");
+      const bool short_enough = seal.size() <= lumora::kMaxSealSize;
+      Require(Bytes(bytes.seal, bytes.seal + bytes.seal_size) == (short_enough ? seal : Bytes()),
+              "its seal is read");
+    }
   }
   DeleteLeftovers();
   return 0;

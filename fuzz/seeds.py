@@ -191,6 +191,11 @@ def cache_file():
         seed("cache_file", f"three-bytes-{whole}", 1 - whole, 1, b"abc")
         seed("cache_file", f"format-only-{whole}", 1 - whole, 1, struct.pack("<I", 0x875F))
         seed("cache_file", f"text-{whole}", 1 - whole, 1, b"no program binary at all")
+        seed("cache_file", f"seal-cut-{whole}", 1 - whole, 2, 1, short(20))
+        seed("cache_file", f"seal-longer-{whole}", 1 - whole, 2, 1, short(100))
+        seed("cache_file", f"seal-changed-{whole}", 1 - whole, 2, 0, short(40), 1)
+        seed("cache_file", f"texts-changed-{whole}", 1 - whole, 2, 0, short(60), 1)
+        seed("cache_file", f"seal-text-{whole}", 1 - whole, 3, b"vouches for all")
 
 
 # The first byte of a record: its last two bits tell whether it is empty, the upper five how many numbers

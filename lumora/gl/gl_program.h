@@ -68,13 +68,15 @@ class LUMORA_API GLProgram {
   bool LocIsValid(const char* name, int loc);
 
   /// Writes the linked program to the cache file `path`: the 4-byte binary format, then the
-  /// driver's binary. The file appears whole (written beside its place and renamed) or not at all.
-  /// False when there is no program, the driver has no binaries to give, or the file cannot be
-  /// written.
+  /// driver's binary; and to `path`.seal what vouches for it. Each file appears whole (written
+  /// beside its place and renamed) or not at all. False when there is no program, the driver has no
+  /// binaries to give, or the files cannot be written. A file that was written by calling this
+  /// serves LoadBinary, but not Load, which asks for its own shader texts.
   bool SaveBinary(char* path);
 
   /// Replaces `m_hProgram` by the program in the cache file `path`. False when the file is missing
-  /// or not usable; the program is then to be compiled from source.
+  /// or not usable, which is all that this library's SaveBinary did not write for this driver, and
+  /// all that others may write; the program is then to be compiled from source.
   bool LoadBinary(char* path);
 
   unsigned int m_hProgram;                  ///< program name; -1 before Load, 0 after a failed one

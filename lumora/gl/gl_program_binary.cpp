@@ -1,13 +1,14 @@
 // The program binary cache of GLProgram: a file is the 32-bit binary format in the machine's byte
-// order, then the driver's bytes. A stale or foreign binary is noticed by the driver refusing it.
+// order, then the driver's bytes. The driver gets to see no bytes but those that it gave itself:
+// the file's seal tells.
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
 
-#include "lumora/gl/cache_file.h"
 #include "lumora/gl/gl_program.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/program_binary.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/settings.h"
 
@@ -27,70 +28,92 @@ bool DriverHasBinaries() {
   return formats > 0 && api.glGetProgramBinaryOES != nullptr && api.glProgramBinaryOES != nullptr;
 }
 
+/// Whether the driver makes a program of the bytes behind a file's format word.
+bool DriverTakes(GLuint program, const lumora::FileBytes& file) {
+  BinaryFormat format = 0;
+  std::memcpy(&format, file.data.get(), sizeof(format));
+  lumora::gl::Extensions().glProgramBinaryOES(program, format, file.data.get() + sizeof(format),
+                                              static_cast<GLint>(file.size - sizeof(format)));
+  GLint linked = GL_FALSE;
+  glGetProgramiv(program, GL_LINK_STATUS, &linked);
+  return linked != GL_FALSE;
+}
+
 }  // namespace
 
-bool GLProgram::SaveBinary(char* path) {
+namespace lumora {
+
+bool SaveProgramBinary(const GLProgram& program, const char* path, const ShaderTexts* texts) {
   if (!DriverHasBinaries()) return false;
-  if (glIsProgram(m_hProgram) == GL_FALSE) {
-    LOGE("[%s] invalid program id %d", "SaveBinary", static_cast<int>(m_hProgram));
+  const GLuint name = program.m_hProgram;
+  if (glIsProgram(name) == GL_FALSE) {
+    LOGE("[%s] invalid program id %d", "SaveBinary", static_cast<int>(name));
     return false;
   }
   GLint length = 0;
-  glGetProgramiv(m_hProgram, GL_PROGRAM_BINARY_LENGTH_OES, &length);
+  glGetProgramiv(name, GL_PROGRAM_BINARY_LENGTH_OES, &length);
   LOGI("[%s] binary length %d bytes", "SaveBinary", length);
 
   const size_t size = length > 0 ? static_cast<size_t>(length) : 0;
   const std::unique_ptr<unsigned char[]> binary(new (std::nothrow) unsigned char[size]());
   if (binary == nullptr) return false;
   GLenum driver_format = 0;
-  lumora::gl::Extensions().glGetProgramBinaryOES(m_hProgram, length, nullptr, &driver_format,
-                                                 binary.get());
-  LOGI("[%s] proram id %d, binary format is 0x%X", "SaveBinary", static_cast<int>(m_hProgram),
+  gl::Extensions().glGetProgramBinaryOES(name, length, nullptr, &driver_format, binary.get());
+  LOGI("[%s] proram id %d, binary format is 0x%X", "SaveBinary", static_cast<int>(name),
        driver_format);
+  // The driver kept its binary to itself: there is nothing to vouch for.
+  if (size == 0 || driver_format == 0) return false;
 
-  lumora::platform::MakeCacheDirectory();
+  platform::MakeCacheDirectory();
   const BinaryFormat format = driver_format;
-  switch (lumora::WriteCacheFile(path, &format, sizeof(format), binary.get(), size)) {
-    case lumora::WriteResult::Ok:
+  const ByteSpan head = {&format, sizeof(format)};
+  const ByteSpan body = {binary.get(), size};
+  const BinarySeal seal = SealOf(head, body, texts);
+  switch (WriteCacheFile(path, head, body, {seal.text, seal.size})) {
+    case WriteResult::Ok:
       return true;
-    case lumora::WriteResult::CannotOpen:
+    case WriteResult::CannotOpen:
       LOGE("[%s] can't open %s for writing", "SaveBinary", path);
       return false;
-    case lumora::WriteResult::CannotWrite:
+    case WriteResult::CannotWrite:
       break;
   }
   LOGE("[%s] can't write %s", "SaveBinary", path);
   return false;
 }
 
-bool GLProgram::LoadBinary(char* path) {
+bool LoadProgramBinary(GLProgram& program, const char* path, const ShaderTexts* texts) {
   if (!DriverHasBinaries()) return false;
-  lumora::FileBytes file;
-  switch (lumora::ReadCacheFile(path, sizeof(BinaryFormat), &file)) {
-    case lumora::ReadResult::CannotOpen:
+  FileBytes file;
+  switch (ReadCacheFile(path, sizeof(BinaryFormat), &file)) {
+    case ReadResult::CannotOpen:
       LOGE("[%s] can't open binary shader file %s", "LoadBinary", path);
       return false;
-    case lumora::ReadResult::BadLength:
+    case ReadResult::BadLength:
       LOGE("[%s] invalid shader length", "LoadBinary");
       return false;
-    case lumora::ReadResult::Ok:
+    case ReadResult::Ok:
       break;
   }
-  BinaryFormat format = 0;
-  std::memcpy(&format, file.data.get(), sizeof(format));
 
-  if (glIsProgram(m_hProgram) != GL_FALSE) glDeleteProgram(m_hProgram);
-  m_hProgram = glCreateProgram();
-  if (m_hProgram == 0) {
+  if (glIsProgram(program.m_hProgram) != GL_FALSE) glDeleteProgram(program.m_hProgram);
+  program.m_hProgram = glCreateProgram();
+  if (program.m_hProgram == 0) {
     LOGE("[%s] can't create program\n", "LoadBinary");
     return false;
   }
-  lumora::gl::Extensions().glProgramBinaryOES(m_hProgram, format, file.data.get() + sizeof(format),
-                                              static_cast<GLint>(file.size - sizeof(format)));
-  GLint linked = GL_FALSE;
-  glGetProgramiv(m_hProgram, GL_LINK_STATUS, &linked);
-  if (linked != GL_FALSE) return true;
+  if (IsVouchedFor(file, texts) && DriverTakes(program.m_hProgram, file)) return true;
   // The refused program object stays; compiling from source takes its place in m_hProgram.
   LOGE("[%s] can't load binary shader", "LoadBinary");
   return false;
+}
+
+}  // namespace lumora
+
+bool GLProgram::SaveBinary(char* path) {
+  return lumora::SaveProgramBinary(*this, path, nullptr);
+}
+
+bool GLProgram::LoadBinary(char* path) {
+  return lumora::LoadProgramBinary(*this, path, nullptr);
 }

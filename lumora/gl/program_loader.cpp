@@ -5,7 +5,9 @@
 
 #include "lumora/gl/gl_program.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/program_binary.h"
 #include "lumora/platform/gl_api.h"
+#include "lumora/platform/paths.h"
 #include "lumora/platform/settings.h"
 
 // Messages of Load carry no tag: the platform log then shows the process's own name.
@@ -48,12 +50,14 @@ bool LoadThroughCache(GLProgram& program, const ProgramDescription& description)
   // A directory too long for the path would name another file: such a cache is not used.
   const bool has_cache =
       !directory.empty() && length > 0 && length < static_cast<int>(sizeof(path));
-  if (has_cache && program.LoadBinary(path)) return true;
+  const ShaderTexts texts = {description.vertex_source, description.fragment_source};
+  if (has_cache) platform::NoteCacheUse();
+  if (has_cache && LoadProgramBinary(program, path, &texts)) return true;
 
   LOGD("[%s] load program binary fail, switch to normal compile mode", "Load");
   if (!CompileSource(program, description)) return false;
   LOGD("[%s] load shader success, cache the binary in file system for further usages", "Load");
-  if (has_cache) program.SaveBinary(path);
+  if (has_cache) SaveProgramBinary(program, path, &texts);
   return true;
 }
 

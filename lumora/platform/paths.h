@@ -6,9 +6,16 @@
 
 namespace lumora::platform {
 
-/// The cache directory where neither the application nor the environment names one; empty where the
-/// platform knows no such place.
+/// The cache directory that the application or the environment names; empty where neither does.
+std::string ChosenCacheDirectory();
+
+/// The cache directory where nobody names one; empty where the platform knows no such place.
 std::string DefaultCacheDirectory();
+
+/// Says that the programs of the current context are looked for in the cache directory now.
+/// (Linux: remembers that the default's level is in use, and removes levels that nobody has used
+/// for a month.)
+void NoteCacheUse();
 
 }  // namespace lumora::platform
 

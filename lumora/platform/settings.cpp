@@ -50,8 +50,12 @@ DirectorySetting& RootSetting() {
 
 }  // namespace
 
+std::string ChosenCacheDirectory() {
+  return CacheSetting().get();
+}
+
 std::string CacheDirectory() {
-  const std::string chosen = CacheSetting().get();
+  const std::string chosen = ChosenCacheDirectory();
   return chosen.empty() ? DefaultCacheDirectory() : chosen;
 }
 

@@ -23,17 +23,18 @@ namespace lumora::platform {
 constexpr int kPropertyValueMax = 92;
 
 /// The directory of the program binary cache, without a trailing slash: what SetCacheDirectory set,
-/// else LUMORA_CACHE_DIR, else the platform's default (Linux: "lumora" below the user's cache home;
-/// Android: "/data/GPU"). Empty where the platform knows no such place. Thread-safe.
+/// else LUMORA_CACHE_DIR, else the platform's default (Linux: "lumora" below the user's cache home,
+/// and in it, where a context is current, a level of its own for this library and that context's
+/// driver; Android: "/data/GPU"). Empty where the platform knows no such place. Thread-safe.
 LUMORA_API std::string CacheDirectory();
 
 /// Sets the cache directory of this process; an empty text goes back to the environment and
 /// default.
 LUMORA_API void SetCacheDirectory(const std::string& directory);
 
-/// Creates the cache directory with its missing parents (Linux: mode 0700; Android: the directory
-/// alone, mode 0755). An existing one is left as it is. The result is not reported: a failure shows
-/// when a file in it cannot be written.
+/// Creates the cache directory with its missing parents (Linux: mode 0755, and 0700 for the
+/// default; Android: the directory alone, mode 0755). An existing one is left as it is. The result
+/// is not reported: a failure shows when a file in it cannot be written.
 void MakeCacheDirectory();
 
 /// Whether every pass is to draw its whole image, also where it can change only a part of it:

@@ -6,7 +6,9 @@
 set(lumora_platform_sources
   platform/buffer_geometry.cpp
   platform/buffer_registry.cpp
+  platform/byte_digest.cpp
   platform/coherence.cpp
+  platform/driver_digest.cpp
   platform/gl_api.cpp
   platform/gralloc.cpp
   platform/graphic_buffer.cpp

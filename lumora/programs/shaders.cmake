@@ -25,14 +25,16 @@ set(lumora_shader_directory "${CMAKE_CURRENT_SOURCE_DIR}/programs/shaders")
 set(lumora_generated_directory "${CMAKE_CURRENT_BINARY_DIR}/generated")
 set(lumora_shader_source "${lumora_generated_directory}/lumora/programs/shader_texts.cpp")
 set(lumora_shader_header "${lumora_generated_directory}/lumora/programs/shader_texts.h")
+set(lumora_edition_header "${lumora_generated_directory}/lumora/platform/edition.h")
 file(GLOB lumora_shader_files CONFIGURE_DEPENDS
   "${lumora_shader_directory}/*.vert" "${lumora_shader_directory}/*.frag"
   "${lumora_shader_directory}/*.glsl")
 list(JOIN lumora_shaders "," lumora_shader_list)
 
 add_custom_command(
-  OUTPUT "${lumora_shader_source}" "${lumora_shader_header}"
+  OUTPUT "${lumora_shader_source}" "${lumora_shader_header}" "${lumora_edition_header}"
   COMMAND "${CMAKE_COMMAND}" "-DOUTPUT=${lumora_shader_source}" "-DHEADER=${lumora_shader_header}"
+          "-DEDITION=${lumora_edition_header}" "-DVERSION=${PROJECT_VERSION}"
           "-DDIRECTORY=${lumora_shader_directory}" "-DSHADERS=${lumora_shader_list}"
           -P "${PROJECT_SOURCE_DIR}/cmake/EmbedShaders.cmake"
   DEPENDS ${lumora_shader_files} "${PROJECT_SOURCE_DIR}/cmake/EmbedShaders.cmake"

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <deque>
 #include <filesystem>
+#include <iterator>
 #include <random>
 #include <thread>
 
@@ -62,6 +63,7 @@ class CacheProcesses : public testing::Test {
     EXPECT_EQ(report.cached, kCachedPrograms);
     const Listing listing = ListingOf(directory_.path());
     EXPECT_THAT(listing.programs, SizeIs(kCachedPrograms));
+    EXPECT_THAT(listing.seals, SizeIs(kCachedPrograms));
     EXPECT_THAT(listing.others, IsEmpty());
   }
 
@@ -106,7 +108,7 @@ TEST_F(CacheProcesses, StartedAtOnceOnAnEmptyCache) {
     for (const size_t count : {2u, 4u}) {
       SCOPED_TRACE(testing::Message() << count << " processes, repeat " << repeat);
       for (const std::string& name : ListingOf(directory().path()).programs) {
-        fs::remove(directory().file(name));
+        RemoveProgram(directory().file(name));
       }
       Gate gate;
       std::deque<CacheProcess> processes;
@@ -136,24 +138,29 @@ void Age(const std::string& directory) {
 }
 
 TEST_F(CacheProcesses, KilledAtEachStepOfWriting) {
-  constexpr int kSteps = 5;
+  // What each step leaves under hidden names: the file, then its seal as well, until they take
+  // their places.
+  constexpr int kHidden[] = {1, 2, 2, 2, 2, 2, 2, 1, 0};
   const int files = Repeats(1, kCachedPrograms);
   for (int file = 0; file < files; ++file) {
-    for (int step = 1; step <= kSteps; ++step) {
-      SCOPED_TRACE(testing::Message() << "file " << file << ", step " << step);
-      const Environment death = {{"CACHE_USER_DIES_AT", std::to_string(step)}};
+    for (size_t step = 0; step < std::size(kHidden); ++step) {
+      SCOPED_TRACE(testing::Message() << "file " << file << ", step " << step + 1);
+      const size_t before = ListingOf(directory().path()).others.size();
+      const Environment death = {{"CACHE_USER_DIES_AT", std::to_string(step + 1)}};
       const CacheReport killed = UseCache({directory().path(), 1, death, {}});
       EXPECT_EQ(killed.failure, "signal 9");
+      EXPECT_EQ(ListingOf(directory().path()).others.size(),
+                before + static_cast<size_t>(kHidden[step]))
+          << "what the dead leave, until it is old";
       ExpectRight(UseCopyOf(directory().path()));
     }
     EXPECT_THAT(ListingOf(directory().path()).programs, SizeIs(file + 1))
         << "the last step leaves the file in its place";
+    EXPECT_THAT(ListingOf(directory().path()).seals, SizeIs(file + 1));
   }
-  EXPECT_THAT(ListingOf(directory().path()).others, SizeIs(files * (kSteps - 1)))
-      << "what the dead leave, until it is old";
   Age(directory().path());
   for (const std::string& name : ListingOf(directory().path()).programs) {
-    fs::remove(directory().file(name));
+    RemoveProgram(directory().file(name));
   }
   ExpectRight(UseCache(options()));
   ExpectWholeCache();
@@ -169,7 +176,7 @@ TEST_F(CacheProcesses, KilledAtAnyMoment) {
   const int kills = Repeats(6, 200);
   for (int kill = 0; kill < kills; ++kill) {
     for (const std::string& name : ListingOf(directory().path()).programs) {
-      if (random() % 4 != 0) fs::remove(directory().file(name));
+      if (random() % 4 != 0) RemoveProgram(directory().file(name));
     }
     CacheProcess process(options());
     std::this_thread::sleep_for(life * (random() % 1000) / 1000);
@@ -199,7 +206,7 @@ TEST_F(CacheProcesses, FullDisk) {
     twice.insert(twice.end(), RightPictures().begin(), RightPictures().end());
     EXPECT_EQ(report.pictures, twice);
     EXPECT_LT(report.cached, kCachedPrograms);
-    EXPECT_EQ(static_cast<size_t>(report.cached), report.files.size());
+    EXPECT_EQ(static_cast<size_t>(2 * report.cached), report.files.size()) << "each with its seal";
     for (const std::string& file : report.files) EXPECT_EQ(file.rfind("prog_", 0), 0u) << file;
   }
   EXPECT_THAT(ListingOf(directory().path()).programs, IsEmpty());
@@ -262,10 +269,11 @@ TEST_F(CacheProcesses, NobodyElseCanWriteWhateverTheUmask) {
     for (const auto& entry : fs::recursive_directory_iterator(parent.path())) {
       struct stat status = {};
       ASSERT_EQ(lstat(entry.path().c_str(), &status), 0);
-      EXPECT_EQ(status.st_mode & 07777, entry.is_directory() ? 0700u : 0600u) << entry.path();
+      EXPECT_EQ(status.st_mode & 07777, (entry.is_directory() ? 0755u : 0644u) & ~mask)
+          << entry.path();
       files += entry.is_directory() ? 0 : 1;
     }
-    EXPECT_EQ(files, kCachedPrograms);
+    EXPECT_EQ(files, 2 * kCachedPrograms);
   }
 }
 

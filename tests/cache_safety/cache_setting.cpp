@@ -40,12 +40,22 @@ Listing ListingOf(const std::string& directory) {
   Listing listing;
   for (const auto& entry : std::filesystem::directory_iterator(directory)) {
     const std::string name = entry.path().filename().string();
-    const bool program = name.rfind("prog_", 0) == 0 && entry.path().extension() == ".bin";
-    (program ? listing.programs : listing.others).push_back(name);
+    const std::string extension = entry.path().extension().string();
+    const bool ours = name.rfind("prog_", 0) == 0;
+    (ours && extension == ".bin"    ? listing.programs
+     : ours && extension == ".seal" ? listing.seals
+                                    : listing.others)
+        .push_back(name);
   }
   std::sort(listing.programs.begin(), listing.programs.end());
+  std::sort(listing.seals.begin(), listing.seals.end());
   std::sort(listing.others.begin(), listing.others.end());
   return listing;
+}
+
+void RemoveProgram(const std::string& path) {
+  std::filesystem::remove(path);
+  std::filesystem::remove(path + ".seal");
 }
 
 bool UnshareMounts() {

@@ -13,14 +13,17 @@ namespace lumora::test {
 /// LUMORA_SOAK_CYCLES is of 10,000.
 int Repeats(int brief, int thorough);
 
-/// Names of the files in a directory, those of programs and all others.
+/// Names of the files in a directory: those of programs, their seals, and all others.
 struct Listing {
-  std::vector<std::string> programs, others;
+  std::vector<std::string> programs, seals, others;
 };
 Listing ListingOf(const std::string& directory);
 
 /// How many programs have a cache file.
 constexpr int kCachedPrograms = 13;
+
+/// Removes a program's file and its seal.
+void RemoveProgram(const std::string& path);
 
 /// Gives the calling process mounts that no other process sees. False where the system forbids it.
 bool UnshareMounts();

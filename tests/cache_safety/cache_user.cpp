@@ -6,17 +6,22 @@
 // "files", the entries of the cache directory with their sizes. Exits with 1 when anything failed.
 //
 // The environment may make it end with SIGKILL in the midst of writing a cache file: at the n-th
-// step, counted over all files, for CACHE_USER_DIES_AT=n. A file takes five steps: it has been made
-// under its temporary name, its first part is half written, its second part is half written, all of
-// it is written, it has taken its place.
+// step, counted over all files, for CACHE_USER_DIES_AT=n. A program takes nine steps: its file has
+// been made under its hidden name, its seal too, the file's first part is half written, its second
+// part, the seal is half written, all of the file is written, all of the seal, the file has taken
+// its place, the seal.
+#include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cinttypes>
 #include <csignal>
+#include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -27,8 +32,12 @@
 
 namespace {
 
-int g_file = -1;  // the cache file that is being written
+bool g_written[1024];  // descriptors of cache files that are being written
 int g_step = 0;
+
+bool IsWritten(int file) {
+  return file >= 0 && file < static_cast<int>(std::size(g_written)) && g_written[file];
+}
 
 void Step() {
   static const char* const text = std::getenv("CACHE_USER_DIES_AT");
@@ -53,15 +62,23 @@ std::string FilesOf(const std::string& directory) {
 
 extern "C" {
 
-int mkostemp(char* name, int flags) {
-  g_file = LUMORA_NEXT(mkostemp)(name, flags);
-  Step();
-  return g_file;
+int openat(int folder, const char* name, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+  va_end(arguments);
+  const int file = LUMORA_NEXT(openat)(folder, name, flags, mode);
+  const bool hidden = (flags & O_CREAT) != 0 && std::strncmp(name, ".prog_", 6) == 0;
+  if (hidden && file >= 0 && file < static_cast<int>(std::size(g_written))) {
+    g_written[file] = true;
+    Step();
+  }
+  return file;
 }
 
 ssize_t write(int file, const void* bytes, size_t size) {
   const auto next = LUMORA_NEXT(write);
-  if (file != g_file || g_file < 0 || size < 2) return next(file, bytes, size);
+  if (!IsWritten(file) || size < 2) return next(file, bytes, size);
   const ssize_t written = next(file, bytes, size / 2);
   Step();
   if (written != static_cast<ssize_t>(size / 2)) return written;
@@ -71,15 +88,15 @@ ssize_t write(int file, const void* bytes, size_t size) {
 
 int close(int file) {
   const auto next = LUMORA_NEXT(close);
-  const bool whole = file == g_file && g_file >= 0;
-  if (whole) g_file = -1;
+  const bool whole = IsWritten(file);
+  if (whole) g_written[file] = false;
   const int result = next(file);
   if (whole) Step();
   return result;
 }
 
-int rename(const char* from, const char* to) {
-  const int result = LUMORA_NEXT(rename)(from, to);
+int renameat(int from_folder, const char* from, int to_folder, const char* to) {
+  const int result = LUMORA_NEXT(renameat)(from_folder, from, to_folder, to);
   Step();
   return result;
 }

@@ -30,7 +30,8 @@ void CacheFolder::prepare(Cache cache) {
 bool CacheFolder::holds_whole_files() const {
   for (const TempDirectory* directory : {&warm_, &cold_}) {
     for (const auto& file : std::filesystem::directory_iterator(directory->path())) {
-      if (file.path().extension() != ".bin") return false;
+      const auto extension = file.path().extension();
+      if (extension != ".bin" && extension != ".seal") return false;
     }
   }
   return true;

@@ -32,13 +32,13 @@ int __real_posix_memalign(void** memory, size_t alignment, size_t size);
 void* __real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
 void* __real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
 int __real_open(const char* path, int flags, ...);
+int __real_openat(int folder, const char* path, int flags, ...);
 int __real_fstat(int file, struct stat* status);
 ssize_t __real_read(int file, void* data, size_t size);
 int __real_mkdir(const char* path, mode_t mode);
-int __real_mkostemp(char* path, int flags);
 ssize_t __real_write(int file, const void* data, size_t size);
 int __real_close(int file);
-int __real_rename(const char* from, const char* to);
+int __real_renameat(int from_folder, const char* from, int to_folder, const char* to);
 std::FILE* __real_fopen(const char* path, const char* mode);
 size_t __real_fread(void* data, size_t size, size_t count, std::FILE* file);
 
@@ -76,6 +76,20 @@ int __wrap_open(const char* path, int flags, ...) {
   return FailsWithErrno(Call::Open, EMFILE) ? -1 : __real_open(path, flags, mode);
 }
 
+int __wrap_openat(int folder, const char* path, int flags, ...) {
+  mode_t mode = 0;
+  if ((flags & O_CREAT) != 0) {
+    va_list arguments;
+    va_start(arguments, flags);
+    mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+    if (FailsWithErrno(Call::MakeTemporary, ENOSPC)) return -1;
+  } else if (FailsWithErrno(Call::Open, EMFILE)) {
+    return -1;
+  }
+  return __real_openat(folder, path, flags, mode);
+}
+
 int __wrap_fstat(int file, struct stat* status) {
   return FailsWithErrno(Call::Stat, EIO) ? -1 : __real_fstat(file, status);
 }
@@ -88,10 +102,6 @@ int __wrap_mkdir(const char* path, mode_t mode) {
   return FailsWithErrno(Call::MakeDirectory, EACCES) ? -1 : __real_mkdir(path, mode);
 }
 
-int __wrap_mkostemp(char* path, int flags) {
-  return FailsWithErrno(Call::MakeTemporary, ENOSPC) ? -1 : __real_mkostemp(path, flags);
-}
-
 ssize_t __wrap_write(int file, const void* data, size_t size) {
   return FailsWithErrno(Call::Write, ENOSPC) ? -1 : __real_write(file, data, size);
 }
@@ -101,8 +111,9 @@ int __wrap_close(int file) {
   return FailsWithErrno(Call::Close, EIO) ? -1 : closed;
 }
 
-int __wrap_rename(const char* from, const char* to) {
-  return FailsWithErrno(Call::Rename, EACCES) ? -1 : __real_rename(from, to);
+int __wrap_renameat(int from_folder, const char* from, int to_folder, const char* to) {
+  if (FailsWithErrno(Call::Rename, EACCES)) return -1;
+  return __real_renameat(from_folder, from, to_folder, to);
 }
 
 std::FILE* __wrap_fopen(const char* path, const char* mode) {

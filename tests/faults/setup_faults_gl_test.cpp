@@ -113,10 +113,10 @@ class SetUpFaults : public testing::TestWithParam<Setting> {
 // are looked through in the same way.
 bool DependsOnCache(Call call) {
   static const std::set<Call> kDepend = {
-      Call::CreateShader,  Call::CompileShader, Call::CompileQuietly, Call::CreateProgram,
-      Call::LinkProgram,   Call::TakeBinary,    Call::NewArray,       Call::Open,
-      Call::MakeDirectory, Call::MakeTemporary, Call::Write,          Call::Close,
-      Call::Rename};
+      Call::CreateShader, Call::CompileShader, Call::CompileQuietly, Call::CreateProgram,
+      Call::LinkProgram,  Call::TakeBinary,    Call::NewArray,       Call::Open,
+      Call::Stat,         Call::MakeDirectory, Call::MakeTemporary,  Call::Write,
+      Call::Close,        Call::Rename};
   return kDepend.count(call) != 0;
 }
 

@@ -120,28 +120,34 @@ struct ProgramModel {
       case Call::MakeDirectory:
         return GotRound();
       default:
-        return compiles() ? failing_compiled(call, ordinal) : failing_cached(call);
+        return compiles() ? failing_compiled(call, ordinal) : failing_cached(call, ordinal);
     }
   }
 
-  Consequence failing_cached(Call call) const {
+  // A folder is opened first, then the file in it and its seal.
+  Consequence failing_cached(Call call, int ordinal) const {
+    const Consequence refused = GotRound({Error(kBase, "[LoadBinary] can't load binary shader")});
     switch (call) {
       case Call::Open:
       case Call::Stat:
-        return GotRound({cannot_open()});
+        return ordinal < 3 ? GotRound({cannot_open()}) : refused;
       case Call::Read:
+        if (ordinal == 2) return refused;
+        [[fallthrough]];
       case Call::NewArray:
         return GotRound({Error(kBase, "[LoadBinary] invalid shader length")});
       case Call::CreateProgram:
         return GotRound({Error(kBase, "[LoadBinary] can't create program\n")});
       case Call::AcceptBinary:
-        return GotRound({Error(kBase, "[LoadBinary] can't load binary shader")});
+        return refused;
       default:
         return GotRound();  // Close: everything has been read
     }
   }
 
   Consequence failing_compiled(Call call, int ordinal) const {
+    const Consequence not_saved =
+        GotRound({Error(kBase, "[SaveBinary] can't open %s for writing", path.c_str())});
     switch (call) {
       case Call::CompileShader:
         return {NotCompiled({Error(kHelpers, "Could not compile shader %d:\nmade to fail\n",
@@ -153,14 +159,19 @@ struct ProgramModel {
       case Call::CreateShader:
       case Call::CreateProgram:
         return {NotCompiled({}), After::Broken, true};
+      case Call::Open:  // the folder, the file, which is not there anyway, the folder to write to
+      case Call::Stat:  // ... the folder, twice
+        return ordinal == (call == Call::Open ? 3 : 2) ? not_saved : GotRound();
       case Call::MakeTemporary:
       case Call::Rename:
-        return GotRound({Error(kBase, "[SaveBinary] can't open %s for writing", path.c_str())});
+        return not_saved;
+      case Call::Close:  // the folder, the file, its seal, the folder
+        if (ordinal == 1 || ordinal == 4) return GotRound();
+        [[fallthrough]];
       case Call::Write:
-      case Call::Close:
         return GotRound({Error(kBase, "[SaveBinary] can't write %s", path.c_str())});
       default:
-        return GotRound();  // Open: there is no file anyway; NewArray: nothing is saved
+        return GotRound();  // NewArray: nothing is saved
     }
   }
 
@@ -168,9 +179,9 @@ struct ProgramModel {
     std::map<Call, int> all = {{Call::FindAttribute, 2},
                                {Call::FindUniform, static_cast<int>(program.lookups.size()) - 2}};
     if (uses_cache() && cache == Cache::Warm) {
-      return all + std::map<Call, int>{{Call::Open, 1},        {Call::Stat, 1},
-                                       {Call::NewArray, 1},    {Call::Read, 1},
-                                       {Call::Close, 1},       {Call::CreateProgram, 1},
+      return all + std::map<Call, int>{{Call::Open, 3},        {Call::Stat, 3},
+                                       {Call::NewArray, 1},    {Call::Read, 2},
+                                       {Call::Close, 3},       {Call::CreateProgram, 1},
                                        {Call::AcceptBinary, 1}};
     }
     all = all + std::map<Call, int>{{Call::CreateShader, 2},
@@ -179,10 +190,11 @@ struct ProgramModel {
                                     {Call::CreateProgram, 1},
                                     {Call::LinkProgram, 1}};
     if (!uses_cache()) return all;
-    return all + std::map<Call, int>{{Call::Open, 1},          {Call::TakeBinary, 1},
-                                     {Call::NewArray, 1},      {Call::MakeDirectory, directories},
-                                     {Call::MakeTemporary, 1}, {Call::Write, 2},
-                                     {Call::Close, 1},         {Call::Rename, 1}};
+    return all + std::map<Call, int>{{Call::Open, 3},          {Call::Stat, 2},
+                                     {Call::NewArray, 1},      {Call::TakeBinary, 1},
+                                     {Call::MakeTemporary, 2}, {Call::MakeDirectory, directories},
+                                     {Call::Close, 4},         {Call::Write, 3},
+                                     {Call::Rename, 2}};
   }
 };
 

@@ -18,6 +18,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 class BinaryCache : public CacheTest {};
@@ -26,7 +27,7 @@ TEST_F(BinaryCache, FirstLoadCompilesAndSaves) {
   GLProgRGB2HSI program;
   EXPECT_TRUE(program.Load());
   EXPECT_TRUE(LogIs(log(), Recompiled(CannotOpen(path()), program)));
-  EXPECT_THAT(NamesIn(directory().path()), ElementsAre("prog_rgb2hsi.bin"));
+  EXPECT_THAT(NamesIn(directory().path()), ElementsAreArray(WithSeals({"prog_rgb2hsi.bin"})));
 }
 
 TEST_F(BinaryCache, LaterLoadsCompileNothing) {
@@ -73,6 +74,17 @@ TEST_F(BinaryCache, MissingFileKeepsTheEarlierProgram) {
   EXPECT_FALSE(program.LoadBinary(missing.data()));
   EXPECT_EQ(program.m_hProgram, first);
   EXPECT_TRUE(glIsProgram(first));
+}
+
+// A driver that keeps its binary to itself, or has none, leaves nothing to save.
+TEST_F(BinaryCache, WithoutABinaryFromTheDriverNothingIsSaved) {
+  GLProgRGB2HSI program;
+  GlFaults faults;
+  faults.no_binaries = true;
+  EXPECT_TRUE(program.Load());
+  EXPECT_EQ(faults.binaries_taken, 1);
+  EXPECT_THAT(NamesIn(directory().path()), IsEmpty());
+  EXPECT_EQ(log().lines(6).size(), 1u) << "only that there is no file yet";
 }
 
 TEST_F(BinaryCache, SavingWithoutAProgramTellsItsId) {
@@ -139,7 +151,7 @@ void LoadWithoutBinaries(bool GlFaults::*fault, const std::string& directory, Lo
 TEST_F(BinaryCache, IsNotTouchedWithoutTheExtension) {
   const std::string file = GoodFile();
   LoadWithoutBinaries(&GlFaults::no_binary_extension, directory().path(), log());
-  EXPECT_THAT(NamesIn(directory().path()), ElementsAre("prog_rgb2hsi.bin"));
+  EXPECT_THAT(NamesIn(directory().path()), ElementsAreArray(WithSeals({"prog_rgb2hsi.bin"})));
   EXPECT_TRUE(ReadFile(path()) == file);
 }
 
@@ -160,16 +172,28 @@ struct ScopedCacheDirectory {
   ~ScopedCacheDirectory() { platform::SetCacheDirectory(""); }
 };
 
-TEST_F(BinaryCache, DirectoryIsMadeWithItsParentsForTheUserOnly) {
-  const ScopedEnvironment environment("LUMORA_CACHE_DIR", directory().file("deep/er"));
-  GLProgRGB2HSI program;
-  ASSERT_TRUE(program.Load());
-  EXPECT_TRUE(
-      LogIs(log(), Recompiled(CannotOpen(directory().file("deep/er/prog_rgb2hsi.bin")), program)));
-  struct stat status = {};
-  ASSERT_EQ(stat(directory().file("deep/er").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0077, 0u);
-  EXPECT_THAT(NamesIn(directory().file("deep/er")), ElementsAre("prog_rgb2hsi.bin"));
+// Whoever chose the directory may want to share it: the umask says with whom. Nobody else may
+// write.
+TEST_F(BinaryCache, ChosenDirectoryAndFilesAreReadableAsTheUmaskAllows) {
+  for (const mode_t mask : {0000u, 0022u, 0027u, 0077u}) {
+    SCOPED_TRACE(testing::Message() << "umask " << std::oct << mask);
+    const TempDirectory parent;
+    const ScopedEnvironment environment("LUMORA_CACHE_DIR", parent.file("deep/er"));
+    log().take();
+    const mode_t before = umask(mask);
+    GLProgRGB2HSI program;
+    EXPECT_TRUE(program.Load());
+    umask(before);
+    const std::string file = parent.file("deep/er/prog_rgb2hsi.bin");
+    EXPECT_TRUE(LogIs(log(), Recompiled(CannotOpen(file), program)));
+    EXPECT_THAT(NamesIn(parent.file("deep/er")), ElementsAreArray(WithSeals({"prog_rgb2hsi.bin"})));
+    for (const std::string& folder : {parent.file("deep"), parent.file("deep/er")}) {
+      EXPECT_EQ(ModeOf(folder), 0755u & ~mask) << folder;
+    }
+    for (const std::string& made : {file, file + ".seal"}) {
+      EXPECT_EQ(ModeOf(made), 0644u & ~mask) << made;
+    }
+  }
 }
 
 TEST_F(BinaryCache, DirectoryOfTheApplicationGoesBeforeTheEnvironments) {
@@ -177,7 +201,8 @@ TEST_F(BinaryCache, DirectoryOfTheApplicationGoesBeforeTheEnvironments) {
   GLProgRGB2HSI program;
   ASSERT_TRUE(program.Load());
   EXPECT_THAT(NamesIn(directory().path()), ElementsAre("chosen"));
-  EXPECT_THAT(NamesIn(directory().file("chosen")), ElementsAre("prog_rgb2hsi.bin"));
+  EXPECT_THAT(NamesIn(directory().file("chosen")),
+              ElementsAreArray(WithSeals({"prog_rgb2hsi.bin"})));
 }
 
 // A directory name that makes the cache file's path this many characters long.
@@ -191,7 +216,7 @@ TEST_F(BinaryCache, PathOf255CharactersIsTheLongest) {
   const ScopedEnvironment environment("LUMORA_CACHE_DIR", longest);
   GLProgRGB2HSI program;
   ASSERT_TRUE(program.Load());
-  EXPECT_THAT(NamesIn(longest), ElementsAre("prog_rgb2hsi.bin"));
+  EXPECT_THAT(NamesIn(longest), ElementsAreArray(WithSeals({"prog_rgb2hsi.bin"})));
 }
 
 TEST_F(BinaryCache, LongerPathsAreNoCacheAndNoHarm) {
@@ -233,7 +258,7 @@ TEST_F(BinaryCache, ReadersNeverMeetHalfAFile) {
   reader.join();
   EXPECT_EQ(broken, 0) << "of " << reads << " reads";
   EXPECT_THAT(NamesIn(directory().path()),
-              ElementsAre("prog_rgb2hsi.bin", "prog_yuv2hsi.bin", "shared.bin"));
+              ElementsAreArray(WithSeals({"prog_rgb2hsi.bin", "prog_yuv2hsi.bin", "shared.bin"})));
 }
 
 // No file of this process grows beyond `bytes` while it lives: a disk that is full.
@@ -269,7 +294,8 @@ TEST_F(BinaryCache, FullDiskKeepsTheOldFileAndLeavesNoScraps) {
   EXPECT_NE(errors[0].text.find("[SaveBinary] "), std::string::npos);
   EXPECT_NE(errors[0].text.find(target), std::string::npos);
   EXPECT_TRUE(ReadFile(path()) == old);
-  EXPECT_THAT(NamesIn(directory().path()), ElementsAre("prog_rgb2hsi.bin", "prog_yuv2hsi.bin"));
+  EXPECT_THAT(NamesIn(directory().path()),
+              ElementsAreArray(WithSeals({"prog_rgb2hsi.bin", "prog_yuv2hsi.bin"})));
 }
 
 }  // namespace

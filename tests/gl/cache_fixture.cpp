@@ -3,6 +3,7 @@
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
 #include <GLES2/gl2ext.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -58,6 +59,18 @@ std::vector<std::string> NamesIn(const std::string& directory) {
   for (const auto& entry : std::filesystem::directory_iterator(directory)) {
     names.push_back(entry.path().filename().string());
   }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+unsigned ModeOf(const std::string& path) {
+  struct stat status = {};
+  EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 07777;
+}
+
+std::vector<std::string> WithSeals(std::vector<std::string> names) {
+  for (size_t i = names.size(); i > 0; --i) names.push_back(names[i - 1] + ".seal");
   std::sort(names.begin(), names.end());
   return names;
 }

@@ -22,6 +22,8 @@ class CacheTest : public GlTest {
   const TempDirectory& directory() const { return directory_; }
   /// The cache file under test.
   std::string path() const { return directory_.file("prog_rgb2hsi.bin"); }
+  /// What vouches for it.
+  std::string seal_path() const { return path() + ".seal"; }
   /// Lets the library write its cache file, and returns the file's bytes. Takes the log.
   std::string GoodFile();
   LogCapture& log() { return log_; }
@@ -35,6 +37,12 @@ class CacheTest : public GlTest {
 /// Names in a directory, sorted.
 std::vector<std::string> NamesIn(const std::string& directory);
 
+/// The permission bits of what lies at `path`.
+unsigned ModeOf(const std::string& path);
+
+/// Cache files of these names and their seals, sorted.
+std::vector<std::string> WithSeals(std::vector<std::string> names);
+
 /// The file that saving `program` has to make: its format and its binary, asked of the driver.
 std::string ExpectedFile(const GLProgram& program);
 
@@ -44,7 +52,7 @@ Lines operator+(Lines first, const Lines& second);
 // What the steps of a Load print.
 Lines CannotOpen(const std::string& path);  ///< the file is missing
 Lines InvalidLength();                      ///< ... too short
-Lines Refused();                            ///< ... was refused by the driver
+Lines Refused();                            ///< ... nobody vouches for it, or the driver refused it
 Lines SwitchToCompiling();
 Lines CompiledWell();
 Lines Saved(const GLProgram& program);

@@ -46,6 +46,7 @@ void GL_APIENTRY ImageTarget(GLenum target, GLeglImageOES image) {
 void GL_APIENTRY GetBinary(GLuint program, GLsizei size, GLsizei* length, GLenum* format,
                            void* binary) {
   if (g_faults != nullptr) ++g_faults->binaries_taken;
+  if (g_faults != nullptr && g_faults->no_binaries) return Raise({GL_INVALID_OPERATION});
   g_driver.get_binary(program, size, length, format, binary);
 }
 
@@ -165,6 +166,9 @@ GLint GL_APIENTRY glGetUniformLocation(GLuint program, const GLchar* name) {
 const GLubyte* GL_APIENTRY glGetString(GLenum name) {
   const auto next = LUMORA_NEXT(glGetString);
   const GLubyte* const text = next(name);
+  if (g_faults != nullptr && name == GL_VERSION && !g_faults->driver_version.empty()) {
+    return reinterpret_cast<const GLubyte*>(g_faults->driver_version.c_str());
+  }
   if (g_faults == nullptr || !g_faults->no_binary_extension || name != GL_EXTENSIONS) return text;
   // A longer name in its place: whoever looks for the text without minding words is fooled.
   static std::string without;

@@ -35,6 +35,8 @@ struct GlFaults {
   size_t good_programs = 0;     ///< so many programs, the first to be made, link and lack nothing
   bool no_binary_extension = false;            ///< GL_OES_get_program_binary is not offered
   bool no_binary_formats = false;              ///< ... is offered with no format
+  bool no_binaries = false;                    ///< ... gives none: GL_INVALID_OPERATION
+  std::string driver_version;                  ///< unless empty, what GL_VERSION answers
   bool no_egl_images = false;                  ///< eglCreateImageKHR fails with EGL_BAD_ALLOC
   std::vector<GLenum> errors_of_edge_mode;     ///< raised by choosing clamped edges along t
   std::vector<GLenum> errors_of_image_target;  ///< raised by showing an EGL image as a texture

@@ -151,18 +151,34 @@ TEST(CacheDirectory, ApplicationGoesBeforeEnvironmentBeforeDefault) {
   EXPECT_EQ(CacheDirectory(), "/from/environment");
 }
 
-TEST(CacheDirectory, IsMadeWithItsParentsForTheUserAlone) {
+void ExpectMode(mode_t mode, const std::string& directory) {
+  struct stat status {};
+  ASSERT_EQ(stat(directory.c_str(), &status), 0) << directory;
+  EXPECT_EQ(status.st_mode & 07777, mode) << directory;
+}
+
+TEST(CacheDirectory, AChosenOneIsMadeWithItsParentsAsTheUmaskAllows) {
+  for (const mode_t mask : {0000u, 0027u}) {
+    const TempDirectory directory;
+    SetCacheDirectory(directory.file("a/b/lumora"));
+    const mode_t before = umask(mask);
+    MakeCacheDirectory();
+    umask(before);
+    for (const char* made : {"a", "a/b", "a/b/lumora"}) {
+      ExpectMode(0755 & ~mask, directory.file(made));
+    }
+    SetCacheDirectory("");
+  }
+}
+
+TEST(CacheDirectory, TheDefaultIsMadeForTheUserAlone) {
   const TempDirectory directory;
-  SetCacheDirectory(directory.file("a/b/lumora"));
+  const ScopedEnvironment none("LUMORA_CACHE_DIR", kUnset);
+  const ScopedEnvironment cache("XDG_CACHE_HOME", directory.file("a/b"));
   const mode_t before = umask(0);
   MakeCacheDirectory();
   umask(before);
-  for (const char* made : {"a", "a/b", "a/b/lumora"}) {
-    struct stat status {};
-    ASSERT_EQ(stat(directory.file(made).c_str(), &status), 0) << made;
-    EXPECT_EQ(status.st_mode & 07777, 0700u) << made;
-  }
-  SetCacheDirectory("");
+  for (const char* made : {"a", "a/b", "a/b/lumora"}) ExpectMode(0700, directory.file(made));
 }
 
 TEST(CacheDirectory, AnExistingOneIsLeftAsItIs) {

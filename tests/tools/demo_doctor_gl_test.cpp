@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "tests/tools/pictures.h"
@@ -105,6 +106,23 @@ TEST(Doctor, SaysWhatIsWrongWithACacheThatCannotBeWritten) {
   EXPECT_EQ(result.exit_code, 1) << result.out;
   EXPECT_THAT(result.out, HasSubstr("FAILED  cache directory"));
   EXPECT_THAT(result.out, HasSubstr("OK      test slimming"));
+}
+
+TEST(Doctor, SaysWhyACacheIsNotTrusted) {
+  const Folder folder;
+  namespace fs = std::filesystem;
+  const fs::path cache = fs::path(folder / "cache");
+  fs::create_directory(cache);
+  fs::permissions(cache, fs::perms::all);
+  const Environment environment = {{{"LUMORA_CACHE_DIR", cache.string()}}};
+  const Result result = RunLumora({"doctor"}, {}, environment);
+  if (result.out.find("not offered") != std::string::npos) GTEST_SKIP() << "no cache in use";
+  EXPECT_EQ(result.exit_code, 1) << result.out;
+  EXPECT_THAT(result.out, HasSubstr("FAILED  cache directory   " + cache.string() +
+                                    " is not used: others may write it"));
+  fs::permissions(cache, fs::perms::owner_all);
+  EXPECT_THAT(RunLumora({"doctor"}, {}, environment).out,
+              HasSubstr("OK      cache directory   " + cache.string() + "\n"));
 }
 
 TEST(EngineLog, IsSilentUnlessAskedFor) {

@@ -2,6 +2,7 @@
 
 list(APPEND lumora_platform_sources
   platform/linux/backing_factory.cpp
+  platform/linux/cache_levels.cpp
   platform/linux/display.cpp
   platform/linux/fresh_memory.cpp
   platform/linux/log_mask.cpp

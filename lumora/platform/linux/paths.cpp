@@ -4,11 +4,14 @@
 
 #include <cstdlib>
 
+#include "lumora/platform/linux/cache_levels.h"
 #include "lumora/platform/settings.h"
 
 namespace lumora::platform {
+namespace {
 
-std::string DefaultCacheDirectory() {
+/// The directory of the default cache's levels.
+std::string LevelsDirectory() {
   // A relative XDG_CACHE_HOME counts as unset, as its definition says.
   const char* const cache_home = std::getenv("XDG_CACHE_HOME");
   if (cache_home != nullptr && cache_home[0] == '/') return std::string(cache_home) + "/lumora";
@@ -17,13 +20,35 @@ std::string DefaultCacheDirectory() {
   return {};
 }
 
-void MakeCacheDirectory() {
-  const std::string directory = CacheDirectory();
+void MakeWithParents(std::string directory, mode_t mode) {
   for (size_t end = directory.find('/', 1); end != std::string::npos;
        end = directory.find('/', end + 1)) {
-    mkdir(directory.substr(0, end).c_str(), 0700);
+    directory[end] = '\0';
+    mkdir(directory.c_str(), mode);
+    directory[end] = '/';
   }
-  if (!directory.empty()) mkdir(directory.c_str(), 0700);
+  if (!directory.empty()) mkdir(directory.c_str(), mode);
+}
+
+}  // namespace
+
+std::string DefaultCacheDirectory() {
+  const std::string levels = LevelsDirectory();
+  const LevelName level = CurrentLevel();
+  return levels.empty() || level.text[0] == '\0' ? levels : levels + "/" + level.text;
+}
+
+void MakeCacheDirectory() {
+  const std::string chosen = ChosenCacheDirectory();
+  if (chosen.empty()) {
+    MakeWithParents(DefaultCacheDirectory(), 0700);
+  } else {
+    MakeWithParents(chosen, 0755);
+  }
+}
+
+void NoteCacheUse() {
+  if (ChosenCacheDirectory().empty()) KeepLevels(LevelsDirectory().c_str(), CurrentLevel());
 }
 
 }  // namespace lumora::platform

@@ -1,4 +1,7 @@
 // lumora doctor: what this machine offers, and a proof that it works.
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -21,6 +24,19 @@ struct Check {
   bool ok;
   std::string detail;
 };
+
+/// Why the library leaves a directory alone, as the end of a sentence; empty where it does not.
+std::string ReasonNotToTrust(const std::string& directory) {
+  struct stat status = {};
+  if (stat(directory.c_str(), &status) != 0) return {};  // not made yet
+  if (status.st_uid != geteuid() && status.st_uid != 0) {
+    return " is not used: it belongs to another user";
+  }
+  if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+    return " is not used: others may write it (chmod go-w makes it yours)";
+  }
+  return {};
+}
 
 class Doctor {
  public:
@@ -74,7 +90,8 @@ class Doctor {
     }
     try {
       CheckWritable(device.cache_directory + "/doctor");
-      Report("cache directory", true, device.cache_directory);
+      const std::string reason = ReasonNotToTrust(device.cache_directory);
+      Report("cache directory", reason.empty(), device.cache_directory + reason);
     } catch (const Failure& failure) {
       Report("cache directory", false, failure.what());
     }
