@@ -12,7 +12,7 @@
 namespace lumora::test {
 namespace {
 
-using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 /// The index of a program in AllPrograms(): the table is made at start-up, as the tests are.
@@ -44,7 +44,8 @@ TEST_P(ProgramLoad, FromSourceTellsItsStepsAndSavesUnderItsName) {
   EXPECT_TRUE(program->Load());
   EXPECT_TRUE(LogIs(log(), Built(*program) + Announced() + Located(*program)));
   if (cached()) {
-    EXPECT_THAT(NamesIn(directory().path()), ElementsAre(program_case().cache_file));
+    EXPECT_THAT(NamesIn(directory().path()),
+                ElementsAreArray(WithSeals({program_case().cache_file})));
     EXPECT_TRUE(ReadFile(cache_path()) == ExpectedFile(*program));
   } else {
     EXPECT_THAT(NamesIn(directory().path()), IsEmpty());
