@@ -77,6 +77,27 @@ TEST_F(Reading, TellsUnitsApart) {
       read(recording)));
 }
 
+// The driver makes contexts at places where others were.
+TEST(ReadingContexts, KnowsNothingOfOnesThatEnded) {
+  for (int i = 0; i < 8; ++i) {
+    GPUBeautyFace engine;
+    engine.Init(32, 16, 32, 16, nullptr, false);
+    GLuint stranger = 0;
+    glGenTextures(1, &stranger);
+    const GLuint input = engine.m_pRGBImage->m_hTexture;
+    glBindTexture(GL_TEXTURE_2D, input);
+    {
+      const Recording recording(Checks::Passes);
+      glActiveTexture(GL_TEXTURE0);
+      glBindTexture(GL_TEXTURE_2D, stranger);
+      glBindTexture(GL_TEXTURE_2D, input);
+      EXPECT_TRUE(Same({"glActiveTexture TEXTURE0"}, recording.lines(NamesOf(engine)))) << i;
+    }
+    glDeleteTextures(1, &stranger);
+    glActiveTexture(GL_TEXTURE1);
+  }
+}
+
 // The driver gives names out again: an object is known by when it was made.
 TEST_F(Reading, KnowsANameThatCameBackAsAnotherObject) {
   const ObjectNames names = NamesOf(engine_);

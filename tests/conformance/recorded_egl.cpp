@@ -57,6 +57,12 @@ void NoteDisplayCall(const std::string& call) {
   if (Now().display_calls.size() < 8) Now().display_calls.push_back(call);
 }
 
+// Contexts keep their bindings while others are current.
+std::map<ObjectId, Bindings>& KeptBindings() {
+  static auto* const kept = new std::map<ObjectId, Bindings>;
+  return *kept;
+}
+
 }  // namespace
 
 // Visible, so that a shared library finds them in the executable first.
@@ -99,6 +105,8 @@ EGLBoolean EGLAPIENTRY eglChooseConfig(EGLDisplay display, const EGLint* attribu
 EGLContext EGLAPIENTRY eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
                                         const EGLint* attributes) {
   const EGLContext context = LUMORA_NEXT(eglCreateContext)(display, config, share, attributes);
+  // It may have the place of one that ended.
+  KeptBindings().erase(Egl(ObjectKind::Context, context).object);
   Record("eglCreateContext", {Egl(ObjectKind::Display, display),
                               Egl(ObjectKind::Context, share),
                               {EglList(attributes)},
@@ -119,11 +127,9 @@ EGLBoolean EGLAPIENTRY eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSu
                                       EGLContext context) {
   Record("eglMakeCurrent", {Egl(ObjectKind::Display, display), Egl(ObjectKind::Surface, draw),
                             Egl(ObjectKind::Surface, read), Egl(ObjectKind::Context, context)});
-  // Contexts keep their bindings while others are current.
-  static auto* const kept = new std::map<ObjectId, Bindings>;
   Bindings& bindings = Now().bindings;
-  (*kept)[bindings.context] = bindings;
-  bindings = (*kept)[Egl(ObjectKind::Context, context).object];
+  KeptBindings()[bindings.context] = bindings;
+  bindings = KeptBindings()[Egl(ObjectKind::Context, context).object];
   bindings.context = Egl(ObjectKind::Context, context).object;
   return LUMORA_NEXT(eglMakeCurrent)(display, draw, read, context);
 }
