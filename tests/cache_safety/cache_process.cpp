@@ -28,6 +28,8 @@ CacheReport Parse(const std::string& text) {
     words >> first;
     if (first == "files") {
       report.files.assign(std::istream_iterator<std::string>(words), {});
+    } else if (first == "renderer") {
+      words >> report.renderer;
     } else if (words >> second >> third) {
       report.pictures.push_back(first + " " + second);
       ++(third == "cached" ? report.cached : report.compiled);

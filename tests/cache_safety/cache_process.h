@@ -15,6 +15,7 @@ namespace lumora::test {
 /// What a process told of its programs.
 struct CacheReport {
   std::string failure;                ///< why it did not end well; empty when it did
+  std::string renderer;               ///< the first word of the driver's name
   std::vector<std::string> pictures;  ///< "<name> <digest>", a program and round
   int cached = 0, compiled = 0;       ///< programs, over all rounds
   std::vector<std::string> files;     ///< "<name>:<size>", as the process saw its directory

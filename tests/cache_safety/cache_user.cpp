@@ -2,8 +2,9 @@
 //
 //   cache_user [rounds]
 //
-// Prints a line a program and round, "<name> <digest> cached|compiled", and at the end a line
-// "files", the entries of the cache directory with their sizes. Exits with 1 when anything failed.
+// Prints a line "renderer", the driver's name; a line a program and round, "<name> <digest>
+// cached|compiled"; and at the end a line "files", the entries of the cache directory with their
+// sizes. Exits with 1 when anything failed.
 //
 // The environment may make it end with SIGKILL in the midst of writing a cache file: at the n-th
 // step, counted over all files, for CACHE_USER_DIES_AT=n. A program takes nine steps: its file has
@@ -107,6 +108,7 @@ int main(int argc, char** argv) {
   testing::InitGoogleTest();
   const lumora::test::GlContext context;
   if (!context.ok()) return 1;
+  std::printf("renderer %s\n", reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
   const int rounds = argc > 1 ? std::atoi(argv[1]) : 1;
   for (int round = 0; round < rounds; ++round) {
     for (const auto& picture : lumora::test::DrawCachedPrograms()) {

@@ -4,6 +4,8 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <array>
+#include <functional>
 
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
@@ -19,6 +21,18 @@ constexpr size_t kFirstFrame = 96 * 48;
 size_t MemoryInUse() {
   const auto heap = mallinfo2();
   return heap.uordblks + heap.hblkhd;
+}
+
+// The driver's threads use the heap, too: what most calls leave over is the call's own.
+size_t LeftOverBy(const std::function<void()>& call) {
+  std::array<size_t, 5> left_over{};
+  for (size_t& bytes : left_over) {
+    const size_t before = MemoryInUse();
+    call();
+    bytes = MemoryInUse() - before;
+  }
+  std::sort(left_over.begin(), left_over.end());
+  return left_over[left_over.size() / 2];
 }
 
 void ExpectFrame(GPUBeautyFace& engine, int width, int height) {
@@ -38,11 +52,10 @@ void ExpectFrame(GPUBeautyFace& engine, int width, int height) {
     const MeantLeaks left_to_nobody;
     EXPECT_EQ(1, engine.MemcpyYUV(only_luma.luma(), nullptr));
     EXPECT_EQ(1, engine.MemcpyYUV(nullptr, only_chroma.chroma()));
-    const size_t before = MemoryInUse();
-    EXPECT_EQ(1, engine.MemcpyYUV(nullptr, nullptr));
     // Two planes of the first frame, whatever this one's size; an allocator adds some bytes to
     // each.
-    const size_t left_over = MemoryInUse() - before;
+    const size_t left_over =
+        LeftOverBy([&engine] { EXPECT_EQ(1, engine.MemcpyYUV(nullptr, nullptr)); });
     if (!MeantLeaks::CheckerRuns()) {
       EXPECT_GE(left_over, kFirstFrame + kFirstFrame / 2);
       EXPECT_LE(left_over, kFirstFrame + kFirstFrame / 2 + 2 * 32);

@@ -188,7 +188,14 @@ TYPED_TEST(EglFaults, StopTheConstructionSilently) {
     counts = scope.counts();
   }
   const std::vector<Fault> faults = FaultsOf(counts);
-  EXPECT_GE(faults.size(), 10u);
+  // Once by the search for a display, and by the object itself. Where configurations have windows,
+  // nobody asks for more of them.
+  for (const Call call : {Call::InitializeDisplay, Call::ChooseConfig, Call::OfferConfig}) {
+    EXPECT_GE(counts[static_cast<size_t>(call)], 2) << call;
+  }
+  for (const Call call : {Call::CreateContext, Call::CreatePbuffer, Call::MakeCurrent}) {
+    EXPECT_EQ(counts[static_cast<size_t>(call)], 1) << call;
+  }
   for (const Fault& fault : faults) {
     this->Inject(fault, false);
     this->Inject(fault, true);
