@@ -282,6 +282,24 @@ TEST(NoFace, ThePictureStaysAsItIsWithANote) {
   }
 }
 
+TEST(NoFace, NoneIsLookedForWhereNothingDependsOnIt) {
+  const Folder folder;
+  const std::string in = folder.Put("in.png", PngOf(Landscape(320, 240)));
+  const std::string out = folder / "out.png";
+  const Result off = RunLumora({"photo", in, "-o", out, "--slim", "0", "--whiten", "0"});
+  EXPECT_EQ(off.exit_code, 0);
+  EXPECT_EQ(off.err, "");
+  EXPECT_EQ(ReadFile(out), ReadFile(in));
+  for (const std::vector<std::string>& more :
+       {std::vector<std::string>{"--json"}, {"--explain", folder / "explained.png"}}) {
+    std::vector<std::string> words = {"photo", in, "-o", out, "--slim", "0"};
+    words.insert(words.end(), more.begin(), more.end());
+    EXPECT_THAT(RunLumora(words).err, HasSubstr("no face found")) << more.front();
+  }
+  ExpectOneLineOfError(RunLumora({"photo", in, "-o", out, "--slim", "0", "--require-face"}), 5,
+                       "no face found");
+}
+
 TEST(NoFace, EndsWithCode5WhereOneIsRequired) {
   const Folder folder;
   const std::string in = folder.Put("in.png", PngOf(Landscape(320, 240)));

@@ -109,7 +109,7 @@ TEST(ListedFaces, OneLineIsOneFrame) {
   EXPECT_EQ(faces->Next(luma).size(), 1u);
   EXPECT_EQ(faces->Next(luma).size(), 0u);
   EXPECT_EQ(faces->Next(luma).size(), 0u);
-  EXPECT_EQ(faces->Remark(), "");
+  EXPECT_TRUE(faces->Remarks().empty());
   EXPECT_THROW(faces->Next(luma), tools::Failure);
 }
 
@@ -117,7 +117,9 @@ TEST(ListedFaces, MoreLinesThanFramesAreRemarkedOn) {
   const Folder folder;
   const auto faces = tools::ListedFaces(folder.Put("faces.jsonl", std::string("\n\n")));
   faces->Next(cv::Mat(64, 64, CV_8U, cv::Scalar(0)));
-  EXPECT_NE(faces->Remark().find("more lines"), std::string::npos);
+  const std::vector<std::string> remarks = faces->Remarks();
+  ASSERT_EQ(remarks.size(), 1u);
+  EXPECT_NE(remarks[0].find("more lines"), std::string::npos);
 }
 
 TEST(DetectedFaces, AFaceIsThereInEveryFrameAndMovesSmoothly) {

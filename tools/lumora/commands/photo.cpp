@@ -39,6 +39,11 @@ void CheckNames(const PhotoOptions& options) {
                       options.json);
 }
 
+/// Whether anything depends on the faces; otherwise none are looked for.
+bool NeedsFaces(const PhotoOptions& options, const Look& look) {
+  return !IsOff(look) || !options.explain.empty() || options.json || options.require_face;
+}
+
 std::vector<FoundFace> FacesOf(const PhotoOptions& options, const Picture& picture) {
   if (options.faces.empty()) return FaceFinder().Find(picture.Bgr());
   const Bytes text = ReadWhole(options.faces);
@@ -87,12 +92,13 @@ class Photo {
     const double start = Now();
     edit_ = std::make_unique<PictureEdit>(options_.in);
     const double decoded = Now();
-    found_ = FacesOf(options_, edit_->picture());
+    const bool needs_faces = NeedsFaces(options_, look_) || !options_.faces.empty();
+    if (needs_faces) found_ = FacesOf(options_, edit_->picture());
     const double searched = Now();
     if (found_.empty() && options_.require_face) {
       throw Failure(ExitCode::NoFace, options_.in + ": no face found");
     }
-    if (found_.empty()) edit_->Note("no face found, the picture stays as it is");
+    if (found_.empty() && needs_faces) edit_->Note("no face found, the picture stays as it is");
     Process();
     const double processed = Now();
     WriteResults();
@@ -117,8 +123,7 @@ class Photo {
   void Process() {
     const bool compares = !options_.compare.empty() || !options_.explain.empty();
     if (compares) before_ = edit_->picture().Bgr().clone();
-    const bool off = look_.slim == 0 && !Whitens(look_);
-    if (found_.empty() || off) return;  // exactly off: no engine is started
+    if (found_.empty() || IsOff(look_)) return;  // exactly off: no engine is started
     const Frame420 frame = edit_->picture().Frame();
     edit_->Merge(frame, Engine().Process(frame, Faces(), look_, &report_, options_.chain));
     for (const FaceTone& tone : report_.tones) NoteTone(tone);

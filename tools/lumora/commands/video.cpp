@@ -30,6 +30,7 @@ struct VideoOptions {
   int detect_every = 5;
   std::string range = "auto";
   bool json = false;
+  bool require_face = false;
 };
 
 void CheckNames(const VideoOptions& options) {
@@ -59,8 +60,8 @@ class Video {
         stretched_(reader_.header()) {}
 
   ExitCode Run() {
-    const std::unique_ptr<FaceSource> faces =
-        options_.faces.empty() ? DetectedFaces(options_.detect_every) : ListedFaces(options_.faces);
+    if (!IsOff(look_)) engine_ = std::make_unique<Engine>();
+    const std::unique_ptr<FaceSource> faces = Faces();
     ChooseRange();
     Y4mWriter writer(options_.out, reader_.header());
     const double start = Now();
@@ -71,10 +72,15 @@ class Video {
         writer.Write(reader_.frame_line(), processed);
         progress.Show(++frames_);
       }
-      writer.Finish();
+      if (!FaceIsMissing()) writer.Finish();
     }
-    if (const std::string remark = faces->Remark(); !remark.empty()) Note(remark);
+    for (const std::string& remark : faces->Remarks()) Note(remark);
+    left_out_ = faces->left_out();
+    if (needs_faces_ && frames_with_faces_ == 0 && !FaceIsMissing()) {
+      Note(reader_.name() + ": no face found, the clip stays as it is");
+    }
     for (const std::string& note : notes_) Complain(note);
+    if (FaceIsMissing()) throw Failure(ExitCode::NoFace, reader_.name() + ": no face found");
     if (options_.json) Tell((Now() - start) / 1000);
     return ExitCode::Done;
   }
@@ -82,13 +88,22 @@ class Video {
  private:
   void Note(const std::string& note) { notes_.push_back(note); }
 
+  std::unique_ptr<FaceSource> Faces() {
+    if (!options_.faces.empty()) return ListedFaces(options_.faces);
+    needs_faces_ = !IsOff(look_) || options_.require_face;
+    return needs_faces_ ? DetectedFaces(options_.detect_every) : NoFaces();
+  }
+
+  /// Whether a face was required and the frames so far have none.
+  bool FaceIsMissing() const { return options_.require_face && frames_with_faces_ == 0; }
+
   /// Slimming moves samples and does not care what they mean; whitening does.
   void ChooseRange() {
     if (!Whitens(look_)) return;
     if (options_.range == "auto") {
       limited_ = !reader_.header().full_range.value_or(false);
       if (!reader_.header().full_range) {
-        Note(options_.in + ": does not say its colour range; taken as limited (see --range)");
+        Note(reader_.name() + ": does not say its colour range; taken as limited (see --range)");
       }
     } else {
       limited_ = options_.range == "limited";
@@ -103,6 +118,7 @@ class Video {
   /// The frame that goes into the file.
   const ClipFrame& Process(const std::vector<Face>& faces) {
     if (!faces.empty()) ++frames_with_faces_;
+    if (engine_ == nullptr) return input_;
     if (!limited_) {
       Engage(input_, output_, faces);
       return output_;
@@ -115,8 +131,8 @@ class Video {
 
   void Engage(const ClipFrame& in, ClipFrame& out, const std::vector<Face>& faces) {
     Report report;
-    ThrowUnlessOk(engine_.pipeline().Process(in.View(), out.MutableView(), faces, look_, &report,
-                                             {Chain::Preview}));
+    ThrowUnlessOk(engine_->pipeline().Process(in.View(), out.MutableView(), faces, look_, &report,
+                                              {Chain::Preview}));
     engine_ms_ += report.engine_ms;
     faces_ += report.faces;
     if (report.faces > 0) buffer_kind_ = report.buffer_kind;
@@ -134,6 +150,8 @@ class Video {
                  {"frames", frames_},
                  {"frames_with_faces", frames_with_faces_},
                  {"faces", faces_},
+                 {"faces_left_out", left_out_},
+                 {"face_found", needs_faces_ ? Json(frames_with_faces_ > 0) : Json()},
                  {"chain", faces_ > 0 ? "preview" : "none"},
                  {"buffer", buffer_kind_},
                  {"seconds", seconds},
@@ -147,11 +165,12 @@ class Video {
   Look look_;
   Y4mReader reader_;
   ClipFrame input_, output_;
-  ClipFrame stretched_;  // the input in full range, for clips of limited range
-  Engine engine_;
+  ClipFrame stretched_;             // the input in full range, for clips of limited range
+  std::unique_ptr<Engine> engine_;  // none where the look is off
+  bool needs_faces_ = true;         // else none were looked for
   bool limited_ = false;
   std::vector<std::string> notes_;
-  int64_t frames_ = 0, frames_with_faces_ = 0, faces_ = 0;
+  int64_t frames_ = 0, frames_with_faces_ = 0, faces_ = 0, left_out_ = 0;
   double engine_ms_ = 0;
   std::string buffer_kind_;
 };
@@ -183,6 +202,9 @@ void AddVideo(CLI::App& program, Action* action) {
       ->check(CLI::IsMember({"auto", "full", "limited"}))
       ->capture_default_str();
   command->add_flag("--json", options->json, "print a report for machines on standard output");
+  command->add_flag("--require-face", options->require_face,
+                    "fail with exit code 5, and write no file, when no frame has a face; what\n"
+                    "went to standard output by then is the clip as it was");
   command->footer(std::string(kVideoFormats) + "\n\n" + kExitCodes);
   command->callback([options, action] {
     *action = [options] {

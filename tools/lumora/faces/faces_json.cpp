@@ -113,7 +113,8 @@ Face ParseFace(const Value& value) {
 
 }  // namespace
 
-std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture) {
+std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture,
+                             int* left_out) {
   Json json;
   try {
     json = Json::parse(text);
@@ -131,8 +132,14 @@ std::vector<Face> ParseFaces(const std::string& text, const std::string& name, c
   std::vector<Face> faces;
   for (size_t i = 0; i < count; ++i) {
     const Value value = list.Item(i);
-    faces.push_back(ParseFace(value));
-    const PointF centre = FaceCentre(faces.back());
+    const Face face = ParseFace(value);
+    if (left_out != nullptr && SlimmingCircle(face, picture.width, picture.height).radius == 0) {
+      ++*left_out;
+      continue;
+    }
+    faces.push_back(face);
+    if (left_out != nullptr) continue;
+    const PointF centre = FaceCentre(face);
     const bool inside = centre.x >= 0 && centre.y >= 0 &&
                         centre.x < static_cast<float>(picture.width) &&
                         centre.y < static_cast<float>(picture.height);

@@ -84,6 +84,10 @@ Look LookOptions::Chosen() const {
   return look;
 }
 
+bool IsOff(const Look& look) {
+  return look.slim == 0 && !Whitens(look);
+}
+
 nlohmann::ordered_json LookJson(const Look& look) {
   return {{"slim", look.slim},
           {"whiten", look.whiten},

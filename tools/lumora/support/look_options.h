@@ -28,6 +28,9 @@ class LookOptions {
   std::string preset_;
 };
 
+/// Whether the look leaves every picture as it is.
+bool IsOff(const Look& look);
+
 /// For reports.
 nlohmann::ordered_json LookJson(const Look& look);
 

@@ -51,13 +51,29 @@ class Listed final : public FaceSource {
     }
     ++line_;
     if (line.find_first_not_of(" \t\r") == std::string::npos) return {};
-    return ParseFaces(line, path_ + ": line " + std::to_string(line_), luma.size());
+    int left_out = 0;
+    std::vector<Face> faces =
+        ParseFaces(line, path_ + ": line " + std::to_string(line_), luma.size(), &left_out);
+    if (left_out > 0 && left_out_ == 0) first_left_out_ = line_;
+    left_out_ += left_out;
+    return faces;
   }
 
-  std::string Remark() override {
+  int64_t left_out() const override { return left_out_; }
+
+  std::vector<std::string> Remarks() override {
+    std::vector<std::string> remarks;
+    if (left_out_ > 0) {
+      remarks.push_back(path_ + ": left out " + std::to_string(left_out_) +
+                        (left_out_ == 1 ? " face" : " faces") +
+                        " outside the frame, first in line " + std::to_string(first_left_out_));
+    }
     std::string line;
-    if (!std::getline(stream(), line)) return {};
-    return path_ + ": has more lines than the clip has frames (" + std::to_string(line_) + ")";
+    if (std::getline(stream(), line)) {
+      remarks.push_back(path_ + ": has more lines than the clip has frames (" +
+                        std::to_string(line_) + ")");
+    }
+    return remarks;
   }
 
  private:
@@ -66,12 +82,22 @@ class Listed final : public FaceSource {
   std::string path_;
   std::ifstream file_;
   int64_t line_ = 0;
+  int64_t left_out_ = 0, first_left_out_ = 0;  ///< a count, and the line of the first
+};
+
+class None final : public FaceSource {
+ public:
+  std::vector<Face> Next(const cv::Mat& /*luma*/) override { return {}; }
 };
 
 }  // namespace
 
 std::unique_ptr<FaceSource> DetectedFaces(int every) {
   return std::make_unique<Detected>(every);
+}
+
+std::unique_ptr<FaceSource> NoFaces() {
+  return std::make_unique<None>();
 }
 
 std::unique_ptr<FaceSource> ListedFaces(const std::string& path) {

@@ -2,6 +2,7 @@
 #ifndef LUMORA_TOOLS_VIDEO_FACE_SOURCE_H_
 #define LUMORA_TOOLS_VIDEO_FACE_SOURCE_H_
 
+#include <cstdint>
 #include <memory>
 #include <opencv2/core.hpp>
 #include <string>
@@ -17,12 +18,17 @@ class FaceSource {
 
   /// The faces of the next frame, whose luma plane is given. Throws Failure.
   virtual std::vector<Face> Next(const cv::Mat& luma) = 0;
-  /// A sentence for the user at the end of the clip; empty when there is nothing to say.
-  virtual std::string Remark() { return {}; }
+  /// How many faces were left out so far: those that cannot be processed, as outside their frames.
+  virtual int64_t left_out() const { return 0; }
+  /// Sentences for the user at the end of the clip.
+  virtual std::vector<std::string> Remarks() { return {}; }
 };
 
 /// Looks for faces in every n-th frame and follows them smoothly in between.
 std::unique_ptr<FaceSource> DetectedFaces(int every);
+
+/// No face at all, for clips that stay as they are.
+std::unique_ptr<FaceSource> NoFaces();
 
 /// Takes them from a file with one line a frame, each as ParseFaces reads it; an empty line is a
 /// frame without faces. Throws Failure (Unreadable).

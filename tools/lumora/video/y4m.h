@@ -48,6 +48,8 @@ class Y4mReader {
   /// Opens a clip and reads its header. Throws Failure (Unreadable).
   explicit Y4mReader(const std::string& path);
 
+  /// For messages: the path, or "standard input".
+  const std::string& name() const { return input_.name(); }
   const Y4mHeader& header() const { return header_; }
   /// How many frames there are, where the input is a file with plain frame headers.
   std::optional<int64_t> FrameCount() const;
