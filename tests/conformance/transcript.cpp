@@ -85,6 +85,10 @@ class Reader {
     }
     if (ActsOnTexture(call.function) && !known(state_.textures[state_.unit])) return false;
     if (ActsOnFramebuffer(call.function) && !known(state_.framebuffer)) return false;
+    // What is bound for reading alone is the platform's.
+    if (call.function == "glCheckFramebufferStatus" && call.arguments[0].text != "FRAMEBUFFER") {
+      return false;
+    }
     return std::all_of(call.arguments.begin(), call.arguments.end(),
                        [this](const CallArgument& argument) { return known(argument.object); });
   }

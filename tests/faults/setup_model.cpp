@@ -51,16 +51,18 @@ Consequence FailingBufferedImage(Call call, int ordinal, bool staged) {
   switch (call) {
     case Call::NewObject:  // the image, then its buffer
       return Missing({NoImage()});
-    case Call::GenTexture:  // of the shared memory, then of the image
-      if (ordinal == 2) return Missing({NothingAttached()});
+    case Call::GenTexture:  // of the memory: copies have one, sharing has two; then of the image
+      if (ordinal == (staged ? 2 : 3)) return Missing({NothingAttached()});
       break;
     case Call::AlignedMalloc:
     case Call::ShowImage:
       return Missing({NoPixels()});
-    case Call::GenFramebuffer:  // for reading copies back, then the image's own
-      return staged && ordinal == 1 ? Missing({NoPixels()}) : FailingTarget(call);
+    case Call::GenFramebuffer:  // to read the memory's texture with, then the image's own
+      if (ordinal == 2) return FailingTarget(call);
+      break;
     case Call::CheckFramebuffer:
-      return FailingTarget(call);
+      if (staged || ordinal == 2) return FailingTarget(call);
+      break;
     default:
       break;
   }
@@ -227,11 +229,13 @@ Part BufferedImage(const char* name, bool staged) {
                                       {Call::CreateImage, 1},    {Call::ShowImage, 1},
                                       {Call::GenFramebuffer, 1}, {Call::CheckFramebuffer, 1}};
   const std::map<Call, int> own =
-      staged
-          ? std::map<Call, int>{{Call::AlignedMalloc, 1},
-                                {Call::TexImage, 1},
-                                {Call::GenFramebuffer, 1}}
-          : kMemoryObject + std::map<Call, int>{{Call::VulkanExport, 1}, {Call::ImportMemory, 1}};
+      staged ? std::map<Call, int>{{Call::AlignedMalloc, 1},
+                                   {Call::TexImage, 1},
+                                   {Call::GenFramebuffer, 1}}
+             : kMemoryObject +
+                   std::map<Call, int>{{Call::VulkanExport, 1},   {Call::Stat, 1},
+                                       {Call::ImportMemory, 1},   {Call::GenTexture, 1},
+                                       {Call::GenFramebuffer, 1}, {Call::CheckFramebuffer, 1}};
   return {name, common + own,
           [staged](Call call, int ordinal) { return FailingBufferedImage(call, ordinal, staged); }};
 }

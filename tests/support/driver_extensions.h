@@ -21,6 +21,8 @@ struct DriverExtensions {
   PFNGLPROGRAMBINARYOESPROC program_binary = nullptr;
   PFNGLCREATEMEMORYOBJECTSEXTPROC create_memory = nullptr;
   PFNGLDELETEMEMORYOBJECTSEXTPROC delete_memory = nullptr;
+  PFNGLIMPORTMEMORYFDEXTPROC import_memory = nullptr;
+  PFNGLTEXSTORAGEMEM2DEXTPROC storage_memory = nullptr;
 };
 
 /// What eglGetProcAddress is to give for `name`: the replacement, with the driver's function kept
@@ -41,6 +43,8 @@ inline __eglMustCastToProperFunctionPointerType ReplaceExtension(
   offer("glProgramBinaryOES", &DriverExtensions::program_binary);
   offer("glCreateMemoryObjectsEXT", &DriverExtensions::create_memory);
   offer("glDeleteMemoryObjectsEXT", &DriverExtensions::delete_memory);
+  offer("glImportMemoryFdEXT", &DriverExtensions::import_memory);
+  offer("glTexStorageMem2DEXT", &DriverExtensions::storage_memory);
   return found;
 }
 

@@ -8,6 +8,7 @@ list(APPEND lumora_platform_sources
   platform/linux/log_mask.cpp
   platform/linux/memory_object.cpp
   platform/linux/memory_object_proof.cpp
+  platform/linux/memory_object_rehearsal.cpp
   platform/linux/owned_texture.cpp
   platform/linux/paths.cpp
   platform/linux/pixel_transfer.cpp

@@ -1,5 +1,6 @@
 #include "lumora/platform/linux/memory_object.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <optional>
@@ -11,36 +12,93 @@
 namespace lumora::platform {
 namespace {
 
-// A texture whose pixels are imported memory.
+// A file descriptor that GL takes over when it imports the memory behind it, and only then.
+class ImportedDescriptor {
+ public:
+  explicit ImportedDescriptor(int descriptor) : descriptor_(descriptor) {
+    known_ = fstat(descriptor, &file_) == 0;
+  }
+  int get() const { return descriptor_; }
+
+  // After GL refused the memory and forgot what it had of it. GL does not tell whether it took the
+  // descriptor before; if it did, the number may be another file's by now.
+  void closeIfOurs() const {
+    struct stat now {};
+    if (!known_ || fstat(descriptor_, &now) != 0) return;
+    if (now.st_dev == file_.st_dev && now.st_ino == file_.st_ino) close(descriptor_);
+  }
+
+ private:
+  const int descriptor_;
+  struct stat file_ {};
+  bool known_ = false;
+};
+
+// A texture whose pixels are imported memory, and what it takes to wait for it.
 // Context: the one that is current at construction.
 class ImportedTexture {
  public:
   // Takes `descriptor` over. Leaves the texture bound.
-  ImportedTexture(int descriptor, size_t size, const BufferGeometry& geometry) {
+  ImportedTexture(int descriptor, size_t size, const BufferGeometry& geometry)
+      : features_(QueryTransferFeatures()) {
+    const ImportedDescriptor imported(descriptor);
     const gl::ExtensionApi& api = gl::Extensions();
     const PixelRectangle whole = geometry.whole();
     api.glCreateMemoryObjectsEXT(1, &memory_object_);
-    api.glImportMemoryFdEXT(memory_object_, size, GL_HANDLE_TYPE_OPAQUE_FD_EXT, descriptor);
+    api.glImportMemoryFdEXT(memory_object_, size, GL_HANDLE_TYPE_OPAQUE_FD_EXT, imported.get());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_TILING_EXT, GL_LINEAR_TILING_EXT);
     api.glTexStorageMem2DEXT(GL_TEXTURE_2D, 1, GL_RGBA8_OES, whole.width, whole.height,
                              memory_object_, 0);
+    complete_ = pixel_.name() != 0 && texture_.name() != 0 && makeFramebuffer();
+    if (complete_) return;
+    deleteMemoryObject();
+    imported.closeIfOurs();
+    while (glGetError() != GL_NO_ERROR) continue;  // copies take over: nothing failed
   }
   ~ImportedTexture() {
     if (!texture_.isHere()) return;
     // Mesa's llvmpipe unmaps imported memory with its texture, also under draws that still sample
     // it.
-    glFinish();
-    gl::Extensions().glDeleteMemoryObjectsEXT(1, &memory_object_);
+    if (complete_) waitForGpu();
+    if (framebuffer_ != 0) glDeleteFramebuffers(1, &framebuffer_);
+    deleteMemoryObject();
   }
   ImportedTexture(const ImportedTexture&) = delete;
   ImportedTexture& operator=(const ImportedTexture&) = delete;
 
+  // Whether the memory was imported.
+  bool complete() const { return complete_; }
   const OwnedTexture& texture() const { return texture_; }
 
+  // Waits until the GPU has carried out everything that the context was told, whatever image it
+  // was about. glFinish alone is not enough: Mesa's zink lets it return at once when nothing was
+  // told since the last glFlush, though what was flushed is still running. So there is always one
+  // command more to wait for.
+  void waitForGpu() const {
+    CopyPixel(framebuffer_, pixel_.name(), features_);
+    glFinish();
+  }
+
  private:
+  bool makeFramebuffer() {
+    glGenFramebuffers(1, &framebuffer_);
+    if (framebuffer_ == 0) return false;
+    AttachColor(framebuffer_, texture_.name(), features_);
+    return IsReadable(framebuffer_, features_);
+  }
+
+  void deleteMemoryObject() {
+    if (memory_object_ != 0) gl::Extensions().glDeleteMemoryObjectsEXT(1, &memory_object_);
+    memory_object_ = 0;
+  }
+
+  const TransferFeatures features_;
+  OwnedTexture pixel_;  ///< where the copy to wait for goes
   OwnedTexture texture_;
+  GLuint framebuffer_ = 0;  ///< shows the texture
   GLuint memory_object_ = 0;
+  bool complete_ = false;
 };
 
 class MemoryObjectBacking final : public BufferBacking {
@@ -98,7 +156,7 @@ class MemoryObjectBacking final : public BufferBacking {
   bool finish() {
     if (!imported_) return true;
     if (!imported_->texture().contextIsCurrent()) return false;
-    glFinish();
+    imported_->waitForGpu();
     return true;
   }
 
@@ -108,6 +166,7 @@ class MemoryObjectBacking final : public BufferBacking {
     if (descriptor < 0) return EGL_NO_IMAGE_KHR;
     const TextureBindingScope binding;
     imported_.emplace(descriptor, allocation_.size, geometry_);
+    if (!imported_->complete()) return EGL_NO_IMAGE_KHR;
     return CreateTextureImage(display, imported_->texture().name(), attributes);
   }
 

@@ -7,9 +7,8 @@
 namespace lumora::platform {
 
 /// The Vulkan device of the current context when images in its memory passed the proof, else null.
-/// GL cannot tell how it lays out imported memory, so the CPU writes a picture into one such image,
-/// the GPU fills another and copies a part of the picture into it, and the CPU reads that, in a
-/// context of its own; once a display.
+/// GL cannot tell how it lays out imported memory, nor how far its finish can be trusted, so frames
+/// are rehearsed in a context of its own; once a display.
 /// Thread-safe; the current context is as before afterwards.
 const VulkanMemory* ProvenMemoryDevice();
 

@@ -162,4 +162,16 @@ void AttachColor(GLuint framebuffer, GLuint texture, const TransferFeatures& fea
   glFramebufferTexture2D(binding.target(), GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
 }
 
+bool IsReadable(GLuint framebuffer, const TransferFeatures& features) {
+  const ReadFramebufferScope binding(framebuffer, features);
+  return glCheckFramebufferStatus(binding.target()) == GL_FRAMEBUFFER_COMPLETE;
+}
+
+void CopyPixel(GLuint framebuffer, GLuint texture, const TransferFeatures& features) {
+  const ReadFramebufferScope source(framebuffer, features);
+  const TextureBindingScope target;
+  glBindTexture(GL_TEXTURE_2D, texture);
+  glCopyTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 0, 0, 1, 1, 0);
+}
+
 }  // namespace lumora::platform

@@ -34,6 +34,12 @@ void ReadBack(GLuint framebuffer, const CpuImage& image, const PixelRectangle& p
 /// Makes `texture` the colour attachment of `framebuffer`.
 void AttachColor(GLuint framebuffer, GLuint texture, const TransferFeatures& features);
 
+/// Whether `framebuffer` can be read: its texture has storage, for one thing.
+bool IsReadable(GLuint framebuffer, const TransferFeatures& features);
+
+/// Makes `texture` a copy of one pixel of the colour attachment of `framebuffer`.
+void CopyPixel(GLuint framebuffer, GLuint texture, const TransferFeatures& features);
+
 }  // namespace lumora::platform
 
 #endif  // LUMORA_PLATFORM_LINUX_PIXEL_TRANSFER_H_
