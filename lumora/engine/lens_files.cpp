@@ -1,12 +1,15 @@
 #include "lumora/engine/lens_files.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <string>
 
 #include "lumora/engine/lens_polynomial.h"
+#include "lumora/platform/c_locale.h"
+#include "lumora/platform/regular_file.h"
 #include "lumora/platform/settings.h"
 
 namespace lumora {
@@ -19,11 +22,8 @@ struct FileText {
   char text[kTextSize + 1] = {};
 
   explicit FileText(const std::string& path) {
-    if (std::FILE* file = std::fopen((platform::SystemRoot() + path).c_str(), "rb")) {
-      const size_t count = std::fread(text, 1, kTextSize, file);
-      std::fclose(file);
-      text[count] = '\0';
-    }
+    const std::string whole = platform::SystemRoot() + path;
+    text[platform::ReadRegularFile(whole.c_str(), text, kTextSize)] = '\0';
   }
 };
 
@@ -41,6 +41,8 @@ std::array<float, 4> ReadLensCoefficients(bool second_camera) {
   std::array<float, 4> k{};
   std::copy(std::begin(kDefaultLensCoefficients), std::end(kDefaultLensCoefficients), k.begin());
 
+  const platform::CLocale locale;
+  if (!locale.ok()) return k;
   char path[kTextSize];
   std::snprintf(path, sizeof(path), "/system/etc/%s_1", SensorName(second_camera).c_str());
   const FileText file(path);
@@ -49,7 +51,11 @@ std::array<float, 4> ReadLensCoefficients(bool second_camera) {
   if (key == nullptr) return k;
   const char* separator = key + std::strlen(kKey);
   if (*separator == '\0') return k;
-  std::sscanf(separator + 1, "%f %f %f %f", &k[0], &k[1], &k[2], &k[3]);
+  float told[4];
+  const int count =
+      std::sscanf(separator + 1, "%f %f %f %f", &told[0], &told[1], &told[2], &told[3]);
+  // What is no finite number ends them, as what is none at all does.
+  for (int i = 0; i < count && std::isfinite(told[i]); ++i) k[static_cast<size_t>(i)] = told[i];
   return k;
 }
 

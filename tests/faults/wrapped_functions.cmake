@@ -9,4 +9,4 @@ set(lumora_wrapped_functions
   glGetUniformLocation
   dlsym
   malloc calloc posix_memalign _ZnwmRKSt9nothrow_t _ZnamRKSt9nothrow_t
-  open openat fstat read mkdir write close renameat fopen fread)
+  open openat fstat read mkdir write close renameat fdopen fread)
