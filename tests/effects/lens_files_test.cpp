@@ -97,7 +97,7 @@ TEST_F(LensFiles, NumbersAreThoseOfTheCLibrary) {
                                 ".",   "-",    "+-1", "1.2.3", "4d",   "1_0",  "1e-60",  "x"};
   const char* const kBetween[] = {" ", " ", " ", "\t", "\n", "  ", ",", ""};
   int all = 0;
-  for (int round = 0; round < 800; ++round) {
+  for (int round = 0; round < 300; ++round) {
     std::string text;
     for (int word = 0; word < 4; ++word) {
       const size_t likely = random() % 4 == 0 ? std::size(kWords) : 8;
