@@ -56,7 +56,8 @@ struct FaceProcessRect {
 /// different threads are independent of each other.
 ///
 /// Failure: nothing throws. Calls return 0 where said so, and the log (tag "Lumora") tells why.
-/// Operations whose program or image does not exist do nothing, say so at ERROR and return 0.
+/// Operations whose program or image does not exist do nothing, say so at ERROR and return 0. Where
+/// memory is short a set-up lacks that program or image, or does without the program cache.
 class LUMORA_API GPUBeautyFace {
  public:
   /// Builds the context. When any step fails the object is left half-built with `m_bEGLReady` false

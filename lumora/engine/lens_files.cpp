@@ -1,15 +1,12 @@
 #include "lumora/engine/lens_files.h"
 
 #include <algorithm>
-#include <cmath>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
-#include <string>
 
 #include "lumora/engine/lens_polynomial.h"
-#include "lumora/platform/c_locale.h"
-#include "lumora/platform/regular_file.h"
 #include "lumora/platform/settings.h"
 
 namespace lumora {
@@ -21,17 +18,25 @@ constexpr size_t kTextSize = 100;
 struct FileText {
   char text[kTextSize + 1] = {};
 
-  explicit FileText(const std::string& path) {
-    const std::string whole = platform::SystemRoot() + path;
-    text[platform::ReadRegularFile(whole.c_str(), text, kTextSize)] = '\0';
+  explicit FileText(const char* path) {
+    char whole[PATH_MAX];
+    if (!platform::SystemPath(path, whole, sizeof(whole))) return;
+    if (std::FILE* file = std::fopen(whole, "rb")) {
+      const size_t count = std::fread(text, 1, kTextSize, file);
+      std::fclose(file);
+      text[count] = '\0';
+    }
   }
 };
 
 /// The first word after the first space of the sensor file; empty when there is none.
-std::string SensorName(bool second_camera) {
+struct SensorName {
+  char text[kTextSize + 1] = {};
+};
+SensorName ReadSensorName(bool second_camera) {
   const FileText file(second_camera ? "/sys/android_camera2/sensor" : "/sys/android_camera/sensor");
-  char name[kTextSize + 1] = {};
-  if (const char* space = std::strchr(file.text, ' ')) std::sscanf(space, "%100s", name);
+  SensorName name;
+  if (const char* space = std::strchr(file.text, ' ')) std::sscanf(space, "%100s", name.text);
   return name;
 }
 
@@ -41,21 +46,15 @@ std::array<float, 4> ReadLensCoefficients(bool second_camera) {
   std::array<float, 4> k{};
   std::copy(std::begin(kDefaultLensCoefficients), std::end(kDefaultLensCoefficients), k.begin());
 
-  const platform::CLocale locale;
-  if (!locale.ok()) return k;
   char path[kTextSize];
-  std::snprintf(path, sizeof(path), "/system/etc/%s_1", SensorName(second_camera).c_str());
+  std::snprintf(path, sizeof(path), "/system/etc/%s_1", ReadSensorName(second_camera).text);
   const FileText file(path);
   constexpr char kKey[] = "r_param";
   const char* key = std::strstr(file.text, kKey);
   if (key == nullptr) return k;
   const char* separator = key + std::strlen(kKey);
   if (*separator == '\0') return k;
-  float told[4];
-  const int count =
-      std::sscanf(separator + 1, "%f %f %f %f", &told[0], &told[1], &told[2], &told[3]);
-  // What is no finite number ends them, as what is none at all does.
-  for (int i = 0; i < count && std::isfinite(told[i]); ++i) k[static_cast<size_t>(i)] = told[i];
+  std::sscanf(separator + 1, "%f %f %f %f", &k[0], &k[1], &k[2], &k[3]);
   return k;
 }
 

@@ -2,17 +2,22 @@
 
 #include <algorithm>
 
+#include "lumora/platform/immortal.h"
+#include "lumora/platform/out_of_memory.h"
+
 namespace lumora::platform {
 
 BufferRegistry& BufferRegistry::Instance() {
-  // Never destroyed: buffers of static objects may outlive any other static.
-  static auto* const registry = new BufferRegistry;
+  static Immortal<BufferRegistry> registry;
   return *registry;
 }
 
-void BufferRegistry::add(GraphicBuffer* buffer, const void* base, Coherence* coherence) {
+bool BufferRegistry::add(GraphicBuffer* buffer, const void* base, Coherence* coherence) {
   const std::lock_guard<std::mutex> guard(mutex_);
-  entries_.push_back({buffer, base, coherence, EGL_NO_CONTEXT, 0});
+  return UnlessOutOfMemory(false, [&] {
+    entries_.push_back({buffer, base, coherence, EGL_NO_CONTEXT, 0});
+    return true;
+  });
 }
 
 void BufferRegistry::remove(const GraphicBuffer* buffer) {

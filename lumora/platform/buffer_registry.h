@@ -18,7 +18,8 @@ class BufferRegistry {
  public:
   static BufferRegistry& Instance();
 
-  void add(GraphicBuffer* buffer, const void* base, Coherence* coherence);
+  /// False, with nothing added, where memory is short.
+  bool add(GraphicBuffer* buffer, const void* base, Coherence* coherence);
   /// Forgets the buffer and its texture.
   void remove(const GraphicBuffer* buffer);
 

@@ -4,12 +4,15 @@
 
 #include "lumora/platform/buffer_registry.h"
 #include "lumora/platform/graphic_buffer.h"
+#include "lumora/platform/immortal.h"
 
 namespace lumora::platform::gralloc {
 namespace {
 
+// Both hold themselves, so that nobody's last reference deletes them.
 class Allocator final : public IMemAlloc {
  public:
+  Allocator() { incStrong(); }
   int clean_buffer(void* base, size_t, int, int, int operation) override {
     if (operation != CACHE_CLEAN) return -EINVAL;
     GraphicBuffer* const buffer = BufferRegistry::Instance().findByBase(base);
@@ -19,19 +22,19 @@ class Allocator final : public IMemAlloc {
 
 class Controller final : public IAllocController {
  public:
+  Controller() { incStrong(); }
   // One allocator makes every buffer, whatever its flags.
-  sp<IMemAlloc> getAllocator(int) override { return allocator_; }
+  sp<IMemAlloc> getAllocator(int) override { return &*allocator_; }
 
  private:
-  sp<IMemAlloc> allocator_ = new Allocator;
+  Immortal<Allocator> allocator_;
 };
 
 }  // namespace
 
 sp<IAllocController> IAllocController::getInstance() {
-  // Never destroyed: images of static objects may be cleaned after any other static has gone.
-  static auto* const controller = new sp<IAllocController>(new Controller);
-  return *controller;
+  static Immortal<Controller> controller;
+  return &*controller;
 }
 
 }  // namespace lumora::platform::gralloc

@@ -8,6 +8,8 @@
 #include "lumora/platform/buffer_geometry.h"
 #include "lumora/platform/buffer_registry.h"
 #include "lumora/platform/coherence.h"
+#include "lumora/platform/immortal.h"
+#include "lumora/platform/out_of_memory.h"
 #include "lumora/platform/pixel_digest.h"
 
 namespace lumora::platform {
@@ -15,6 +17,24 @@ namespace lumora::platform {
 struct GraphicBuffer::State final : CoherentMemory {
   State(const BufferGeometry& layout, uint32_t usage) : geometry(layout), coherence(*this) {
     handle.flags = static_cast<int>(usage);
+  }
+
+  // What stands in where there is no memory for even this; it never gets a backing, so that nothing
+  // is written to it.
+  static State& Missing() {
+    static Immortal<State> state(LayOut(0, 0), 0);
+    return *state;
+  }
+  static State* Make(const BufferGeometry& layout, uint32_t usage) {
+    return UnlessOutOfMemory(&Missing(), [&] { return new State(layout, usage); });
+  }
+
+  // So that digests can be remembered at any time. False where memory is short.
+  bool reserveDigests() {
+    return UnlessOutOfMemory(false, [this] {
+      row_digests.reserve(rows());
+      return true;
+    });
   }
 
   void adopt(std::unique_ptr<BufferBacking> memory) {
@@ -65,16 +85,18 @@ struct GraphicBuffer::State final : CoherentMemory {
 };
 
 GraphicBuffer::GraphicBuffer(uint32_t width, uint32_t height, int format, uint32_t usage)
-    : state_(std::make_unique<State>(LayOut(width, height), usage)) {
-  if (format != HAL_PIXEL_FORMAT_RGBA_8888 || state_->geometry.size == 0) return;
+    : state_(State::Make(LayOut(width, height), usage)) {
+  const bool missing = state_.get() == &State::Missing();
+  if (missing || format != HAL_PIXEL_FORMAT_RGBA_8888 || state_->geometry.size == 0) return;
   std::unique_ptr<BufferBacking> memory = MakeBacking(state_->geometry);
-  if (memory == nullptr) return;
+  if (memory == nullptr || !state_->reserveDigests()) return;
+  if (!BufferRegistry::Instance().add(this, memory->address(), &state_->coherence)) return;
   state_->adopt(std::move(memory));
-  BufferRegistry::Instance().add(this, state_->handle.base, &state_->coherence);
 }
 
 GraphicBuffer::~GraphicBuffer() {
   BufferRegistry::Instance().remove(this);
+  if (state_.get() == &State::Missing()) static_cast<void>(state_.release());
 }
 
 uint32_t GraphicBuffer::width() const {

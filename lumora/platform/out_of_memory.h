@@ -10,6 +10,15 @@
 
 namespace lumora::platform {
 
+/// Does `work` as far as memory goes.
+template <typename Work>
+void UnlessOutOfMemory(Work work) {
+  try {
+    work();
+  } catch (const std::bad_alloc&) {  // nobody waits for an answer
+  }
+}
+
 /// What `work` answers, or `otherwise` where it has run out of memory.
 template <typename Answer, typename Work>
 Answer UnlessOutOfMemory(Answer otherwise, Work work) {

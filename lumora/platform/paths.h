@@ -6,6 +6,8 @@
 
 namespace lumora::platform {
 
+// The first two throw std::bad_alloc: they are for the platform layer itself.
+
 /// The cache directory that the application or the environment names; empty where neither does.
 std::string ChosenCacheDirectory();
 

@@ -3,8 +3,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <string_view>
 #include <utility>
 
+#include "lumora/platform/immortal.h"
+#include "lumora/platform/out_of_memory.h"
 #include "lumora/platform/paths.h"
 
 namespace lumora::platform {
@@ -20,15 +23,19 @@ class DirectorySetting {
     directory_ = std::move(directory);
   }
 
-  // Without trailing slashes; empty when nobody chose.
-  std::string get() {
+  // What `use` makes of it, without trailing slashes; empty when nobody chose.
+  template <typename Use>
+  auto read(Use use) {
     const std::lock_guard<std::mutex> guard(mutex_);
-    std::string directory = directory_;
+    std::string_view directory = directory_;
     if (directory.empty()) {
       if (const char* value = std::getenv(variable_)) directory = value;
     }
-    while (directory.size() > 1 && directory.back() == '/') directory.pop_back();
-    return directory;
+    while (directory.size() > 1 && directory.back() == '/') directory.remove_suffix(1);
+    return use(directory);
+  }
+  std::string get() {
+    return read([](std::string_view directory) { return std::string(directory); });
   }
 
  private:
@@ -37,15 +44,18 @@ class DirectorySetting {
   std::string directory_;
 };
 
-// Never destroyed, like everything that a static object's end may still ask.
 DirectorySetting& CacheSetting() {
-  static auto* const setting = new DirectorySetting("LUMORA_CACHE_DIR");
+  static Immortal<DirectorySetting> setting("LUMORA_CACHE_DIR");
   return *setting;
 }
 
 DirectorySetting& RootSetting() {
-  static auto* const setting = new DirectorySetting("LUMORA_SYSTEM_ROOT");
+  static Immortal<DirectorySetting> setting("LUMORA_SYSTEM_ROOT");
   return *setting;
+}
+
+void Set(DirectorySetting& setting, const std::string& directory) {
+  UnlessOutOfMemory([&] { setting.set(directory); });
 }
 
 }  // namespace
@@ -55,12 +65,14 @@ std::string ChosenCacheDirectory() {
 }
 
 std::string CacheDirectory() {
-  const std::string chosen = ChosenCacheDirectory();
-  return chosen.empty() ? DefaultCacheDirectory() : chosen;
+  return UnlessOutOfMemory(std::string(), [] {
+    std::string chosen = ChosenCacheDirectory();
+    return chosen.empty() ? DefaultCacheDirectory() : chosen;
+  });
 }
 
 void SetCacheDirectory(const std::string& directory) {
-  CacheSetting().set(directory);
+  Set(CacheSetting(), directory);
 }
 
 bool FullQuads() {
@@ -69,12 +81,25 @@ bool FullQuads() {
 }
 
 std::string SystemRoot() {
-  const std::string root = RootSetting().get();
-  return root == "/" ? std::string() : root;
+  return UnlessOutOfMemory(std::string(), [] {
+    std::string root = RootSetting().get();
+    return root == "/" ? std::string() : root;
+  });
+}
+
+bool SystemPath(const char* path, char* text, size_t size) {
+  return RootSetting().read([&](std::string_view root) {
+    if (root == "/") root = {};
+    const size_t length = std::strlen(path);
+    if (root.size() + length + 1 > size) return false;
+    root.copy(text, root.size());
+    std::memcpy(text + root.size(), path, length + 1);
+    return true;
+  });
 }
 
 void SetSystemRoot(const std::string& root) {
-  RootSetting().set(root);
+  Set(RootSetting(), root);
 }
 
 }  // namespace lumora::platform

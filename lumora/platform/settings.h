@@ -3,6 +3,7 @@
 #ifndef LUMORA_PLATFORM_SETTINGS_H_
 #define LUMORA_PLATFORM_SETTINGS_H_
 
+#include <cstddef>
 #include <string>
 
 #include "lumora/export.h"
@@ -25,11 +26,12 @@ constexpr int kPropertyValueMax = 92;
 /// The directory of the program binary cache, without a trailing slash: what SetCacheDirectory set,
 /// else LUMORA_CACHE_DIR, else the platform's default (Linux: "lumora" below the user's cache home,
 /// and in it, where a context is current, a level of its own for this library and that context's
-/// driver; Android: "/data/GPU"). Empty where the platform knows no such place. Thread-safe.
+/// driver; Android: "/data/GPU"). Empty where the platform knows no such place, or
+/// memory is short. Thread-safe.
 LUMORA_API std::string CacheDirectory();
 
 /// Sets the cache directory of this process; an empty text goes back to the environment and
-/// default.
+/// default. Where memory is short the directory stays as it was.
 LUMORA_API void SetCacheDirectory(const std::string& directory);
 
 /// Creates the cache directory with its missing parents (Linux: mode 0755, and 0700 for the
@@ -42,10 +44,15 @@ void MakeCacheDirectory();
 bool FullQuads();
 
 /// The text put before "/sys" and "/system" paths: what SetSystemRoot set, else LUMORA_SYSTEM_ROOT,
-/// else empty. Thread-safe.
+/// else empty, also where memory is short. Thread-safe.
 LUMORA_API std::string SystemRoot();
 
+/// Puts the system root before `path`, at `text` of `size` bytes: as SystemRoot tells it, but
+/// asking for no memory. False where it does not fit. Thread-safe.
+bool SystemPath(const char* path, char* text, size_t size);
+
 /// Sets the system root of this process; an empty text goes back to the environment and default.
+/// Where memory is short it stays as it was.
 LUMORA_API void SetSystemRoot(const std::string& root);
 
 }  // namespace lumora::platform

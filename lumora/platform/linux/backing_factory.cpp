@@ -8,6 +8,7 @@
 #include "lumora/platform/linux/memory_object_proof.h"
 #include "lumora/platform/linux/staged.h"
 #include "lumora/platform/log.h"
+#include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
 namespace {
@@ -70,10 +71,14 @@ BufferKind PreferredBufferKind() {
 }
 
 std::unique_ptr<BufferBacking> MakeBacking(const BufferGeometry& geometry) {
+  const auto make = [&geometry](const Candidate& candidate) {
+    return UnlessOutOfMemory(std::unique_ptr<BufferBacking>(),
+                             [&] { return candidate.make(geometry); });
+  };
   const Candidate& preferred = PreferredCandidate();
-  std::unique_ptr<BufferBacking> backing = preferred.make(geometry);
+  std::unique_ptr<BufferBacking> backing = make(preferred);
   if (backing != nullptr || &preferred == &kFallback) return backing;
-  return kFallback.make(geometry);
+  return make(kFallback);
 }
 
 }  // namespace lumora::platform

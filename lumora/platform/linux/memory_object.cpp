@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <new>
 #include <optional>
 
 #include "lumora/platform/gl_api.h"
@@ -195,7 +196,12 @@ std::unique_ptr<BufferBacking> MakeMemoryObjectBacking(const VulkanMemory& devic
                                                        const BufferGeometry& geometry) {
   const std::optional<VulkanAllocation> allocation = device.allocate(geometry);
   if (!allocation) return nullptr;
-  return std::make_unique<MemoryObjectBacking>(device, *allocation, geometry);
+  try {
+    return std::make_unique<MemoryObjectBacking>(device, *allocation, geometry);
+  } catch (const std::bad_alloc&) {
+    device.release(*allocation);
+    throw;
+  }
 }
 
 }  // namespace lumora::platform

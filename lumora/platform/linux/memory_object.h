@@ -13,7 +13,8 @@ namespace lumora::platform {
 const VulkanMemory* CurrentMemoryDevice();
 
 /// An image in the memory of `device`; null when the device does not lay out its rows by the
-/// geometry. Its GL side falls back to copies in a context that cannot import the memory.
+/// geometry. Its GL side falls back to copies in a context that cannot import the memory. Throws
+/// std::bad_alloc.
 std::unique_ptr<BufferBacking> MakeMemoryObjectBacking(const VulkanMemory& device,
                                                        const BufferGeometry& geometry);
 

@@ -5,8 +5,10 @@
 #include <vector>
 
 #include "lumora/platform/gl_api.h"
+#include "lumora/platform/immortal.h"
 #include "lumora/platform/linux/memory_object.h"
 #include "lumora/platform/linux/memory_object_rehearsal.h"
+#include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
 namespace {
@@ -60,20 +62,27 @@ struct Proof {
   const VulkanMemory* device;
 };
 
+struct Proofs {
+  std::mutex mutex;
+  std::vector<Proof> known;
+};
+
 }  // namespace
 
 const VulkanMemory* ProvenMemoryDevice() {
   const EGLDisplay display = eglGetCurrentDisplay();
   if (display == EGL_NO_DISPLAY) return nullptr;
-  // Never destroyed: buffers of static objects may be made after any other static has gone.
-  static auto* const mutex = new std::mutex;
-  static auto* const proofs = new std::vector<Proof>;
-  const std::lock_guard<std::mutex> guard(*mutex);
-  for (const Proof& proof : *proofs) {
+  static Immortal<Proofs> proofs;
+  const std::lock_guard<std::mutex> guard((*proofs).mutex);
+  std::vector<Proof>& known = (*proofs).known;
+  for (const Proof& proof : known) {
     if (proof.display == display) return proof.device;
   }
-  proofs->push_back({display, Prove()});
-  return proofs->back().device;
+  return UnlessOutOfMemory<const VulkanMemory*>(nullptr, [&] {
+    known.reserve(known.size() + 1);  // before anything is made
+    known.push_back({display, Prove()});
+    return known.back().device;
+  });
 }
 
 }  // namespace lumora::platform

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "lumora/platform/linux/cache_levels.h"
+#include "lumora/platform/out_of_memory.h"
 #include "lumora/platform/settings.h"
 
 namespace lumora::platform {
@@ -39,16 +40,20 @@ std::string DefaultCacheDirectory() {
 }
 
 void MakeCacheDirectory() {
-  const std::string chosen = ChosenCacheDirectory();
-  if (chosen.empty()) {
-    MakeWithParents(DefaultCacheDirectory(), 0700);
-  } else {
-    MakeWithParents(chosen, 0755);
-  }
+  UnlessOutOfMemory([] {
+    const std::string chosen = ChosenCacheDirectory();
+    if (chosen.empty()) {
+      MakeWithParents(DefaultCacheDirectory(), 0700);
+    } else {
+      MakeWithParents(chosen, 0755);
+    }
+  });
 }
 
 void NoteCacheUse() {
-  if (ChosenCacheDirectory().empty()) KeepLevels(LevelsDirectory().c_str(), CurrentLevel());
+  UnlessOutOfMemory([] {
+    if (ChosenCacheDirectory().empty()) KeepLevels(LevelsDirectory().c_str(), CurrentLevel());
+  });
 }
 
 }  // namespace lumora::platform

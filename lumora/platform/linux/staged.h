@@ -50,7 +50,7 @@ class StagedTexture {
   bool shown_ = false;      ///< by an EGL image
 };
 
-/// Null when there is not enough memory.
+/// Null when there is not enough memory for the pixels; throws std::bad_alloc when not for itself.
 std::unique_ptr<BufferBacking> MakeStagedBacking(const BufferGeometry& geometry);
 
 }  // namespace lumora::platform

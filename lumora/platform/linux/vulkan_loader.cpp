@@ -2,8 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <array>
 #include <cstring>
-#include <vector>
 
 namespace lumora::platform {
 namespace {
@@ -58,13 +58,11 @@ bool HasIdentity(const Instance& instance, VkPhysicalDevice device,
 VkPhysicalDevice FindDevice(const Instance& instance, const DeviceIdentity& identity) {
   const auto enumerate =
       instance.function<PFN_vkEnumeratePhysicalDevices>("vkEnumeratePhysicalDevices");
-  uint32_t count = 0;
-  enumerate(instance.handle, &count, nullptr);
-  std::vector<VkPhysicalDevice> devices(count);
+  std::array<VkPhysicalDevice, 32> devices{};  // more than any machine has
+  auto count = static_cast<uint32_t>(devices.size());
   enumerate(instance.handle, &count, devices.data());
-  devices.resize(count);
-  for (VkPhysicalDevice device : devices) {
-    if (HasIdentity(instance, device, identity)) return device;
+  for (uint32_t i = 0; i < count; ++i) {
+    if (HasIdentity(instance, devices[i], identity)) return devices[i];
   }
   return VK_NULL_HANDLE;
 }

@@ -3,11 +3,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
 #include <mutex>
 #include <vector>
 
+#include "lumora/platform/immortal.h"
 #include "lumora/platform/linux/fresh_memory.h"
 #include "lumora/platform/linux/vulkan_loader.h"
+#include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
 namespace {
@@ -23,25 +26,30 @@ struct Known {
   const VulkanMemory* device;
 };
 
+struct Answers {
+  std::mutex mutex;
+  std::vector<Known> known;
+};
+
 }  // namespace
 
 const VulkanMemory* VulkanMemory::Find(const DeviceIdentity& identity) {
-  // Never destroyed, like the devices: buffers of static objects may outlive any other static.
-  static auto* const mutex = new std::mutex;
-  static auto* const answers = new std::vector<Known>;
-  const std::lock_guard<std::mutex> guard(*mutex);
-  for (const Known& known : *answers) {
-    if (known.identity.device == identity.device && known.identity.driver == identity.driver) {
-      return known.device;
+  // The devices are never closed either: buffers of static objects may outlive any other static.
+  static Immortal<Answers> answers;
+  const std::lock_guard<std::mutex> guard((*answers).mutex);
+  std::vector<Known>& known = (*answers).known;
+  for (const Known& answer : known) {
+    if (answer.identity.device == identity.device && answer.identity.driver == identity.driver) {
+      return answer.device;
     }
   }
-  auto* device = new VulkanMemory;
-  if (!device->open(identity)) {
-    delete device;
-    device = nullptr;
-  }
-  answers->push_back({identity, device});
-  return device;
+  return UnlessOutOfMemory<const VulkanMemory*>(nullptr, [&] {
+    known.reserve(known.size() + 1);  // before anything is opened
+    std::unique_ptr<VulkanMemory> device(new VulkanMemory);
+    if (!device->open(identity)) device.reset();
+    known.push_back({identity, device.get()});
+    return device.release();
+  });
 }
 
 bool VulkanMemory::open(const DeviceIdentity& identity) {
