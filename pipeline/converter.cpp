@@ -101,11 +101,12 @@ Status Converter::Worker::ConvertHere(const ConstFrameView& in, const ImageView&
     width_ = height_ = 0;  // sets the engine up anew for the next frame
     return status;
   }
+  // Nothing may fail any more once the images are written.
+  report->chain = "convert";
+  report->buffer_kind = BufferKind();
   if (rgb.data != nullptr) CopyImage(engine_->GetRGB_Image(), frame_.width(), rgb);
   if (hsi.data != nullptr) CopyImage(engine_->GetHSI_Image(), frame_.width(), hsi);
   report->download_ms = stopwatch.Lap();
-  report->chain = "convert";
-  report->buffer_kind = BufferKind();
   return {};
 }
 
@@ -126,14 +127,15 @@ Status Converter::Worker::Prepare(int width, int height) {
 }
 
 std::unique_ptr<Converter> Converter::Create(Status* status) {
-  std::unique_ptr<Worker> worker;
-  const Status result = Guarded([&worker]() -> Status {
-    worker = std::make_unique<Worker>();
-    return worker->Ready() ? Status{} : NoDisplay();
+  std::unique_ptr<Converter> converter;
+  Status result = Guarded([&converter]() -> Status {
+    auto worker = std::make_unique<Worker>();
+    if (!worker->Ready()) return NoDisplay();
+    converter.reset(new Converter(std::move(worker)));
+    return {};
   });
-  if (status != nullptr) *status = result;
-  if (!result.ok()) return nullptr;
-  return std::unique_ptr<Converter>(new Converter(std::move(worker)));
+  if (status != nullptr) *status = std::move(result);
+  return converter;
 }
 
 Converter::Converter(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}

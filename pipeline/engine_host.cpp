@@ -47,13 +47,14 @@ Status EngineHost::Beautify(const ConstFrameView& in, const FrameView& out,
   Status status = RunEffects(look, chain, report);
   report->engine_ms = stopwatch.Lap();
   if (status.ok()) {
-    frame_.Store(out);
-    report->download_ms = stopwatch.Lap();
+    // Nothing may fail any more once `out` is written.
     report->chain = chain == Chain::Capture ? "capture" : "preview";
     report->faces = static_cast<int>(faces_.size());
     report->buffer_kind = BufferKind();
     if (chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
     ClipBlocks(in.width, in.height, &report->blocks);
+    frame_.Store(out);
+    report->download_ms = stopwatch.Lap();
   }
   if (chain == Chain::Capture) FreeMemory();
   return status;
@@ -141,11 +142,11 @@ Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, Frame
     setup_.Release();
     return status;
   }
-  frame_.Store(out);
-  report->download_ms = stopwatch.Lap();
   report->chain = "preview";
   report->buffer_kind = BufferKind();
   report->blocks.push_back({0, 0, in.width, in.height});
+  frame_.Store(out);
+  report->download_ms = stopwatch.Lap();
   return {};
 }
 

@@ -1,10 +1,13 @@
 #include "pipeline/face_tracker.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
+#include "pipeline/guarded.h"
 #include "pipeline/landmarks.h"
 
 namespace lumora {
@@ -31,9 +34,10 @@ void Approach(const Face& target, float share, Face* face) {
   const float turn = std::remainder(target.roll_degrees - face->roll_degrees, 360.f);
   face->roll_degrees = std::remainder(face->roll_degrees + share * turn, 360.f);
 
-  std::vector<PointF> ends;
-  ForEachPoint(target.landmarks, [&ends](const PointF& point) { ends.push_back(point); });
+  std::array<PointF, sizeof(FaceLandmarks) / sizeof(PointF)> ends;
   size_t next = 0;
+  ForEachPoint(target.landmarks, [&](const PointF& point) { ends[next++] = point; });
+  next = 0;
   ForEachPoint(face->landmarks, [&](PointF& point) {
     move(ends[next].x, &point.x);
     move(ends[next].y, &point.y);
@@ -44,18 +48,27 @@ void Approach(const Face& target, float share, Face* face) {
 }  // namespace
 
 std::vector<Face> FaceTracker::Detected(const std::vector<Face>& faces) {
+  return OrNothing([&] { return Advance(Matched(faces)); });
+}
+
+std::vector<Face> FaceTracker::Skipped() {
+  return OrNothing([this] { return Advance(tracks_); });
+}
+
+std::vector<FaceTracker::Track> FaceTracker::Matched(const std::vector<Face>& faces) const {
+  std::vector<Track> tracks = tracks_;
   std::vector<const Face*> left;
   for (const Face& face : faces) {
     if (IsFinite(face)) left.push_back(&face);
   }
-  for (Track& track : tracks_) ++track.missed;
+  for (Track& track : tracks) ++track.missed;
 
   // The closest pair of all is matched first, then the closest of what is left.
   while (true) {
     Track* best_track = nullptr;
     size_t best_face = 0;
     float least = tracking_.reach;
-    for (Track& track : tracks_) {
+    for (Track& track : tracks) {
       if (track.missed == 0) continue;
       for (size_t i = 0; i < left.size(); ++i) {
         const float apart = Apart(track.target, *left[i]);
@@ -71,20 +84,22 @@ std::vector<Face> FaceTracker::Detected(const std::vector<Face>& faces) {
     left.erase(left.begin() + static_cast<std::ptrdiff_t>(best_face));
   }
 
-  tracks_.erase(
-      std::remove_if(tracks_.begin(), tracks_.end(),
+  tracks.erase(
+      std::remove_if(tracks.begin(), tracks.end(),
                      [this](const Track& track) { return track.missed > tracking_.patience; }),
-      tracks_.end());
-  for (const Face* face : left) tracks_.push_back({*face, *face, 0});
-  return Skipped();
+      tracks.end());
+  for (const Face* face : left) tracks.push_back({*face, *face, 0});
+  return tracks;
 }
 
-std::vector<Face> FaceTracker::Skipped() {
+std::vector<Face> FaceTracker::Advance(std::vector<Track> tracks) {
   std::vector<Face> faces;
-  for (Track& track : tracks_) {
+  faces.reserve(tracks.size());
+  for (Track& track : tracks) {
     Approach(track.target, 1 - tracking_.smoothing, &track.shown);
     faces.push_back(track.shown);
   }
+  tracks_ = std::move(tracks);
   return faces;
 }
 

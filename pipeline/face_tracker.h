@@ -32,7 +32,8 @@ class LUMORA_PIPELINE_API FaceTracker {
  public:
   explicit FaceTracker(const Tracking& tracking = {}) : tracking_(tracking) {}
 
-  /// Faces with numbers that are not finite are ignored.
+  /// Faces with numbers that are not finite are ignored. Where memory is short both return no faces
+  /// and leave everything as it was before the call.
   std::vector<Face> Detected(const std::vector<Face>& faces);
   std::vector<Face> Skipped();
 
@@ -45,6 +46,11 @@ class LUMORA_PIPELINE_API FaceTracker {
     Face target;
     int missed = 0;  // detections without it since the last one with it
   };
+
+  /// The tracks after a detection of `faces`.
+  LUMORA_PIPELINE_LOCAL std::vector<Track> Matched(const std::vector<Face>& faces) const;
+  /// Takes these tracks one frame further and over; what they show.
+  LUMORA_PIPELINE_LOCAL std::vector<Face> Advance(std::vector<Track> tracks);
 
   Tracking tracking_;
   std::vector<Track> tracks_;

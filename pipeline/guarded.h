@@ -9,16 +9,36 @@
 
 namespace lumora {
 
+/// The failure of work that has run out of memory: so short a text asks for none.
+inline Status OutOfMemory() noexcept {
+  return {StatusCode::EngineFailed, "out of memory"};
+}
+
 /// What `work` returns; what it throws becomes a Status as well.
 template <typename Work>
-Status Guarded(Work work) {
+Status Guarded(Work work) noexcept {
   try {
-    return work();
-  } catch (const std::bad_alloc&) {
-    return Failure(StatusCode::EngineFailed, "there is not enough memory for the frame");
-  } catch (const std::exception& error) {
-    return Failure(StatusCode::EngineFailed, error.what());
+    try {
+      return work();
+    } catch (const std::bad_alloc&) {
+      return OutOfMemory();
+    } catch (const std::exception& error) {
+      return Failure(StatusCode::EngineFailed, error.what());
+    }
+  } catch (...) {
+    return OutOfMemory();  // for the failure's own text
   }
+}
+
+/// What `work` returns, or an empty value where it has run out of memory.
+template <typename Work>
+auto OrNothing(Work work) noexcept -> decltype(work()) {
+  decltype(work()) result{};
+  Guarded([&] {
+    result = work();
+    return Status{};
+  });
+  return result;
 }
 
 }  // namespace lumora

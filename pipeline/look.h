@@ -37,7 +37,7 @@ struct Preset {
   Look look;
 };
 
-/// All presets, the gentlest first.
+/// All presets, the gentlest first; none at a first call for which memory is short.
 LUMORA_PIPELINE_API const std::vector<Preset>& Presets();
 
 /// The look of a preset, nothing for a name that there is not.

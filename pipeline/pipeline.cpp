@@ -34,9 +34,9 @@ bool HasWork(const std::vector<Face>& faces, int width, int height, const Look& 
 
 void CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* report) {
   Stopwatch stopwatch;
-  CopyFrame(in, out);
+  CopyFrame(in, out);  // asks for memory, if at all, before it writes
   if (report == nullptr) return;
-  report->chain = "none";
+  report->chain = "none";  // so short a text asks for none
   report->download_ms = stopwatch.Lap();
 }
 
@@ -66,14 +66,15 @@ class Pipeline::Worker {
 };
 
 std::unique_ptr<Pipeline> Pipeline::Create(Status* status) {
-  std::unique_ptr<Worker> worker;
-  const Status result = Guarded([&worker]() -> Status {
-    worker = std::make_unique<Worker>();
-    return worker->Run([](EngineHost& host) { return host.ready(); }) ? Status{} : NoDisplay();
+  std::unique_ptr<Pipeline> pipeline;
+  Status result = Guarded([&pipeline]() -> Status {
+    auto worker = std::make_unique<Worker>();
+    if (!worker->Run([](EngineHost& host) { return host.ready(); })) return NoDisplay();
+    pipeline.reset(new Pipeline(std::move(worker)));
+    return {};
   });
-  if (status != nullptr) *status = result;
-  if (!result.ok()) return nullptr;
-  return std::unique_ptr<Pipeline>(new Pipeline(std::move(worker)));
+  if (status != nullptr) *status = std::move(result);
+  return pipeline;
 }
 
 Pipeline::Pipeline(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}
@@ -136,7 +137,7 @@ Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out, C
 }
 
 DeviceInfo Pipeline::Device() {
-  return worker_->Run([](EngineHost& host) { return host.Device(); });
+  return OrNothing([this] { return worker_->Run([](EngineHost& host) { return host.Device(); }); });
 }
 
 }  // namespace lumora

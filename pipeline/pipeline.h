@@ -1,7 +1,8 @@
 // libLumoraPipeline: frames in, beautified frames out.
 //
 // The pipeline owns an engine on a worker thread of its own and may be called from any thread.
-// Every failure comes back as a Status with a sentence that can be shown to a user.
+// Every failure comes back as a Status with a sentence that can be shown to a user. Nothing is
+// thrown, and memory that is short ("out of memory") leaves everything fit for the next call.
 //
 // An EGL display that the first pipeline or converter initialises stays so until the process ends:
 // the host program may use the same display before, beside and after them.
@@ -103,7 +104,7 @@ class LUMORA_PIPELINE_API Pipeline {
   Status RectifyRadial(const ConstFrameView& in, const FrameView& out, Camera camera,
                        Report* report = nullptr);
 
-  /// What the engine runs on.
+  /// What the engine runs on; nothing of it where memory is short.
   DeviceInfo Device();
 
  private:

@@ -59,11 +59,11 @@ enum class Call {
   Stat,
   Read,
   MakeDirectory,
-  MakeTemporary,  ///< openat of a file that is not there yet
+  MakeTemporary,  ///< mkostemp
   Write,
   Close,  ///< closes and says that it could not
   Rename,
-  OpenStream,  ///< fdopen
+  OpenStream,  ///< fopen
   ReadStream,  ///< fread
 };
 constexpr size_t kCalls = static_cast<size_t>(Call::ReadStream) + 1;
