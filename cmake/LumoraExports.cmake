@@ -11,6 +11,13 @@ function(lumora_finish_exports target script)
   endif()
 endfunction()
 
+# lumora_bind_inside(<target> <list>): what the library defines is what the library uses, whatever an
+# application defines under the same names, but for the names in the list.
+function(lumora_bind_inside target list)
+  target_link_options(${target} PRIVATE "-Wl,--dynamic-list=${list}")
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${list}")
+endfunction()
+
 # lumora_describe_types(<object library>): keeps the types in the library where tests compare them.
 # `cmake --install --strip` leaves them out again.
 function(lumora_describe_types target)

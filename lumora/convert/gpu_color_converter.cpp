@@ -4,7 +4,7 @@
 #include <new>
 
 #include "lumora/convert/sp2yuvxs.h"
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
@@ -117,12 +117,12 @@ int GPUColorConverter::InitTexture() {
     m_hFrameBuffer[i] = framebuffer;
     if (framebuffer == 0) {
       LOGE("[%s] can't make framebuffer", "InitTexture");
-      checkGlError("InitTexture - after RGB SetColorAttachment");
+      lumora::gl::CheckGlError("InitTexture - after RGB SetColorAttachment");
       continue;
     }
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    SetColorAttachment(GL_TEXTURE_2D, m_pOutputImage[i]->m_hTexture);
-    checkGlError("InitTexture - after RGB SetColorAttachment");
+    lumora::gl::AttachColour(GL_TEXTURE_2D, m_pOutputImage[i]->m_hTexture);
+    lumora::gl::CheckGlError("InitTexture - after RGB SetColorAttachment");
   }
   return 1;
 }
@@ -134,7 +134,7 @@ int GPUColorConverter::LoadShader() {
   } programs[] = {{m_hYUV2RGBProgram, lumora::shaders::kYuvToRgbFrag},
                   {m_hRGB2HSIProgram, lumora::shaders::kRgbToOpaqueHsiFrag}};
   for (const auto& [program, fragment] : programs) {
-    program = createProgram(lumora::shaders::kPassThroughVert, fragment);
+    program = lumora::gl::CreateProgram(lumora::shaders::kPassThroughVert, fragment);
     if (program == 0) {
       // One text for both programs.
       LOGE("[InitShaderProgram]m_hYUV2RGBProgram: Could not create program.");
@@ -171,7 +171,7 @@ int GPUColorConverter::InitShader() {
     lookup.location = lookup.kind == kAttribute
                           ? glGetAttribLocation(lookup.program, lookup.glsl_name)
                           : glGetUniformLocation(lookup.program, lookup.glsl_name);
-    if (!LocIsValid(lookup.label, lookup.location)) return 0;
+    if (!lumora::gl::LocationIsValid(lookup.label, lookup.location)) return 0;
   }
   return 1;
 }

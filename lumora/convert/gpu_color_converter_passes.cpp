@@ -2,7 +2,7 @@
 #include "lumora/convert/gpu_color_converter.h"
 #include "lumora/gl/cache_clean.h"
 #include "lumora/gl/colour_matrix.h"
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/quad.h"
@@ -36,15 +36,15 @@ GPUColorConverter::Pass GPUColorConverter::RgbToHsi() const {
 int GPUColorConverter::SetPass(const Pass& pass) {
   glBindFramebuffer(GL_FRAMEBUFFER, pass.target);
   glViewport(0, 0, m_nSrcWidth, m_nSrcHeight);
-  checkGlError("glViewport - YUV2RGB");
+  lumora::gl::CheckGlError("glViewport - YUV2RGB");
   // On whatever texture is bound at this moment; the input is bound below.
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-  checkGlError("glTexParameteri MIN- Y");
+  lumora::gl::CheckGlError("glTexParameteri MIN- Y");
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-  checkGlError("glTexParameteri MAG- Y");
+  lumora::gl::CheckGlError("glTexParameteri MAG- Y");
   if (pass.source == nullptr || glIsProgram(pass.program) == GL_FALSE) return 0;
   glUseProgram(pass.program);
-  checkGlError("SetColorConvertShader - glUseProgram");
+  lumora::gl::CheckGlError("SetColorConvertShader - glUseProgram");
   glActiveTexture(GL_TEXTURE0);
   glUniform1i(pass.texture_slot, 0);
   glBindTexture(GL_TEXTURE_2D, pass.source->m_hTexture);
@@ -67,7 +67,7 @@ void GPUColorConverter::DrawPass(const Pass& pass) {
   lumora::quad::PointAttribute(pass.texture_coord, 2, lumora::quad::TextureCoordinates());
   lumora::platform::BeforeDraw();
   glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, lumora::quad::kIndices);
-  checkGlError("glDrawElements - FaceDist");
+  lumora::gl::CheckGlError("glDrawElements - FaceDist");
 }
 
 int GPUColorConverter::DrawColorConvertYUV2RGB() {

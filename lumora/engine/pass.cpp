@@ -1,6 +1,6 @@
 #include "lumora/engine/pass.h"
 
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
@@ -71,9 +71,9 @@ int GPUBeautyFace::RunPass(const Pass& pass) {
   glViewport(0, 0, pass.width, pass.height);
   if (pass.filter != 0) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, pass.filter);
-    checkGlError("glTexParameteri MIN- Y");
+    lumora::gl::CheckGlError("glTexParameteri MIN- Y");
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, pass.filter);
-    checkGlError("glTexParameteri MAG- Y");
+    lumora::gl::CheckGlError("glTexParameteri MAG- Y");
   }
   if (!pass.keep_coordinates) lumora::quad::ResetTextureCoordinates();
   if (pass.area == nullptr) {

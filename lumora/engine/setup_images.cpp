@@ -3,7 +3,7 @@
 
 #include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
@@ -28,7 +28,7 @@ constexpr char kCheckUvuv[] = "InitTexture - after UVUV SetColorAttachment";
 
 /// A plain texture of one plane of a capture, or -1. Rows of the plane are tightly packed bytes.
 GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) {
-  checkGlError("InitTextureLarge");
+  lumora::gl::CheckGlError("InitTextureLarge");
   GLuint texture = 0;
   glGenTextures(1, &texture);
   glBindTexture(GL_TEXTURE_2D, texture);
@@ -64,13 +64,13 @@ bool GPUBeautyFace::MakeImageTarget(SEGLImage*& image, GLuint& fbo, unsigned cha
   if (name == 0) {
     // Framebuffer 0 is the pbuffer's: nothing may be drawn to it in this one's place.
     LOGE("[%s] can't make framebuffer", "MakeImageTarget");
-    checkGlError(check);
+    lumora::gl::CheckGlError(check);
     return false;
   }
   fbo = name;
   glBindFramebuffer(GL_FRAMEBUFFER, fbo);
-  const bool complete = SetColorAttachment(GL_TEXTURE_2D, image->m_hTexture);
-  checkGlError(check);
+  const bool complete = lumora::gl::AttachColour(GL_TEXTURE_2D, image->m_hTexture);
+  lumora::gl::CheckGlError(check);
   return created && complete;
 }
 

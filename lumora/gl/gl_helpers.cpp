@@ -1,3 +1,5 @@
+// The exported helpers. Nothing in the library calls them: an application may well have functions
+// of its own with such names, and then these give way to them.
 #include "lumora/gl/gl_helpers.h"
 
 #include <cstdarg>
@@ -6,120 +8,38 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "lumora/gl/log.h"
-#include "lumora/platform/gl_api.h"
-#include "lumora/platform/graphic_buffer.h"
-
-LUMORA_LOG_TAG("EGLImageTest");
-
-namespace {
-
-/// A text buffer of the C allocator that releases itself; `get` is null when there is no memory.
-class InfoLog {
- public:
-  explicit InfoLog(GLint length)
-      : text_(length > 0 ? static_cast<char*>(std::calloc(static_cast<size_t>(length), 1))
-                         : nullptr) {}
-  ~InfoLog() { std::free(text_); }
-  InfoLog(const InfoLog&) = delete;
-  InfoLog& operator=(const InfoLog&) = delete;
-  char* get() const { return text_; }
-
- private:
-  char* text_;
-};
-
-}  // namespace
+#include "lumora/gl/gl_steps.h"
 
 int LogLine(const char* fmt, ...) {
   va_list arguments;
   va_start(arguments, fmt);
-  const int result =
-      lumora::platform::PrintUnmasked(lumora::kLogInfo, g_log_channel.tag, fmt, arguments);
+  const int result = lumora::gl::LogUnmaskedList(fmt, arguments);
   va_end(arguments);
   return result;
 }
 
 void printGLString(const char* name, unsigned int id) {
-  const GLubyte* value = glGetString(id);
-  LOGI("GL %s = %s\n", name, value != nullptr ? reinterpret_cast<const char*>(value) : "(null)");
+  lumora::gl::PrintGlString(name, id);
 }
 
 int checkGlError(const char* op) {
-  for (GLenum error = glGetError(); error != GL_NO_ERROR; error = glGetError()) {
-    LOGI("after %s() glError (0x%x)\n", op, error);
-  }
-  return 0;
+  return lumora::gl::CheckGlError(op);
 }
 
 bool LocIsValid(const char* name, int loc) {
-  if (loc >= 0) return true;
-  LOGE("[%s] invalid %s == %d", "LocIsValid", name, loc);
-  return false;
+  return lumora::gl::LocationIsValid(name, loc);
 }
 
 unsigned int loadShader(unsigned int type, const char* source) {
-  const GLuint shader = glCreateShader(type);
-  if (shader == 0) return 0;
-  glShaderSource(shader, 1, &source, nullptr);
-  glCompileShader(shader);
-  GLint compiled = 0;
-  glGetShaderiv(shader, GL_COMPILE_STATUS, &compiled);
-  if (compiled != 0) return shader;
-
-  GLint log_length = 0;
-  glGetShaderiv(shader, GL_INFO_LOG_LENGTH, &log_length);
-  if (log_length == 0) return shader;  // some drivers report no status; the link step decides
-  const InfoLog log(log_length);
-  if (log.get() != nullptr) {
-    glGetShaderInfoLog(shader, log_length, nullptr, log.get());
-    LOGE("Could not compile shader %d:\n%s\n", static_cast<int>(type), log.get());
-  }
-  glDeleteShader(shader);
-  return 0;
+  return lumora::gl::LoadShader(type, source);
 }
 
 unsigned int createProgram(const char* vertexSource, const char* fragmentSource) {
-  const GLuint vertex_shader = loadShader(GL_VERTEX_SHADER, vertexSource);
-  checkGlError("gl Load Vertex Shader");
-  if (vertex_shader == 0) return 0;
-  const GLuint fragment_shader = loadShader(GL_FRAGMENT_SHADER, fragmentSource);
-  checkGlError("gl Load Fragment Shader");
-  if (fragment_shader == 0) return 0;
-
-  const GLuint program = glCreateProgram();
-  checkGlError("glCreateProgram");
-  if (program == 0) return 0;
-  glAttachShader(program, vertex_shader);
-  checkGlError("glAttachVertexShader");
-  glAttachShader(program, fragment_shader);
-  checkGlError("glAttachFragmentShader");
-  glLinkProgram(program);
-  GLint linked = GL_FALSE;
-  glGetProgramiv(program, GL_LINK_STATUS, &linked);
-  if (linked == GL_TRUE) return program;
-
-  GLint log_length = 0;
-  glGetProgramiv(program, GL_INFO_LOG_LENGTH, &log_length);
-  const InfoLog log(log_length);
-  if (log.get() != nullptr) {
-    glGetProgramInfoLog(program, log_length, nullptr, log.get());
-    LOGE("Could not link program:\n%s\n", log.get());
-  }
-  glDeleteProgram(program);
-  return 0;
+  return lumora::gl::CreateProgram(vertexSource, fragmentSource);
 }
 
 bool SetColorAttachment(unsigned int target, unsigned int texture) {
-  glBindTexture(target, texture);
-  checkGlError("SetColorAttachment - glBindTexture");
-  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, target, texture, 0);
-  checkGlError("SetColorAttachment - after glFramebufferTexture2D");
-  lumora::platform::NoteColorAttachment(texture);
-  const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
-  if (status == GL_FRAMEBUFFER_COMPLETE) return true;
-  LOGE("[SetColorAttachment] ERROR, FBO not complete, status %u\n", status);
-  return false;
+  return lumora::gl::AttachColour(target, texture);
 }
 
 unsigned char* GenTexture(unsigned int width, unsigned int height, int colour) {

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "lumora/gl/colour_matrix.h"
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/program_loader.h"
 #include "lumora/gl/quad.h"
@@ -30,7 +30,7 @@ GLProgram::~GLProgram() {
 }
 
 bool GLProgram::Load(const char* vertexSource, const char* fragmentSource) {
-  m_hProgram = createProgram(vertexSource, fragmentSource);
+  m_hProgram = lumora::gl::CreateProgram(vertexSource, fragmentSource);
   if (m_hProgram != 0) return true;
   // One text for every program.
   LOGE("[InitShaderProgram]m_hFaceDistProgram: Could not create program.");

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <new>
 
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/step_timer.h"
@@ -61,22 +61,22 @@ int SEGLImage::CreateBuffered(int width, int height, int format) {
   if (m_eglImage == EGL_NO_IMAGE_KHR) {
     LOGD("eglCreateImageKHR() failed. err=0x%4x", static_cast<unsigned>(eglGetError()));
   }
-  LogLine("eglCreateImageKHR() done! ");
+  lumora::gl::LogUnmasked("eglCreateImageKHR() done! ");
   LOGD("eglImageID: %i", LogNumber(m_eglImage));
   LOGD("eglCreateImageKHR - end");
 
   LOGD("CreateTexture - start");
   GLuint texture = 0;
   glGenTextures(1, &texture);
-  checkGlError("CreateTexture - glGenTextures");
+  lumora::gl::CheckGlError("CreateTexture - glGenTextures");
   glBindTexture(GL_TEXTURE_2D, texture);
-  checkGlError("CreateTexture - glBindTexture");
+  lumora::gl::CheckGlError("CreateTexture - glBindTexture");
   SetFilterAndWrap(GL_NEAREST, GL_CLAMP_TO_EDGE);
   m_hTexture = texture;
   // The check after glGenTextures has taken the error of a name that could not be made.
   if (texture == 0 || glGetError() != GL_NO_ERROR) {
     // The code told is that of the next error in the queue, usually none.
-    LogLine("CreateTexture failed 0x%08x", glGetError());
+    lumora::gl::LogUnmasked("CreateTexture failed 0x%08x", glGetError());
     return 0;
   }
   LOGD("textureID: %i", static_cast<int>(m_hTexture));

@@ -1,6 +1,6 @@
 #include "lumora/programs/cheek_slimmer_programs.h"
 
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/program_support.h"
 
@@ -53,18 +53,18 @@ void UploadCaptureUniforms(const GLProgWarp& warp) {
   const int* locations = warp.m_nUniformLoc;
   const float* controller = warp.m_fvController;
   glUniform4f(locations[kController], controller[0], controller[1], controller[2], controller[3]);
-  checkGlError("SetFaceDistShader - glUniform4f");
+  lumora::gl::CheckGlError("SetFaceDistShader - glUniform4f");
   glUniform1f(locations[kAspectRatio], warp.m_fAspectRatio);
-  checkGlError("SetFaceDistShader - glUniform1f");
+  lumora::gl::CheckGlError("SetFaceDistShader - glUniform1f");
   const float* limiter = warp.m_fvAngleLimiter;
   glUniform3f(locations[kAngleLimiter], limiter[0], limiter[1], limiter[2]);
-  checkGlError("SetFaceDistShader - glUniform3f");
+  lumora::gl::CheckGlError("SetFaceDistShader - glUniform3f");
   glUniform2f(locations[kScale], warp.m_fvScale[0], warp.m_fvScale[1]);
-  checkGlError("SetFaceDistShader - glUniform2f");
+  lumora::gl::CheckGlError("SetFaceDistShader - glUniform2f");
   glUniform2f(locations[kShift], warp.m_fvShift[0], warp.m_fvShift[1]);
-  checkGlError("SetFaceDistShader - glUniform2f");
+  lumora::gl::CheckGlError("SetFaceDistShader - glUniform2f");
   glUniform1f(locations[kEdgeFix], kCaptureEdgeFix);
-  checkGlError("SetFaceDistShader - glUniform1f");
+  lumora::gl::CheckGlError("SetFaceDistShader - glUniform1f");
 }
 
 }  // namespace
@@ -103,7 +103,7 @@ bool GLProgCheekSlimmerLarge::Use() {
   if (!GLProgram::Use()) return false;
   for (int unit = 0; unit < 2; ++unit) {
     BindInput(unit);
-    checkGlError("SetFaceDistShader - glBindTexture");
+    lumora::gl::CheckGlError("SetFaceDistShader - glBindTexture");
   }
   lumora::UploadCaptureUniforms(*this);
   return true;
@@ -112,7 +112,7 @@ bool GLProgCheekSlimmerLarge::Use() {
 bool GLProgCheekSlimmerLarge_HSI::Use() {
   if (!GLProgram::Use()) return false;
   BindInput(0);
-  checkGlError("SetFaceDistShader - glBindTexture");
+  lumora::gl::CheckGlError("SetFaceDistShader - glBindTexture");
   lumora::UploadCaptureUniforms(*this);
   return true;
 }

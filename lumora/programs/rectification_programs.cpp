@@ -1,6 +1,6 @@
 #include "lumora/programs/rectification_programs.h"
 
-#include "lumora/gl/gl_helpers.h"
+#include "lumora/gl/gl_steps.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/program_support.h"
 
@@ -45,15 +45,15 @@ bool GLProgRadialDistortion::Load() {
 bool GLProgRectificaton::Use() {
   if (!GLProgram::Use()) return false;
   BindInput(0);
-  checkGlError("SetRectificationShader - glBindTexture");
+  lumora::gl::CheckGlError("SetRectificationShader - glBindTexture");
   for (int corner = 0; corner < 4; ++corner) {
     glUniform2f(m_nUniformLoc[UNIFORM_POS_QUAD_0 + corner], m_fvQuad[corner][0],
                 m_fvQuad[corner][1]);
-    checkGlError("SetRectificationShader - glUniform2f");
+    lumora::gl::CheckGlError("SetRectificationShader - glUniform2f");
   }
   if (m_bShowMask) {
     glUniform1f(m_nUniformLoc[UNIFORM_POS_DEGREE], m_fDegree);
-    checkGlError("SetRectificationShader - glUniform1f");
+    lumora::gl::CheckGlError("SetRectificationShader - glUniform1f");
   }
   return true;
 }
@@ -61,8 +61,8 @@ bool GLProgRectificaton::Use() {
 bool GLProgRadialDistortion::Use() {
   if (!GLProgram::Use()) return false;
   BindInput(0);
-  checkGlError("SetRectificationShader - glBindTexture");
+  lumora::gl::CheckGlError("SetRectificationShader - glBindTexture");
   glUniform4f(m_nUniformLoc[UNIFORM_POS_KVAL], m_fvKval[0], m_fvKval[1], m_fvKval[2], m_fvKval[3]);
-  checkGlError("SetRectificationShader - glUniform4f");
+  lumora::gl::CheckGlError("SetRectificationShader - glUniform4f");
   return true;
 }
