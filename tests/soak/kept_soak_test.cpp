@@ -89,6 +89,7 @@ TEST(KeptSoak, CaptureThatIsDestroyedWithoutRelease) {
   const int cycles = Cycles(4);
   const BareLives bare;
   Kept kept;
+  kept.ends_context = true;
   kept.bytes = 2 * sizeof(GLProgHSI2YUV) + BytesKept(cycles / 4, [&](int) { bare.live(false); });
   const MeantLeaks left_to_nobody;
   Soak(

@@ -1,6 +1,8 @@
 // Set-up and release, thousands of times with changing sizes: nothing adds up.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "soak/bare_gl.h"
 #include "soak/soak.h"
 #include "soak/soak_scene.h"
@@ -108,7 +110,8 @@ TEST(SetUpSoak, PreviewAndCaptureInTurn) {
 TEST(SetUpSoak, EngineLife) {
   const int cycles = Cycles(4);
   const BareLives bare;
-  const Kept driver = {{}, BytesKept(cycles / 4, [&](int i) { bare.live(DrawsFrame(i)); })};
+  Kept driver = MeasureKept(std::max(cycles / 4, 24), [&](int i) { bare.live(DrawsFrame(i)); });
+  driver.ends_context = true;
   Soak(
       "engine: life with a preview", cycles,
       [](int i) {
@@ -154,7 +157,8 @@ TEST(SetUpSoak, ConverterKeepsItsSecondProgramForLife) {
 TEST(SetUpSoak, Converter) {
   constexpr int kCyclesPerLife = 20;
   const BareLives bare;
-  const Kept driver = {{}, BytesKept(50, [&](int) { bare.live(true); })};
+  Kept driver = MeasureKept(50, [&](int) { bare.live(true); });
+  driver.ends_context = true;
   Soak(
       "converter: lives of 20 Init, DeInit", Cycles(kCyclesPerLife),
       [&](int life) {

@@ -13,10 +13,12 @@ namespace lumora::test {
 /// times as much as a bare set-up does as many times fewer, but some.
 int Cycles(int weight = 1);
 
-/// What a cycle leaves behind on purpose.
+/// What a cycle leaves behind, on purpose or because the driver does.
 struct Kept {
   Census objects;
   double bytes = 0;
+  double descriptors = 0;     ///< open files
+  bool ends_context = false;  ///< every cycle has a context of its own
 };
 
 /// Resident memory that may be gained however long it goes on: the driver's and the allocator's
@@ -25,13 +27,15 @@ constexpr long kSlackKb = 8192;
 
 /// Calls `cycle` with 0, 1, ... for a while, then counts, calls it `cycles` times more and counts
 /// again: GL objects grew by exactly what was kept, resident memory by no more than 1.5 times
-/// the kept bytes and kSlackKb, open files and threads not at all. Prints a line for the table of
-/// scripts/soak. Memory is not judged where a memory checker holds it back.
+/// the kept bytes and kSlackKb, open files by no more than was kept, threads not at all. Prints a
+/// line for the table of scripts/soak. Memory is not judged where a memory checker holds it back,
+/// nor within a context of a driver that gives the code of deleted programs back at its end only.
 void Soak(const std::string& name, int cycles, const std::function<void(int)>& cycle,
           const Kept& kept = {});
 
-/// The bytes of resident memory that a cycle keeps, measured over as many as asked for, or some:
-/// what the driver itself takes for the same calls.
+/// The bytes of resident memory and the open files that a cycle keeps, measured over as many as
+/// asked for, or some: what the driver itself takes for the same calls.
+Kept MeasureKept(int asked, const std::function<void(int)>& cycle);
 double BytesKept(int asked, const std::function<void(int)>& cycle);
 
 }  // namespace lumora::test
