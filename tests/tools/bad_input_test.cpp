@@ -13,6 +13,7 @@
 namespace lumora::test {
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -264,6 +265,52 @@ TEST(BadInput, ClipsThatCannotBeReadEndWithCode3) {
     ExpectOneLineOfError(RunLumora({"video", "-", "-o", "-"}, clip.content), 3, clip.says);
     EXPECT_THAT(folder.Names(), testing::ElementsAre("in.y4m"));
   }
+}
+
+/// A sentence, and below it a line for a shell.
+void ExpectARemedy(const Result& result, int exit_code, const std::string& part,
+                   const std::string& remedy) {
+  EXPECT_EQ(result.exit_code, exit_code) << result.err;
+  EXPECT_THAT(result.err, StartsWith("lumora: "));
+  EXPECT_THAT(result.err, HasSubstr(part));
+  EXPECT_THAT(result.err, EndsWith("\n  " + remedy + "\n"));
+  EXPECT_EQ(Lines(result.err), 2) << result.err;
+  EXPECT_THAT(result.out, IsEmpty());
+}
+
+TEST(Containers, AreRefusedWithTheLineThatUsesThem) {
+  const Folder folder;
+  const std::string mp4 = folder.Put("it's me.mp4", std::string("\0\0\0\x0a"
+                                                                "ftypisom\n",
+                                                                13));
+  const std::string quoted = "'" + (folder / "it'\\''s me.mp4") + "'";
+  const std::string reads = "ffmpeg -i " + quoted +
+                            " -vf scale=out_range=limited -pix_fmt yuv420p -f yuv4mpegpipe - | " +
+                            LUMORA_COMMAND + " video - -o ";
+  const std::string out = folder / "out.mp4", y4m = folder / "out.y4m";
+  ExpectARemedy(RunLumora({"video", mp4, "-o", out, "--slim", "30", "--require-face", "--json"}), 2,
+                "out.mp4: lumora writes Y4M clips",
+                reads + "- --slim 30 --require-face | ffmpeg -i - -i " + quoted +
+                    " -map 0:v -map '1:a?' -c:a copy " + out);
+  ExpectARemedy(RunLumora({"video", mp4, "-o", y4m, "--whiten=30", "--json"}), 3,
+                "it's me.mp4: not a Y4M clip but an MP4", reads + y4m + " --whiten 30 --json");
+  // Named like a clip, with another content; nothing but the content counts.
+  const std::string named = folder.Put("named.y4m", std::string("\x1a\x45\xdf\xa3 and so on"));
+  ExpectARemedy(RunLumora({"video", named, "-o", y4m}), 3, "not a Y4M clip but a Matroska",
+                "ffmpeg -i " + named +
+                    " -vf scale=out_range=limited -pix_fmt yuv420p -f yuv4mpegpipe - | " +
+                    LUMORA_COMMAND + " video - -o " + y4m);
+  ExpectARemedy(RunLumora({"video", "-", "-o", "-"}, "RIFF....AVI "), 3,
+                "standard input: not a Y4M clip but an AVI",
+                std::string("ffmpeg -i - -vf scale=out_range=limited -pix_fmt yuv420p "
+                            "-f yuv4mpegpipe - | ") +
+                    LUMORA_COMMAND + " video - -o -");
+  ExpectARemedy(RunLumora({"video", "-", "-o", out}, "YUV4MPEG2 W64 H48\n"), 2, "for the sound",
+                std::string(LUMORA_COMMAND) + " video - -o - | ffmpeg -i - " + out);
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("it's me.mp4", "named.y4m"));
+  // Without a result in a container, nor an input, there is nothing to advise.
+  ExpectOneLineOfError(RunLumora({"video", folder / "no.mp4", "-o", y4m}), 3, "No such file");
+  ExpectOneLineOfError(RunLumora({"video", mp4, "-o", mp4}), 2, "cannot take the place");
 }
 
 TEST(NoFace, ThePictureStaysAsItIsWithANote) {

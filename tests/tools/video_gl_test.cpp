@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -198,6 +200,29 @@ TEST_F(VideoClip, WithEverythingOffNoFaceIsLookedFor) {
     EXPECT_EQ(report.at("face_found"), whitens ? nlohmann::json(true) : nlohmann::json());
     EXPECT_EQ(report.at("frames_with_faces"), whitens ? 6 : 0);
     EXPECT_EQ(TextOf(folder_ / "out.y4m") == scene_.clip.Text(), !whitens);
+  }
+}
+
+TEST_F(VideoClip, TheLineForFfmpegDoesWhatWasWanted) {
+  ASSERT_EQ(Run({"--slim", "80", "--faces", faces_}, scene_.clip.Text()).exit_code, 0);
+  const std::string expected = TextOf(folder_ / "out.y4m");
+  // A stand-in that takes this clip out of any container, and puts any clip into one.
+  const std::string stand_in =
+      "#!/bin/sh\nfor last; do :; done\n"
+      "if [ \"$last\" = - ]; then cat '" +
+      (folder_ / "in.y4m") + "'; else cat > \"$last\"; fi\n";
+  std::filesystem::permissions(folder_.Put("ffmpeg", stand_in), std::filesystem::perms::owner_all);
+  const std::string mp4 = folder_.Put("my clip.mp4", std::string("\0\0\0\x20"
+                                                                 "ftypisom",
+                                                                 12));
+  for (const char* name : {"it's out.mp4", "out again.y4m"}) {
+    SCOPED_TRACE(name);
+    const std::string out = folder_ / name;
+    const Result refused = RunLumora({"video", mp4, "-o", out, "--slim", "80", "--faces", faces_});
+    const std::string line = refused.err.substr(refused.err.find('\n') + 1);
+    const std::string path = "PATH='" + (folder_ / "") + "':\"$PATH\"; ";
+    EXPECT_EQ(std::system((path + line).c_str()), 0) << line;
+    EXPECT_TRUE(TextOf(out) == expected) << line;
   }
 }
 

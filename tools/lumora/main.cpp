@@ -101,6 +101,7 @@ int main(int argc, char** argv) {
     return lumora::tools::Run(argc, argv);
   } catch (const lumora::tools::Failure& failure) {
     Complain(failure.what());
+    if (!failure.remedy().empty()) lumora::tools::Say("  " + failure.remedy());
     return static_cast<int>(failure.code());
   } catch (const std::bad_alloc&) {
     Complain("out of memory");

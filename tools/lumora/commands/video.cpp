@@ -1,4 +1,5 @@
 // lumora video: a Y4M clip in, the retouched clip out, one frame at a time.
+#include <errno.h>
 #include <unistd.h>
 
 #include <memory>
@@ -14,6 +15,7 @@
 #include "tools/lumora/support/places.h"
 #include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
+#include "tools/lumora/video/containers.h"
 #include "tools/lumora/video/face_source.h"
 #include "tools/lumora/video/progress.h"
 #include "tools/lumora/video/sample_range.h"
@@ -46,7 +48,39 @@ void CheckNames(const VideoOptions& options) {
   std::vector<std::string> results = {options.out};
   if (options.json) results.emplace_back(kStandardStream);
   CheckPlacesDiffer({options.in, options.faces}, results);
-  CheckWritable(options.out);
+}
+
+/// The words of all options that were given, but for those that name the clips.
+std::vector<std::string> OtherOptions(const CLI::App& command, bool to_standard_output) {
+  std::vector<std::string> words;
+  for (const CLI::Option* const option : command.get_options()) {
+    const std::string name = option->get_name();
+    const bool names_clip = option->get_positional() || name == "--output";
+    const bool in_the_way = to_standard_output && name == "--json";
+    if (option->count() == 0 || names_clip || in_the_way) continue;
+    words.push_back(name);
+    if (option->get_expected_min() > 0) words.push_back(option->results().front());
+  }
+  return words;
+}
+
+/// What to type instead, where one of the clips is in a container.
+std::string Remedy(const VideoOptions& options, const CLI::App& command, bool in_is_container) {
+  const bool out_is_container = IsContainerName(options.out);
+  return FfmpegLine(program_invocation_name, options.in, in_is_container, options.out,
+                    OtherOptions(command, out_is_container));
+}
+
+void CheckOutputIsY4m(const VideoOptions& options, const CLI::App& command) {
+  if (!IsContainerName(options.out)) return;
+  const bool in_is_container = IsContainer(options.in);
+  std::string sentence =
+      options.out + ": lumora writes Y4M clips; ffmpeg makes other files of them";
+  if (!in_is_container) {
+    sentence +=
+        " (for the sound of a file, say a.mp4, put -i a.mp4 -map 0:v -map '1:a?' behind -i -)";
+  }
+  throw Failure(ExitCode::Usage, sentence + ":", Remedy(options, command, in_is_container));
 }
 
 class Video {
@@ -177,9 +211,8 @@ class Video {
 
 constexpr char kVideoFormats[] =
     "Clips are Y4M: 8-bit 4:2:0 of any chroma position, or mono, which stays mono. Their headers\n"
-    "are handed on as they are. To and from other formats:\n"
-    "  ffmpeg -i clip.mp4 -pix_fmt yuv420p -f yuv4mpegpipe - | lumora video - -o - |\n"
-    "    ffmpeg -i - retouched.mp4\n\n"
+    "are handed on as they are. From and to other formats, with their sound:\n";
+constexpr char kFacesLines[] =
     "FILE.jsonl has one line a frame, each {\"faces\": [...]} as for photo (lumora photo --help);\n"
     "an empty line is a frame without faces.";
 
@@ -205,11 +238,19 @@ void AddVideo(CLI::App& program, Action* action) {
   command->add_flag("--require-face", options->require_face,
                     "fail with exit code 5, and write no file, when no frame has a face; what\n"
                     "went to standard output by then is the clip as it was");
-  command->footer(std::string(kVideoFormats) + "\n\n" + kExitCodes);
-  command->callback([options, action] {
-    *action = [options] {
+  command->footer(kVideoFormats + ("  " + FfmpegLine("lumora", "clip.mp4", true, "out.mp4", {})) +
+                  "\n\n" + kFacesLines + "\n\n" + kExitCodes);
+  command->callback([options, command, action] {
+    *action = [options, command] {
       CheckNames(*options);
-      return Video(*options).Run();
+      CheckOutputIsY4m(*options, *command);
+      CheckWritable(options->out);
+      try {
+        return Video(*options).Run();
+      } catch (const ContainerFailure& failure) {
+        throw Failure(failure.code(), std::string(failure.what()) + "; ffmpeg reads it:",
+                      Remedy(*options, *command, true));
+      }
     };
   });
 }

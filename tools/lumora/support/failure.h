@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "pipeline/pipeline.h"
 
@@ -19,14 +20,18 @@ enum class ExitCode {
   NoFace = 5,      ///< no face was found and one was required
 };
 
-/// Ends the command: main() prints "lumora: <what>" and returns the code.
+/// Ends the command: main() prints "lumora: <what>" and returns the code. `remedy`, where there is
+/// one, is a command line that does what was wanted; it is printed below, just as it is.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitCode code, const std::string& what) : std::runtime_error(what), code_(code) {}
+  Failure(ExitCode code, const std::string& what, std::string remedy = {})
+      : std::runtime_error(what), code_(code), remedy_(std::move(remedy)) {}
   ExitCode code() const { return code_; }
+  const std::string& remedy() const { return remedy_; }
 
  private:
   ExitCode code_;
+  std::string remedy_;
 };
 
 /// Throws the Failure that belongs to a pipeline's status; does nothing for success.

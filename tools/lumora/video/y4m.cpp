@@ -7,6 +7,7 @@
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/raw_frame.h"
 #include "tools/lumora/support/failure.h"
+#include "tools/lumora/video/containers.h"
 
 namespace lumora::tools {
 namespace {
@@ -111,13 +112,27 @@ FrameView ClipFrame::MutableView() {
 }
 
 Y4mReader::Y4mReader(const std::string& path) : input_(path) {
+  constexpr size_t kMagicLength = sizeof(kMagic) - 1;
+  Bytes start(kContainerStart);
+  size_t got = input_.Read(start.data(), kMagicLength);
+  if (got == 0) {
+    throw Failure(ExitCode::Unreadable, "cannot read " + input_.name() + ": it is empty");
+  }
+  const std::string magic(start.begin(), start.begin() + static_cast<std::ptrdiff_t>(got));
+  if (magic != kMagic) {
+    if (got == kMagicLength) got += input_.Read(start.data() + got, start.size() - got);
+    start.resize(got);
+    if (const auto container = ContainerOf(start)) {
+      throw ContainerFailure(input_.name(), *container);
+    }
+    throw Failure(ExitCode::Unreadable, input_.name() + ": not a Y4M clip");
+  }
   std::optional<std::string> line;
   try {
-    line = ReadLine();
+    line = ReadLine(magic);
   } catch (const Failure&) {
     throw Failure(ExitCode::Unreadable, input_.name() + ": not a Y4M clip");
   }
-  if (!line) throw Failure(ExitCode::Unreadable, "cannot read " + input_.name() + ": it is empty");
   header_ = ParseY4mHeader(*line, input_.name());
 }
 
@@ -148,8 +163,7 @@ bool Y4mReader::Read(ClipFrame& frame) {
   return true;
 }
 
-std::optional<std::string> Y4mReader::ReadLine() {
-  std::string line;
+std::optional<std::string> Y4mReader::ReadLine(std::string line) {
   uint8_t byte = 0;
   while (input_.Read(&byte, 1) == 1) {
     if (byte == '\n') return line;

@@ -45,7 +45,8 @@ class ClipFrame {
 
 class Y4mReader {
  public:
-  /// Opens a clip and reads its header. Throws Failure (Unreadable).
+  /// Opens a clip and reads its header. Throws Failure (Unreadable), a ContainerFailure for a clip
+  /// in a container.
   explicit Y4mReader(const std::string& path);
 
   /// For messages: the path, or "standard input".
@@ -61,7 +62,8 @@ class Y4mReader {
   const std::string& frame_line() const { return frame_line_; }
 
  private:
-  std::optional<std::string> ReadLine();
+  /// The next line; `line` is what was read of it before. Nothing at the end of the clip.
+  std::optional<std::string> ReadLine(std::string line = {});
   [[noreturn]] void Reject(const std::string& what) const;
 
   InputStream input_;
