@@ -95,7 +95,7 @@ void GL_APIENTRY glFlush(void) {
   LUMORA_NEXT(glFlush)();
 }
 void GL_APIENTRY glFinish(void) {
-  t_finished = t_finished || t_told;
+  t_finished = t_finished || (t_told && eglGetCurrentContext() != EGL_NO_CONTEXT);
   t_told = false;
   LUMORA_NEXT(glFinish)();
 }

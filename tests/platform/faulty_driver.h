@@ -24,8 +24,8 @@ class FaultyDriver {
   FaultyDriver& operator=(const FaultyDriver&) = delete;
 };
 
-/// From here on, whether GL was ever told to finish something: a glFinish counts when something was
-/// told since the last glFlush. Mesa's zink waits for nothing in any other.
+/// From here on, whether GL was ever told to finish something: a glFinish counts in a context
+/// and when something was told since the last glFlush. Mesa's zink waits for nothing in any other.
 void WatchFinishes();
 bool SomethingWasFinished();
 
