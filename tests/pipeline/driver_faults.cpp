@@ -11,6 +11,8 @@ namespace {
 
 std::atomic<int> g_no_contexts = 0;
 std::atomic<int> g_framebuffers_incomplete = 0;
+std::atomic<int> g_programs_lost = 0;
+std::atomic<bool> g_error_told = false;
 
 }  // namespace
 
@@ -27,6 +29,28 @@ extern "C" __attribute__((visibility("default"))) GLenum glCheckFramebufferStatu
   return next(target);
 }
 
+extern "C" __attribute__((visibility("default"))) void glDrawElements(GLenum mode, GLsizei count,
+                                                                      GLenum type,
+                                                                      const void* indices) {
+  if (g_programs_lost > 0) {
+    GLint program = 0;
+    glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+    glUseProgram(0);
+    glDeleteProgram(static_cast<GLuint>(program));
+    return;
+  }
+  const auto next = LUMORA_NEXT(glDrawElements);
+  next(mode, count, type, indices);
+}
+
+extern "C" __attribute__((visibility("default"))) GLenum glGetError(void) {
+  if (g_programs_lost > 0) {
+    g_error_told = !g_error_told;
+    if (g_error_told) return GL_OUT_OF_MEMORY;
+  }
+  return LUMORA_NEXT(glGetError)();
+}
+
 namespace lumora::test {
 
 NoContexts::NoContexts() {
@@ -41,6 +65,14 @@ FramebuffersIncomplete::FramebuffersIncomplete() {
 }
 FramebuffersIncomplete::~FramebuffersIncomplete() {
   --g_framebuffers_incomplete;
+}
+
+ProgramsLost::ProgramsLost() {
+  g_error_told = false;
+  ++g_programs_lost;
+}
+ProgramsLost::~ProgramsLost() {
+  --g_programs_lost;
 }
 
 }  // namespace lumora::test

@@ -21,6 +21,14 @@ class FramebuffersIncomplete {
   ~FramebuffersIncomplete();
 };
 
+/// While one lives every draw loses its program for good, and whoever asks for errors is told of
+/// one: once, when it asks until there is none.
+class ProgramsLost {
+ public:
+  ProgramsLost();
+  ~ProgramsLost();
+};
+
 }  // namespace lumora::test
 
 #endif  // LUMORA_TESTS_PIPELINE_DRIVER_FAULTS_H_

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -63,6 +64,48 @@ TEST_F(PipelineTest, AnEngineThatCannotDrawFailsWithASentenceAndRecovers) {
   }
   EXPECT_TRUE(pipeline_->Process(in.const_view(), out.view(), faces, kFull).ok());
   EXPECT_FALSE(out.Read() == samples);
+}
+
+// What a driver that failed has left behind is not known: the next frame finds everything new.
+TEST_F(PipelineTest, SetsTheEngineUpAnewAfterAFrameThatFailed) {
+  using Run = std::function<Status(const ConstFrameView& in, const FrameView& out)>;
+  const std::vector<Face> faces = {FaceIn(160, 120)};
+  const struct {
+    const char* name;
+    Run run;
+  } operations[] = {
+      {"slimming",
+       [&](const ConstFrameView& in, const FrameView& out) {
+         return pipeline_->Process(in, out, faces, Look{100});
+       }},
+      {"whitening",
+       [&](const ConstFrameView& in, const FrameView& out) {
+         return pipeline_->Process(in, out, faces, Look{0, 100, 100});
+       }},
+      {"keystone", [&](const ConstFrameView& in,
+                       const FrameView& out) { return pipeline_->Rectify(in, out, 20); }},
+      {"lens", [&](const ConstFrameView& in, const FrameView& out) {
+         return pipeline_->RectifyRadial(in, out, LensCoefficients{});
+       }}};
+  FrameMemory in(PixelFormat::NV21, 160, 120);
+  in.Fill(NoiseSamples(160, 120));
+  FrameMemory grey(PixelFormat::NV21, 160, 120);  // so that nothing left over looks right
+  for (const auto& [name, run] : operations) {
+    SCOPED_TRACE(name);
+    FrameMemory good(PixelFormat::NV21, 160, 120);
+    FrameMemory out(PixelFormat::NV21, 160, 120);
+    ASSERT_TRUE(run(in.const_view(), good.view()).ok());
+    ASSERT_TRUE(run(grey.const_view(), out.view()).ok());
+    const auto before = out.Everything();
+    {
+      const ProgramsLost fault;
+      EXPECT_EQ(run(in.const_view(), out.view()).code, StatusCode::EngineFailed);
+    }
+    EXPECT_EQ(out.Everything(), before);
+    const Status status = run(in.const_view(), out.view());
+    EXPECT_TRUE(status.ok()) << status.message;
+    EXPECT_EQ(out.Everything(), good.Everything());
+  }
 }
 
 TEST_F(PipelineTest, ReportsWhatItDid) {
