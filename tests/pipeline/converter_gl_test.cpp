@@ -149,6 +149,25 @@ TEST_F(ConverterTest, AConverterThatCannotDrawFailsWithASentenceAndRecovers) {
   EXPECT_TRUE(converter_->Convert(in.const_view(), rgb.view(), {}).ok());
 }
 
+// What a driver that failed has left behind is not known: the next frame finds everything new.
+TEST_F(ConverterTest, SetsTheEngineUpAnewAfterAFrameThatFailed) {
+  FrameMemory in(PixelFormat::NV21, 64, 48);
+  FrameMemory grey(PixelFormat::NV21, 64, 48);  // so that nothing left over looks right
+  in.Fill(NoiseSamples(64, 48));
+  ImageMemory good(64, 48, 3);
+  ImageMemory rgb(64, 48, 3);
+  ASSERT_TRUE(converter_->Convert(in.const_view(), good.view(), {}).ok());
+  ASSERT_TRUE(converter_->Convert(grey.const_view(), rgb.view(), {}).ok());
+  const std::vector<uint8_t> before = rgb.bytes;
+  {
+    const ProgramsLost fault;
+    EXPECT_EQ(converter_->Convert(in.const_view(), rgb.view(), {}).code, StatusCode::EngineFailed);
+  }
+  EXPECT_EQ(rgb.bytes, before);
+  EXPECT_TRUE(converter_->Convert(in.const_view(), rgb.view(), {}).ok());
+  EXPECT_EQ(rgb.bytes, good.bytes);
+}
+
 TEST_F(ConverterTest, LivesBesidePipelinesAndOtherConverters) {
   const Samples samples = NoiseSamples(96, 64);
   FrameMemory in(PixelFormat::NV21, 96, 64);
