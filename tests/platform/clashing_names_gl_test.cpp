@@ -24,8 +24,9 @@ TEST_F(ClashingNames, DoNotKeepTheEngineFromWorking) {
   {
     android::GPUBeautyFace engine;
     ASSERT_EQ(engine.Init(kWidth, kHeight, kWidth, kHeight, nullptr, false), 1);
-    std::vector<uint8_t> luma(kWidth * kHeight, 100), chroma(kWidth * kHeight / 2, 100);
-    EXPECT_EQ(engine.FaceProcessMultiface(luma.data(), chroma.data(), 0, nullptr, 0, 0), 1);
+    std::vector<uint8_t> frame(kWidth * kHeight * 3 / 2, 100), chroma(kWidth * kHeight / 2, 0);
+    EXPECT_EQ(engine.FaceProcessMultiface(frame.data(), chroma.data(), 0, nullptr, 0, 0), 1);
+    EXPECT_EQ(chroma, std::vector<uint8_t>(chroma.size(), 100)) << "no face: as it was";
     EXPECT_EQ(engine.DeInit(), 1);
     EXPECT_EQ(engine.InitCapture(nullptr, nullptr, kWidth, kHeight, nullptr, true), 1);
     EXPECT_EQ(engine.DeInitCapture(), 1);
