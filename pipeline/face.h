@@ -40,7 +40,14 @@ struct FaceLandmarks {
   PointF left_jaw, right_jaw;        ///< edge of the face at the height of the mouth
 };
 
-/// One detected face.
+/// The largest coordinate of a face, to both sides of 0, in multiples of the longer side of its
+/// frame. The sides of its box may be twice as long.
+constexpr float kFarthestInSides = 16;
+/// The largest roll, to both sides.
+constexpr float kLargestRoll = 36000;
+
+/// One detected face. The pipeline refuses faces with numbers beyond the two bounds above, and the
+/// functions here tell of no circle, warp or ellipses for them.
 struct Face {
   RectF box;               ///< as the detector gave it
   float roll_degrees = 0;  ///< rotation in the image plane, clockwise as seen; 0 is upright

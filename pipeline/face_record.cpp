@@ -1,6 +1,5 @@
 #include "pipeline/face_record.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "pipeline/landmarks.h"
@@ -11,11 +10,8 @@ namespace {
 
 void SetLandmarks(const FaceLandmarks& at, FACE_INFO_t* record) {
   const auto set = [record](int index, const PointF& point) {
-    // Far outside every frame; keeps the conversion defined for any finite number.
-    constexpr float kFarthest = 1e6f;
-    record->landmark(index) = {
-        static_cast<int32_t>(std::lround(std::clamp(point.x, -kFarthest, kFarthest))),
-        static_cast<int32_t>(std::lround(std::clamp(point.y, -kFarthest, kFarthest))), 0};
+    record->landmark(index) = {static_cast<int32_t>(std::lround(point.x)),
+                               static_cast<int32_t>(std::lround(point.y)), 0};
   };
   const auto set_feature = [&set](const FeatureBox& feature, int left, int right, int top,
                                   int bottom) {

@@ -12,8 +12,8 @@
 namespace lumora {
 
 /// The record of `face` in a frame of width x height pixels, for slimming by `slim` (0..100).
-/// Nothing for a face that cannot be slimmed: one without size, with numbers that are not finite,
-/// or with its centre outside the frame. Such a face must not reach the engine, which would warp
+/// Nothing for a face that cannot be slimmed: one without size, with numbers out of bounds, or with
+/// its centre outside the frame. Such a face must not reach the engine, which would warp
 /// the place of the face before it once more.
 ///
 /// Every record is made so that the warp moves the cheeks by the same share of the face whatever
@@ -22,7 +22,7 @@ namespace lumora {
 std::optional<FACE_INFO_t> MakeFaceRecord(const Face& face, int width, int height, int slim,
                                           Chain chain = Chain::Preview);
 
-/// A record with nothing but the landmarks of `face`, whose numbers are finite.
+/// A record with nothing but the landmarks of `face`, whose numbers suit some frame.
 FACE_INFO_t LandmarkRecord(const Face& face);
 
 }  // namespace lumora

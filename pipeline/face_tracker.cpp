@@ -9,6 +9,7 @@
 
 #include "pipeline/guarded.h"
 #include "pipeline/landmarks.h"
+#include "pipeline/number_bounds.h"
 
 namespace lumora {
 namespace {
@@ -59,7 +60,7 @@ std::vector<FaceTracker::Track> FaceTracker::Matched(const std::vector<Face>& fa
   std::vector<Track> tracks = tracks_;
   std::vector<const Face*> left;
   for (const Face& face : faces) {
-    if (IsFinite(face)) left.push_back(&face);
+    if (IsWithin(face, FarthestInAnyFrame())) left.push_back(&face);
   }
   for (Track& track : tracks) ++track.missed;
 

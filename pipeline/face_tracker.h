@@ -32,8 +32,8 @@ class LUMORA_PIPELINE_API FaceTracker {
  public:
   explicit FaceTracker(const Tracking& tracking = {}) : tracking_(tracking) {}
 
-  /// Faces with numbers that are not finite are ignored. Where memory is short both return no faces
-  /// and leave everything as it was before the call.
+  /// Faces with numbers that are not finite, or too large for any frame, are ignored. Where memory
+  /// is short both return no faces and leave everything as it was before the call.
   std::vector<Face> Detected(const std::vector<Face>& faces);
   std::vector<Face> Skipped();
 

@@ -1,12 +1,13 @@
 #include "pipeline/frame_check.h"
 
+#include <cmath>
 #include <limits>
 #include <string>
 #include <utility>
 
 #include "pipeline/failure.h"
 #include "pipeline/frame_layout.h"
-#include "pipeline/landmarks.h"
+#include "pipeline/number_bounds.h"
 
 namespace lumora {
 namespace {
@@ -65,6 +66,24 @@ Status CheckScale(int value, const char* name) {
                  ", but its range is 0 to 100");
 }
 
+std::string WholeText(float number) {
+  return std::to_string(static_cast<int>(number));
+}
+
+/// Makes no text for a face that is as it should be.
+Status CheckFace(const Face& face, size_t index, int width, int height) {
+  const float farthest = FarthestIn(width, height);
+  if (IsWithin(face, farthest)) return {};
+  const std::string subject = "face " + std::to_string(index) + " holds ";
+  constexpr float kLargest = std::numeric_limits<float>::max();
+  if (!IsWithin(face, kLargest, kLargest)) return Invalid(subject + "a number that is not finite");
+  if (!IsWithin(face.roll_degrees, kLargestRoll)) {
+    return Invalid(subject + "a roll of more than " + WholeText(kLargestRoll) + " degrees");
+  }
+  return Invalid(subject + "a number beyond " + WholeText(farthest) + ", " +
+                 WholeText(kFarthestInSides) + " times the longer side of the frame");
+}
+
 /// `which` is "RGB" or "HSI". An image that is left out is fine.
 Status CheckImage(const ConstFrameView& in, const ImageView& image, const std::string& which) {
   if (image.data == nullptr) return {};
@@ -108,11 +127,18 @@ Status CheckArguments(const ConstFrameView& in, const FrameView& out,
                    ") is not one that there is");
   }
   for (size_t i = 0; i < faces.size(); ++i) {
-    if (!IsFinite(faces[i])) {
-      return Invalid("face " + std::to_string(i) + " holds a number that is not finite");
-    }
+    if (Status status = CheckFace(faces[i], i, in.width, in.height); !status.ok()) return status;
   }
   return {};
+}
+
+Status CheckLens(const LensCoefficients& lens) {
+  if (IsUsable(lens)) return {};
+  for (const float k : {lens.k0, lens.k1, lens.k2, lens.k3}) {
+    if (!std::isfinite(k)) return Invalid("a lens coefficient is not finite");
+  }
+  const std::string most = WholeText(kLargestCoefficient);
+  return Invalid("a lens coefficient is beyond its range, which is -" + most + " to " + most);
 }
 
 Status CheckConversion(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi) {

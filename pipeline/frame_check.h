@@ -20,7 +20,10 @@ constexpr int kLargestSide = 32768;
 Status CheckArguments(const ConstFrameView& in, const FrameView& out,
                       const std::vector<Face>& faces, const Look& look);
 
-/// The part of it that looks at the frames alone.
+/// Whether RectifyRadial can work with these coefficients.
+Status CheckLens(const LensCoefficients& lens);
+
+/// The part of CheckArguments that looks at the frames alone.
 Status CheckFrames(const ConstFrameView& in, const FrameView& out);
 
 /// Whether Convert can work with these arguments.

@@ -44,18 +44,6 @@ void ForEachPoint(Landmarks& landmarks, Visit visit) {
   }
 }
 
-/// Whether every number of the face can be worked with.
-inline bool IsFinite(const Face& face) {
-  bool finite = std::isfinite(face.roll_degrees);
-  const auto look_at = [&finite](const PointF& point) {
-    finite = finite && std::isfinite(point.x) && std::isfinite(point.y);
-  };
-  look_at({face.box.x, face.box.y});
-  look_at({face.box.width, face.box.height});
-  ForEachPoint(face.landmarks, look_at);
-  return finite;
-}
-
 }  // namespace lumora
 
 #endif  // LUMORA_PIPELINE_LANDMARKS_H_

@@ -1,7 +1,6 @@
 #include "pipeline/pipeline.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "pipeline/engine_faults.h"
@@ -116,11 +115,7 @@ Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out,
                                const LensCoefficients& lens, Report* report) {
   return Reported(report, [&]() -> Status {
     if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
-    for (const float coefficient : {lens.k0, lens.k1, lens.k2, lens.k3}) {
-      if (!std::isfinite(coefficient)) {
-        return Failure(StatusCode::InvalidArgument, "a lens coefficient is not finite");
-      }
-    }
+    if (Status checked = CheckLens(lens); !checked.ok()) return checked;
     return worker_->Run([&](EngineHost& host) {
       return host.RectifyRadial(in, out, &lens, Camera::First, report);
     });

@@ -34,8 +34,12 @@ struct ProcessOptions {
   Chain chain = Chain::Auto;
 };
 
+/// The largest coefficient of a lens.
+constexpr float kLargestCoefficient = 1000;
+
 /// The radial lens polynomial k0 + k1 s + k2 s^2 + k3 s^3, s the squared distance from the frame's
-/// centre, 1 in the corners; the defaults are those of lenses without a parameter file.
+/// centre, 1 in the corners; the defaults are those of lenses without a parameter file. Every one
+/// lies within kLargestCoefficient, to both sides of 0.
 struct LensCoefficients {
   float k0 = 1.00453f;
   float k1 = -0.0214308f;
@@ -80,7 +84,8 @@ class LUMORA_PIPELINE_API Pipeline {
   /// With nothing to do (no face, everything off) the frame is copied unchanged, on the calling
   /// thread. A face that cannot be processed is left out: its centre lies outside the frame, or its
   /// cheeks or chin coincide with it. A face that leaves the frame is slimmed less and less. Any
-  /// number of faces is processed, one after another where they overlap.
+  /// number of faces is processed, one after another where they overlap. A face with a number that
+  /// is not finite, or beyond the bounds of Face, is an InvalidArgument.
   ///
   /// The result depends on nothing but the arguments. On failure `out` is left as it was. `report`
   /// may be null.
@@ -100,7 +105,7 @@ class LUMORA_PIPELINE_API Pipeline {
                        Report* report = nullptr);
 
   /// The same with the coefficients that the files of the device's cameras name, the default ones
-  /// where there are none.
+  /// where there are none or one is beyond its range.
   Status RectifyRadial(const ConstFrameView& in, const FrameView& out, Camera camera,
                        Report* report = nullptr);
 

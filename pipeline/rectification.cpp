@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "lumora/programs/rectification_programs.h"
+#include "pipeline/number_bounds.h"
 
 namespace lumora {
 namespace {
@@ -18,6 +19,11 @@ Coordinate PointOf(const Coordinate (&quad)[4], double u, double v) {
   const auto mix = [](double a, double b, double t) { return a + (b - a) * t; };
   return {mix(mix(quad[0].x, quad[2].x, v), mix(quad[1].x, quad[3].x, v), u),
           mix(mix(quad[0].y, quad[2].y, v), mix(quad[1].y, quad[3].y, v), u)};
+}
+
+void SetCoefficients(const LensCoefficients& lens, GLProgRadialDistortion& program) {
+  const float given[] = {lens.k0, lens.k1, lens.k2, lens.k3};
+  std::copy(std::begin(given), std::end(given), program.m_fvKval);
 }
 
 }  // namespace
@@ -49,10 +55,11 @@ bool DrawRadial(EngineSetup& setup, const LensCoefficients* lens, Camera camera,
   if (engine.m_pProgRadialDistortion == nullptr) return false;
   auto& program = static_cast<GLProgRadialDistortion&>(*engine.m_pProgRadialDistortion);
   if (lens != nullptr) {
-    const float given[] = {lens->k0, lens->k1, lens->k2, lens->k3};
-    std::copy(std::begin(given), std::end(given), program.m_fvKval);
+    SetCoefficients(*lens, program);
   } else {
     engine.SetRadialRectParameters(camera == Camera::Second ? 1 : 0);  // reads files
+    const float* const k = program.m_fvKval;
+    if (!IsUsable({k[0], k[1], k[2], k[3]})) SetCoefficients(LensCoefficients{}, program);
   }
   // The engine measures the squared distance in its own, larger frame.
   const double area = (share.x * share.x + share.y * share.y) / 2;

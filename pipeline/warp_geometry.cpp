@@ -5,6 +5,7 @@
 
 #include "pipeline/engine_limits.h"
 #include "pipeline/landmarks.h"
+#include "pipeline/number_bounds.h"
 
 namespace lumora {
 namespace {
@@ -77,7 +78,7 @@ double ToldRadiusOf(const FACE_INFO_t& record, const ChainConstants& chain, int 
 
 /// The circle of the preview chain, which the capture chain never leaves.
 std::optional<Circle> CircleOf(const Face& face, int width, int height) {
-  if (!IsFinite(face)) return std::nullopt;
+  if (!IsWithin(face, FarthestIn(width, height))) return std::nullopt;
   const FaceLandmarks& at = face.landmarks;
   const PointF temples = Middle(at.left_temple, at.right_temple);
   const PointF jaws = Middle(at.left_jaw, at.right_jaw);

@@ -4,6 +4,7 @@
 
 #include "pipeline/face_record.h"
 #include "pipeline/landmarks.h"
+#include "pipeline/number_bounds.h"
 
 namespace lumora {
 namespace {
@@ -118,7 +119,7 @@ RowSpan EllipseRows::Row(int y, int width) const {
 }
 
 std::array<Ellipse, 7> WhiteningEllipses(const Face& face) {
-  if (!IsFinite(face)) return {};
+  if (!IsWithin(face, FarthestInAnyFrame())) return {};
   return EllipsesOf(LandmarkRecord(face));
 }
 

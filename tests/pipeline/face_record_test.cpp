@@ -250,6 +250,12 @@ std::vector<UnusableCase> UnusableFaces() {
   face = good;
   face.roll_degrees = std::numeric_limits<float>::quiet_NaN();
   cases.push_back({"roll not a number", face});
+  face = good;
+  face.landmarks.left_brow.top.x = 1e38f;
+  cases.push_back({"brow far outside of every frame", face});
+  face = good;
+  face.roll_degrees = 1e38f;
+  cases.push_back({"turned too often", face});
   return cases;
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "pipeline/landmarks.h"
+#include "pipeline/random_faces.h"
 
 namespace lumora::test {
 namespace {
@@ -118,6 +119,22 @@ TEST(FaceTracker, IgnoresFacesWithoutNumbers) {
   Face broken = FaceAt(200, 150);
   broken.landmarks.chin.x = std::numeric_limits<float>::quiet_NaN();
   EXPECT_TRUE(tracker.Detected({broken}).empty());
+}
+
+TEST(FaceTracker, IgnoresFacesBeyondEveryFrame) {
+  Face known = FaceAt(200, 150);
+  const size_t count = NumbersOf(known).size();
+  for (size_t i = 0; i < count; ++i) {
+    FaceTracker tracker;
+    tracker.Detected({known});
+    for (const float far : {3e38f, -3e38f, 2e6f}) {
+      Face wild = known;
+      *NumbersOf(wild)[i] = far;
+      for (Face& face : tracker.Detected({wild})) {
+        for (const float* number : NumbersOf(face)) ASSERT_LT(std::abs(*number), 1000) << i;
+      }
+    }
+  }
 }
 
 TEST(FaceTracker, ForgetsEverybodyAfterACut) {

@@ -4,11 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <limits>
 #include <vector>
 
 #include "pipeline/frame_memory.h"
+#include "pipeline/random_faces.h"
 
 namespace lumora::test {
 namespace {
@@ -52,6 +54,56 @@ TEST_F(CheckArgumentsTest, TakesEveryEndOfTheRanges) {
   }
   FrameMemory smallest(PixelFormat::NV12, 32, 32);
   EXPECT_TRUE(CheckArguments(smallest.const_view(), smallest.view(), {}, Look{}).ok());
+}
+
+TEST_F(CheckArgumentsTest, BoundsEveryNumberOfAFace) {
+  Arguments arguments = Good();
+  const size_t count = NumbersOf(arguments.faces[0]).size();
+  for (size_t i = 0; i < count; ++i) {
+    for (const float sign : {1.f, -1.f}) {
+      arguments = Good();
+      float& number = *NumbersOf(arguments.faces[0])[i];
+      const Face& face = arguments.faces[0];
+      const bool length = &number == &face.box.width || &number == &face.box.height;
+      const float most = &number == &face.roll_degrees ? kLargestRoll : length ? 2048 : 1024;
+      number = sign * most;
+      EXPECT_TRUE(Check(arguments).ok()) << i;
+      for (const float more : {std::nextafter(most, 1e38f), 1e6f, 1e38f}) {
+        number = sign * more;
+        EXPECT_EQ(Check(arguments).code, StatusCode::InvalidArgument) << i << ", " << number;
+      }
+    }
+  }
+}
+
+TEST_F(CheckArgumentsTest, TakesAnAdaptersFaceWithLandmarksAtBothEnds) {
+  PointF points[68] = {};
+  points[0] = {-1024, -1024};
+  points[16] = {1024, 1024};
+  Arguments arguments = Good();
+  arguments.faces = {FaceFromIbug68(points)};
+  EXPECT_TRUE(Check(arguments).ok());
+}
+
+TEST_F(CheckArgumentsTest, BoundsTheCoefficientsOfALens) {
+  const auto check = [](size_t i, float value) {
+    LensCoefficients lens;
+    float* const numbers[] = {&lens.k0, &lens.k1, &lens.k2, &lens.k3};
+    *numbers[i] = value;
+    return CheckLens(lens);
+  };
+  EXPECT_TRUE(CheckLens({}).ok());
+  for (size_t i = 0; i < 4; ++i) {
+    EXPECT_TRUE(check(i, kLargestCoefficient).ok());
+    EXPECT_TRUE(check(i, -kLargestCoefficient).ok());
+    for (const float more : {1000.1f, -1000.1f, 1e38f, -1e38f}) {
+      const Status status = check(i, more);
+      EXPECT_EQ(status.code, StatusCode::InvalidArgument);
+      EXPECT_THAT(status.message, testing::HasSubstr("its range, which is -1000 to 1000"));
+    }
+    EXPECT_THAT(check(i, std::numeric_limits<float>::quiet_NaN()).message,
+                testing::HasSubstr("not finite"));
+  }
 }
 
 TEST_F(CheckArgumentsTest, RefusesWhatIsWrongWithASentence) {
@@ -98,6 +150,12 @@ TEST_F(CheckArgumentsTest, RefusesWhatIsWrongWithASentence) {
       {"box infinite", [=](Arguments& a) { a.faces[0].box.width = infinity; }, invalid, "face 0"},
       {"landmark not a number", [=](Arguments& a) { a.faces[0].landmarks.mouth.top.y = nan; },
        invalid, "face 0"},
+      {"landmark far away", [](Arguments& a) { a.faces[0].landmarks.mouth.top.y = 1e38f; }, invalid,
+       "face 0 holds a number beyond 1024, 16 times the longer side of the frame"},
+      {"box far away", [](Arguments& a) { a.faces[0].box.y = -1025; }, invalid,
+       "face 0 holds a number beyond 1024"},
+      {"roll of too many turns", [](Arguments& a) { a.faces[0].roll_degrees = 36001; }, invalid,
+       "face 0 holds a roll of more than 36000 degrees"},
       {"second face infinite",
        [=](Arguments& a) {
          a.faces.push_back(a.faces[0]);

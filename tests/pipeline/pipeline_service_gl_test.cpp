@@ -11,6 +11,7 @@
 
 #include "pipeline/driver_faults.h"
 #include "pipeline/pipeline_fixture.h"
+#include "pipeline/random_faces.h"
 
 namespace lumora::test {
 namespace {
@@ -203,6 +204,26 @@ TEST(PipelineCreate, WorksAgainAndAgain) {
     EXPECT_TRUE(status.ok());
     EXPECT_TRUE(status.message.empty());
   }
+}
+
+TEST_F(PipelineTest, RefusesAFaceWithAnyNumberBeyondItsBounds) {
+  FrameMemory in(PixelFormat::NV21, 64, 64), out(PixelFormat::NV21, 64, 64);
+  in.Fill(NoiseSamples(64, 64));
+  const auto before = out.Everything();
+  Face face = FaceIn(64, 64);
+  for (size_t i = 0; i < NumbersOf(face).size(); ++i) {
+    for (const float far : {1e38f, -1e38f, 1e6f}) {
+      std::vector<Face> faces = {face, face};
+      *NumbersOf(faces[1])[i] = far;
+      for (const Chain chain : {Chain::Preview, Chain::Capture}) {
+        const Status status =
+            pipeline_->Process(in.const_view(), out.view(), faces, {50, 50, 50}, nullptr, {chain});
+        EXPECT_EQ(status.code, StatusCode::InvalidArgument) << i << ", " << far;
+        EXPECT_THAT(status.message, testing::HasSubstr("face 1 holds "));
+      }
+    }
+  }
+  EXPECT_EQ(out.Everything(), before);
 }
 
 }  // namespace

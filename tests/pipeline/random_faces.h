@@ -2,13 +2,27 @@
 #ifndef LUMORA_TESTS_PIPELINE_RANDOM_FACES_H_
 #define LUMORA_TESTS_PIPELINE_RANDOM_FACES_H_
 
+#include <algorithm>
 #include <cmath>
 #include <random>
+
+#include <vector>
 
 #include "pipeline/face.h"
 #include "pipeline/landmarks.h"
 
 namespace lumora::test {
+
+/// Every number of a face.
+inline std::vector<float*> NumbersOf(Face& face) {
+  std::vector<float*> numbers = {&face.box.x, &face.box.y, &face.box.width, &face.box.height,
+                                 &face.roll_degrees};
+  ForEachPoint(face.landmarks, [&numbers](PointF& point) {
+    numbers.push_back(&point.x);
+    numbers.push_back(&point.y);
+  });
+  return numbers;
+}
 
 class RandomFaces {
  public:
@@ -22,7 +36,8 @@ class RandomFaces {
   }
 
   /// In or a little beside a frame, its eyes from one pixel to the frame's width apart, more often
-  /// close together. Every other face has landmarks that no face has.
+  /// close together. Every other face has landmarks that no face has, some of them as far away as
+  /// may be.
   Face In(int width, int height) {
     const float distance = std::exp(Between(0, std::log(static_cast<float>(width))));
     const float turn = Between(-3.15f, 3.15f);
@@ -39,6 +54,13 @@ class RandomFaces {
       point = {middle.x + from_middle.x * stretch.x + Between(-shake, shake),
                middle.y + from_middle.y * stretch.y + Between(-shake, shake)};
     });
+    if (WholeBetween(0, 2) == 0) {
+      const float farthest = kFarthestInSides * static_cast<float>(std::max(width, height));
+      ForEachPoint(face.landmarks, [&](PointF& point) {
+        if (WholeBetween(0, 15) == 0) point.x = WholeBetween(0, 1) == 0 ? farthest : -farthest;
+        if (WholeBetween(0, 15) == 0) point.y = WholeBetween(0, 1) == 0 ? farthest : -farthest;
+      });
+    }
     return face;
   }
 

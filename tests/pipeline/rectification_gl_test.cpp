@@ -5,12 +5,15 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "lumora/platform/settings.h"
 #include "pipeline/pipeline_fixture.h"
 #include "pipeline/smooth_samples.h"
 #include "reference/rectification.h"
+#include "support/scoped.h"
 
 namespace lumora::test {
 namespace {
@@ -106,6 +109,26 @@ TEST_F(PipelineTest, RectifyRadialWithoutCameraFilesUsesTheDefaultLens) {
   EXPECT_FALSE(out.Read() == samples);
 }
 
+TEST_F(PipelineTest, RectifyRadialTakesNoCameraFileWithANumberBeyondItsRange) {
+  const TempDirectory root;
+  platform::SetSystemRoot(root.path());
+  WriteFile(root.path() + "/sys/android_camera/sensor", "back one");
+  const auto result_with = [&](const std::string& numbers) {
+    WriteFile(root.path() + "/system/etc/one_1", "r_param " + numbers);
+    FrameMemory in(PixelFormat::NV21, 97, 66), out(PixelFormat::NV21, 97, 66);
+    in.Fill(NoiseSamples(97, 66));
+    const Status status = pipeline_->RectifyRadial(in.const_view(), out.view(), Camera::First);
+    EXPECT_TRUE(status.ok()) << status.message;
+    return out.Read();
+  };
+  const Samples usual = result_with("");
+  EXPECT_FALSE(result_with("1.1 0 0 0") == usual) << "no file was read";
+  for (const char* numbers : {"1.1 0 0 1e38", "-1001 0 0 0", "1.1 0 3e38 0"}) {
+    EXPECT_TRUE(result_with(numbers) == usual) << numbers;
+  }
+  platform::SetSystemRoot("");
+}
+
 TEST_F(PipelineTest, RectificationRefusesWhatItCannotDo) {
   FrameMemory in(PixelFormat::NV21, 64, 64), out(PixelFormat::NV21, 64, 64);
   const auto before = out.Everything();
@@ -116,6 +139,9 @@ TEST_F(PipelineTest, RectificationRefusesWhatItCannotDo) {
   }
   LensCoefficients lens;
   lens.k2 = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(pipeline_->RectifyRadial(in.const_view(), out.view(), lens).code,
+            StatusCode::InvalidArgument);
+  lens.k2 = 1e38f;
   EXPECT_EQ(pipeline_->RectifyRadial(in.const_view(), out.view(), lens).code,
             StatusCode::InvalidArgument);
   FrameMemory small(PixelFormat::NV21, 64, 62);

@@ -139,6 +139,7 @@ TEST(SkinMask, WeighsNothingOutsideTheEllipseThatIsTold) {
       for (int x = bounds.x; x < std::min(bounds.x + bounds.width, width); ++x) {
         const float weight = row[static_cast<size_t>(x - bounds.x)];
         if (weight == 0) continue;
+        ASSERT_TRUE(weight > 0 && weight <= 1) << weight << " of face " << i;
         ASSERT_TRUE(Holds(outer, x + 0.5, y + 0.5))
             << weight << " at " << x << ", " << y << " of face " << i;
         ++inside;

@@ -62,6 +62,15 @@ TEST(WhiteningEllipses, AreTheUnitCirclesOfTheEnginesMatrices) {
   }
 }
 
+TEST(WhiteningEllipses, OfAFaceBeyondEveryFrameHoldNothing) {
+  Face face = FaceFromEyes({300, 200}, {360, 200});
+  ASSERT_GT(WhiteningEllipses(face)[kFaceEllipse].half_along, 0);
+  for (const float far : {1e38f, -1e38f, 6e5f}) {
+    face.landmarks.chin.y = far;
+    for (const Ellipse& ellipse : WhiteningEllipses(face)) EXPECT_EQ(ellipse.half_along, 0);
+  }
+}
+
 TEST(WhiteningEllipses, OfATinyFaceHoldNothing) {
   const auto ellipses = WhiteningEllipses(TurnedFace(100, 100, 1.5f, 0));
   EXPECT_EQ(ellipses[kFaceEllipse].half_along, 0);

@@ -111,5 +111,24 @@ TEST(FacesJson, EveryMistakeIsNamedWithItsPlace) {
   }
 }
 
+TEST(FacesJson, LandmarksReachNoFartherThanTheirPictureAllows) {
+  const auto text = [](const std::string& chin) {
+    std::string points;
+    for (int i = 0; i < 68; ++i) points += (i == 0 ? "" : ", ") + (i == 8 ? chin : "[200, 150]");
+    return R"({"faces": [{"landmarks68": [)" + points + "]}]}";
+  };
+  EXPECT_EQ(Parse(text("[200, 6400]")).size(), 1u);  // 16 times 400
+  for (const char* chin : {"[200, 6401]", "[-6401, 150]", "[1e6, 150]"}) {
+    try {
+      Parse(text(chin));
+      ADD_FAILURE() << chin << " was accepted";
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.code(), ExitCode::Unreadable);
+      EXPECT_THAT(failure.what(),
+                  testing::HasSubstr("f.json: faces[0]: chin lies farther away than 16 times"));
+    }
+  }
+}
+
 }  // namespace
 }  // namespace lumora::test

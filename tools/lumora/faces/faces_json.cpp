@@ -1,5 +1,6 @@
 #include "tools/lumora/faces/faces_json.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
@@ -111,6 +112,18 @@ Face ParseFace(const Value& value) {
   return FromBox(value.At("box"), value.Has("roll") ? value.At("roll").Number() : 0);
 }
 
+/// Landmarks that no picture's face has would be refused later, without their place in the file.
+void CheckReach(const Value& value, const Face& face, cv::Size picture) {
+  const float farthest =
+      kFarthestInSides * static_cast<float>(std::max(picture.width, picture.height));
+  for (const NamedPoint& point : NamedLandmarks(face.landmarks)) {
+    if (std::abs(point.at.x) <= farthest && std::abs(point.at.y) <= farthest) continue;
+    value.Reject(point.name + " lies farther away than " +
+                 std::to_string(static_cast<int>(kFarthestInSides)) +
+                 " times the longer side of the picture");
+  }
+}
+
 }  // namespace
 
 std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture,
@@ -147,6 +160,7 @@ std::vector<Face> ParseFaces(const std::string& text, const std::string& name, c
       value.Reject("the face lies outside the picture of " + std::to_string(picture.width) + " x " +
                    std::to_string(picture.height) + " pixels");
     }
+    CheckReach(value, faces.back(), picture);
   }
   return faces;
 }
