@@ -113,6 +113,7 @@ TEST(BadInput, CommandLinesWithoutSenseEndWithCode2) {
       {{"rectify", in, "-o", out, "--degree", "1", "--camera", "0"}, "--degree"},
       {{"rectify", in, "-o", out, "--degree", "101"}, "degree"},
       {{"rectify", in, "-o", out, "--radial", "1,2"}, "radial"},
+      {{"rectify", in, "-o", out, "--radial", "1e38,0,0,0"}, "4 numbers from -1000 to 1000"},
       {{"rectify", in, "-o", out, "--camera", "2"}, "camera"},
       {{"convert", in, "-o", out}, "--to"},
       {{"convert", in, "-o", out, "--to", "cmyk"}, "to"},

@@ -122,16 +122,16 @@ TEST(NumberOptions, TakeEveryNumberOfTheirRangeAndNoOther) {
 TEST(NumberOptions, AListHasItsNumbersAndNothingElse) {
   std::vector<float> values;
   const auto add = [&values](CLI::App& command) {
-    tools::AddDecimalList(command, "--it", &values, 4, "a,b,c,d", "help");
+    tools::AddDecimalList(command, "--it", &values, 4, 1000, "a,b,c,d", "help");
   };
   EXPECT_EQ(Said("1,-2.5, 3e-2,+4", add), "");
   EXPECT_EQ(values, (std::vector<float>{1, -2.5f, 3e-2f, 4}));
-  EXPECT_EQ(Said("3.4e38,0,0,1e-50", add), "");
+  EXPECT_EQ(Said("1000,-1000,0,1e-50", add), "");
   for (const char* text : {"", ",", ",,,", "1", "1,2,3", "1,2,3,", "1,2,,3", "1,2,3,4,",
-                           "1,2,3,4,5", "1,2,3,x", "1,2,3,nan", "inf,2,3,4", "1e39,0,0,0",
-                           "-1e39,0,0,0", "1e999,0,0,0", "1;2;3;4", "1 2 3 4"}) {
+                           "1,2,3,4,5", "1,2,3,x", "1,2,3,nan", "inf,2,3,4", "1000.1,0,0,0",
+                           "1e38,0,0,0", "-1e39,0,0,0", "1e999,0,0,0", "1;2;3;4", "1 2 3 4"}) {
     EXPECT_EQ(Said(text, add),
-              "--it: \"" + std::string(text) + "\" is not a,b,c,d: 4 finite numbers");
+              "--it: \"" + std::string(text) + "\" is not a,b,c,d: 4 numbers from -1000 to 1000");
   }
 }
 

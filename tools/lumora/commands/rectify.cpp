@@ -81,7 +81,7 @@ void AddRectify(CLI::App& program, Action* action) {
   AddWhole(*how, "--degree", &options->degree, -100, 100,
            "lines that run together; above 0 widens the left side, below 0 the right, by so\n"
            "many hundredths of the picture at both ends");
-  AddDecimalList(*how, "--radial", &options->radial, 4, "k0,k1,k2,k3",
+  AddDecimalList(*how, "--radial", &options->radial, 4, kLargestCoefficient, "k0,k1,k2,k3",
                  "bent lines; a point is taken from k0 + k1 s + k2 s^2 + k3 s^3 times its\n"
                  "distance from the middle, s its square, 1 in the corners");
   AddWhole(*how, "--camera", &options->camera, 0, 1,

@@ -99,15 +99,19 @@ CLI::Option* AddDecimal(CLI::App& command, const std::string& name, double* valu
 }
 
 CLI::Option* AddDecimalList(CLI::App& command, const std::string& name, std::vector<float>* values,
-                            size_t count, const std::string& form, const std::string& help) {
+                            size_t count, float most, const std::string& form,
+                            const std::string& help) {
   const auto set = [=](const std::string& text) {
     const auto wrong = [&] {
-      return Wrong(name, text, form + ": " + std::to_string(count) + " finite numbers");
+      const std::string bound = Shown(static_cast<double>(most));
+      return Wrong(
+          name, text,
+          form + ": " + std::to_string(count) + " numbers from -" + bound + " to " + bound);
     };
     values->clear();
     for (const std::string& part : Split(text, ',')) {
       const std::optional<double> number = DecimalNumber(part);
-      if (!number || std::abs(*number) > std::numeric_limits<float>::max()) throw wrong();
+      if (!number || std::abs(*number) > static_cast<double>(most)) throw wrong();
       values->push_back(static_cast<float>(*number));
     }
     if (values->size() != count) throw wrong();

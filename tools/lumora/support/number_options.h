@@ -24,9 +24,11 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, std::optional<
 CLI::Option* AddDecimal(CLI::App& command, const std::string& name, double* value, double least,
                         double most, const std::string& help);
 
-/// The `count` finite numbers of a list with commas in between, which looks like `form`.
+/// The `count` numbers of a list with commas in between, which looks like `form`, none farther from
+/// 0 than `most`.
 CLI::Option* AddDecimalList(CLI::App& command, const std::string& name, std::vector<float>* values,
-                            size_t count, const std::string& form, const std::string& help);
+                            size_t count, float most, const std::string& form,
+                            const std::string& help);
 
 }  // namespace lumora::tools
 
