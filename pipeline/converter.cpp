@@ -101,11 +101,17 @@ Status Converter::Worker::ConvertHere(const ConstFrameView& in, const ImageView&
     width_ = height_ = 0;  // sets the engine up anew for the next frame
     return status;
   }
+  const unsigned char* rgb_pixels = rgb.data != nullptr ? engine_->GetRGB_Image() : nullptr;
+  const unsigned char* hsi_pixels = hsi.data != nullptr ? engine_->GetHSI_Image() : nullptr;
+  if ((rgb.data != nullptr && rgb_pixels == nullptr) ||
+      (hsi.data != nullptr && hsi_pixels == nullptr)) {
+    return EngineRefused();
+  }
   // Nothing may fail any more once the images are written.
   report->chain = "convert";
   report->buffer_kind = BufferKind();
-  if (rgb.data != nullptr) CopyImage(engine_->GetRGB_Image(), frame_.width(), rgb);
-  if (hsi.data != nullptr) CopyImage(engine_->GetHSI_Image(), frame_.width(), hsi);
+  if (rgb.data != nullptr) CopyImage(rgb_pixels, frame_.width(), rgb);
+  if (hsi.data != nullptr) CopyImage(hsi_pixels, frame_.width(), hsi);
   report->download_ms = stopwatch.Lap();
   return {};
 }

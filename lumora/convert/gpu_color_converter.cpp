@@ -187,7 +187,7 @@ int GPUColorConverter::ConvertYUV(void* pSrc) {
     return 0;
   }
   sp2yuvxs(texels, m_nYYYYWidth, pSrc, m_nSrcWidth, m_nSrcHeight, 0, 0, m_nSrcWidth, m_nSrcHeight);
-  m_pInputImage->Unlock();
+  if (m_pInputImage->Unlock() < 0) return 0;
   DrawColorConvertYUV2RGB();
   DrawColorConvertRGB2HSI();
   glFlush();

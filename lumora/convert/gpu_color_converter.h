@@ -52,7 +52,8 @@ class LUMORA_API GPUColorConverter {
   /// 1, or 0 before Init and without a frame.
   int ConvertYUV(void* pSrc);
 
-  /// The RGB image: R, G, B, A bytes, rows of the width rounded up to 32 pixels. Null before Init.
+  /// The RGB image: R, G, B, A bytes, rows of the width rounded up to 32 pixels. Null before Init,
+  /// and when the converter's context, in which it was drawn, is not current.
   /// Valid until DeInit; read it after ConvertYUV and ask again for each frame.
   unsigned char* GetRGB_Image();
   /// The HSI image: hue (255 is a turn), saturation, intensity, 255; rows as above.

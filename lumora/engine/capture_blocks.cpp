@@ -89,7 +89,10 @@ int GPUBeautyFace::BlockCopyYUV(unsigned char* pDstYStart, unsigned char* pDstUV
 
   const unsigned char* luma = m_pYYYYImage->Lock();
   const unsigned char* chroma = m_pUVUVImage->Lock();
-  if (luma == nullptr || chroma == nullptr) return 0;
+  if (luma == nullptr || chroma == nullptr) {
+    LOGE("[%s] program or image is missing", "BlockCopyYUV");
+    return 0;
+  }
   const auto bytes = static_cast<size_t>(columns);
   for (int row = 0; row < last_row; ++row) {
     const int frame_row = y + row;
@@ -159,16 +162,14 @@ bool GPUBeautyFace::PrepareBlockSource(int x, int y, int rows) {
     return true;
   }
   unsigned char* block = m_pWorkImage[2] != nullptr ? m_pWorkImage[2]->Lock() : nullptr;
-  {
-    const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
-    if (store.texels() == nullptr || block == nullptr) {
-      LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
-      return false;
-    }
-    BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, lumora::RoundUpTo32(m_nSrcWidth), rows,
-                              full_stride, m_nFullHeight);
-    m_pWorkImage[2]->Unlock();
+  const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
+  if (store.texels() == nullptr || block == nullptr) {
+    LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
+    return false;
   }
+  BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, lumora::RoundUpTo32(m_nSrcWidth), rows,
+                            full_stride, m_nFullHeight);
+  if (m_pWorkImage[2]->Unlock() < 0) return false;
   lumora::quad::ResetTextureCoordinates();
   return true;
 }

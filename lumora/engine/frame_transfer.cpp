@@ -59,8 +59,7 @@ int GPUBeautyFace::LoadPreviewFrameBuffer(void* pSrc) {
   }
   sp2yuvxs(texels, lumora::RoundUpTo32(m_nSrcWidth), pSrc, m_nSrcWidth, m_nSrcHeight, 0, 0,
            m_nSrcWidth, m_nSrcHeight);
-  m_pRGBImage->Unlock();
-  return 1;
+  return m_pRGBImage->Unlock() >= 0 ? 1 : 0;
 }
 
 int GPUBeautyFace::CopyMemYUVfromSrcTexture(void* pDstY, void* pDstUV) {

@@ -141,7 +141,8 @@ class LUMORA_API GPUBeautyFace {
   /// Copies the packed targets to tightly packed planes of `m_nProcWidth` bytes a row:
   /// `m_nProcHeight` rows to pDstY, half as many to pDstUV. A null plane is replaced by a buffer of
   /// the size that the first call in the process needed, filled as far as it goes, and left to
-  /// nobody. Returns 1, or 0 without packed targets.
+  /// nobody. Returns 1, or 0 with nothing copied: without packed targets, or without the context
+  /// when they were drawn.
   int MemcpyYUV(void* pDstY, void* pDstUV);
 
   /// Block-mode captures: brings the blocks that cover faces back to the caller's planes, whose

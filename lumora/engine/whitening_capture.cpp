@@ -23,6 +23,12 @@ namespace {
 
 using lumora::RoundUpTo32;
 
+/// Tells that a block cannot go on between CPU and GPU. Always false.
+bool MissingBlock() {
+  LOGE("[%s] program or image is missing", "DoFaceWhiteningLarge");
+  return false;
+}
+
 /// A start and length of whole blocks around a centre that hold half an extent on each side.
 struct BlockSpan {
   int start;
@@ -116,20 +122,17 @@ bool GPUBeautyFace::WhitenBlock(const unsigned char* pSrcY, const unsigned char*
     x = std::max(m_nFullWidth - width, 0);
   }
   unsigned char* block = m_pRGBImage != nullptr ? m_pRGBImage->Lock() : nullptr;
-  if (block == nullptr) {
-    LOGE("[%s] program or image is missing", "DoFaceWhiteningLarge");
-    return false;
-  }
+  if (block == nullptr) return MissingBlock();
   sp2yuvxs(block, m_nSrcWidth, m_nSrcHeight, pSrcY, pSrcUV, m_nFullWidth, m_nFullHeight, x, y,
            width, height);
-  m_pRGBImage->Unlock();
+  if (m_pRGBImage->Unlock() < 0) return MissingBlock();
   if (DrawColorConvertYUV2HSI() == 0) return false;
 
   const bool overlaps =
       std::any_of(m_rcFaceProcess, m_rcFaceProcess + face, [&](const FaceProcessRect& earlier) {
         return CornerInside(earlier, x, y, m_nSrcWidth, m_nSrcHeight);
       });
-  if (overlaps && !LoadPreviousResult(x, y, height)) return false;
+  if (overlaps && !LoadPreviousResult(x, y, height)) return MissingBlock();
 
   glViewport(0, 0, m_nAlignedWidth, m_nAlignedHeight);
   auto& program = static_cast<GLProgFaceWhiteningLarge&>(*m_pProgFaceWhitening);
@@ -142,31 +145,27 @@ bool GPUBeautyFace::WhitenBlock(const unsigned char* pSrcY, const unsigned char*
   if (DrawFaceWhiteLarge(overlaps) == 0) return false;
   glFlush();
   glFinish();
-  return StoreResult(x, y, height);
+  return StoreResult(x, y, height) || MissingBlock();
 }
 
 bool GPUBeautyFace::LoadPreviousResult(int x, int y, int rows) {
   glFlush();
   glFinish();
   unsigned char* block = m_pRGBImage->Lock();
-  {
-    const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
-    if (store.texels() == nullptr || block == nullptr) return false;
-    BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, RoundUpTo32(m_nSrcWidth), rows,
-                              RoundUpTo32(m_nFullWidth), m_nFullHeight);
-  }
-  m_pRGBImage->Unlock();
-  return true;
+  const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
+  if (store.texels() == nullptr || block == nullptr) return false;
+  BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, RoundUpTo32(m_nSrcWidth), rows,
+                            RoundUpTo32(m_nFullWidth), m_nFullHeight);
+  return m_pRGBImage->Unlock() >= 0;
 }
 
 bool GPUBeautyFace::StoreResult(int x, int y, int rows) {
   const unsigned char* block = m_pWorkImage[2]->Lock();
-  {
-    lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
-    if (store.texels() == nullptr || block == nullptr) return false;
-    BlockCopyRGBA8888(block, store.writable_texels(), x, y, RoundUpTo32(m_nSrcWidth), rows,
-                      RoundUpTo32(m_nFullWidth), m_nFullHeight);
-  }
+  const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
+  if (store.texels() == nullptr || block == nullptr) return false;
+  BlockCopyRGBA8888(block, store.texels(), x, y, RoundUpTo32(m_nSrcWidth), rows,
+                    RoundUpTo32(m_nFullWidth), m_nFullHeight);
+  if (!store.WriteBack()) return false;
   m_pWorkImage[2]->Unlock();
   return true;
 }

@@ -6,10 +6,10 @@
 
 namespace lumora {
 
-/// A block of the store, locked for reading and writing by the CPU for as long as the object lives;
-/// only that block moves between CPU and GPU. The store is work image 1, or the large buffer of
-/// captures that fit no texture. `texels` addresses the whole store, null when there is none: rows
-/// of the full frame's width rounded up to 32 pixels, 4 bytes a pixel.
+/// A block of the store, locked for the CPU; only that block moves between CPU and GPU. The store
+/// is work image 1, or the large buffer of captures that fit no texture. `texels` addresses the
+/// whole store, null when there is none: rows of the full frame's width rounded up to 32 pixels, 4
+/// bytes a pixel.
 class LockedStoreBlock {
  public:
   LockedStoreBlock(const android::GPUBeautyFace& engine, int x, int y, int width, int height)
@@ -21,24 +21,17 @@ class LockedStoreBlock {
     }
     if (buffer_ != nullptr) texels_ = buffer_->lockPart(x_, y_, width_, height_);
   }
-  ~LockedStoreBlock() {
-    if (texels_ != nullptr && written_) buffer_->cleanPart(x_, y_, width_, height_);
-  }
   LockedStoreBlock(const LockedStoreBlock&) = delete;
   LockedStoreBlock& operator=(const LockedStoreBlock&) = delete;
 
-  const unsigned char* texels() const { return texels_; }
-  /// The same for writing: the block is then written back at the end.
-  unsigned char* writable_texels() {
-    written_ = true;
-    return texels_;
-  }
+  unsigned char* texels() const { return texels_; }
+  /// After writing to the block: whether the GPU has it now.
+  bool WriteBack() const { return buffer_->cleanPart(x_, y_, width_, height_) == 0; }
 
  private:
   const int x_, y_, width_, height_;
   platform::GraphicBuffer* buffer_ = nullptr;
   unsigned char* texels_ = nullptr;
-  bool written_ = false;
 };
 
 }  // namespace lumora

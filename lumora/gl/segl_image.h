@@ -40,8 +40,9 @@ class LUMORA_API SEGLImage {
   /// Deletes the texture and the EGL image. May be called twice.
   void Destroy();
 
-  /// The address of the first pixel (buffer mode), null in plain mode. Rows are the width rounded
-  /// up to 32 pixels, 4 bytes a pixel. Everything that the GPU has drawn is visible there: call it
+  /// The address of the first pixel (buffer mode), null in plain mode and when the GPU has newer
+  /// pixels that cannot be had without the context. Rows are the width rounded up to 32 pixels, 4
+  /// bytes a pixel. Everything that the GPU has drawn is visible there: call it
   /// at each use and never keep the address over a draw.
   unsigned char* Lock();
 

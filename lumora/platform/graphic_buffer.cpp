@@ -57,6 +57,9 @@ struct GraphicBuffer::State final : CoherentMemory {
     return false;
   }
 
+  // Whether the GPU's side is known to be the newer one.
+  bool drawn() const { return coherence.state() == Coherence::State::Gpu; }
+
   size_t rows() const { return geometry.height; }
   void rememberRows(size_t first, size_t count) {
     row_digests.resize(rows());
@@ -126,7 +129,8 @@ const PrivateHandle& GraphicBuffer::handle() const {
 int GraphicBuffer::lock(uint32_t, void** address) {
   if (address == nullptr) return -EINVAL;
   *address = lockPixels();
-  return *address != nullptr ? 0 : -ENOMEM;
+  if (*address != nullptr) return 0;
+  return state_->backing == nullptr ? -ENOMEM : -EPERM;
 }
 
 int GraphicBuffer::unlock() {
@@ -135,20 +139,22 @@ int GraphicBuffer::unlock() {
 
 unsigned char* GraphicBuffer::lockPixels() {
   if (state_->backing == nullptr) return nullptr;
-  state_->coherence.lock();
-  return state_->backing->address();
+  // Bytes that only may be older than the GPU's are still the ones that the CPU left here.
+  const bool stale = !state_->coherence.lock() && state_->drawn();
+  return stale ? nullptr : state_->backing->address();
 }
 
 unsigned char* GraphicBuffer::lockForOverwrite() {
   if (state_->backing == nullptr) return nullptr;
-  state_->coherence.lockForOverwrite();
-  return state_->backing->address();
+  // What is drawn need not come here, but what is written must be able to go there.
+  if (state_->drawn() && !state_->backing->fetch({0, 0, 0, 0})) return nullptr;
+  return state_->coherence.lockForOverwrite() ? state_->backing->address() : nullptr;
 }
 
 int GraphicBuffer::readInto(const PixelRectangle& part, unsigned char* pixels, int stride) {
   if (state_->backing == nullptr) return -ENOMEM;
   const PixelRectangle inside = state_->clip(part.x, part.y, part.width, part.height);
-  if (state_->coherence.state() == Coherence::State::Gpu) {
+  if (state_->drawn()) {
     return state_->backing->fetchInto({pixels, stride}, inside) ? 0 : -EPERM;
   }
   // Only a lock tells which side is newer.
@@ -177,8 +183,8 @@ int GraphicBuffer::clean() {
 unsigned char* GraphicBuffer::lockPart(int x, int y, int width, int height) {
   if (state_->backing == nullptr) return nullptr;
   const PixelRectangle part = state_->clip(x, y, width, height);
-  const bool drawn = state_->coherence.state() == Coherence::State::Gpu;
-  const bool ready = drawn ? state_->backing->fetch(part) : state_->backing->beginAccess();
+  const bool ready =
+      state_->drawn() ? state_->backing->fetch(part) : state_->backing->beginAccess();
   return ready ? state_->backing->address() : nullptr;
 }
 

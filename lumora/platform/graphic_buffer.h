@@ -80,13 +80,15 @@ class LUMORA_API GraphicBuffer : public RefBase {
   /// The allocator's private handle.
   const PrivateHandle& handle() const;
 
-  /// Locks for CPU access: stores the address of the first pixel. Returns 0, or a negative error.
+  /// Locks for CPU access as `lockPixels`: stores the address of the first pixel, null on failure.
+  /// Returns 0, or a negative error.
   int lock(uint32_t usage, void** address);
   /// Ends CPU access: what the CPU wrote reaches the GPU. Returns 0, or a negative error.
   int unlock();
 
   /// The address of the first pixel, with everything the GPU has drawn visible there (waits for the
-  /// GPU when it has drawn since). Null when the allocation failed.
+  /// GPU when it has drawn since). Null when the allocation failed, or when the GPU has drawn and
+  /// the image's context is not current.
   unsigned char* lockPixels();
 
   /// Writes back what the CPU wrote, through a freshly locked or a kept address alike, so that the
@@ -95,7 +97,8 @@ class LUMORA_API GraphicBuffer : public RefBase {
   int clean();
 
   /// As `lockPixels`, for a caller that is going to write every pixel and then calls `clean`: what
-  /// the GPU has drawn is not fetched.
+  /// the GPU has drawn is not fetched. Null also when the GPU may be using this memory and the
+  /// image's context is not current.
   unsigned char* lockForOverwrite();
 
   /// Copies a rectangle of what the GPU sees to memory of the caller's, or the other way round,

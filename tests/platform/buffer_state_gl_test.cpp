@@ -252,10 +252,29 @@ TEST_P(BufferState, WhatCannotMoveNowMovesWhenTheContextIsBack) {
   {
     const GlContext other;
     ASSERT_TRUE(other.ok());
-    EXPECT_EQ(image.buffer().lockPixels(), image.buffer().handle().base);
+    EXPECT_EQ(nullptr, image.buffer().lockPixels());
+    void* address = &image;
+    EXPECT_GT(0, image.buffer().lock(0x33, &address));
+    EXPECT_EQ(nullptr, address);
+    EXPECT_EQ(nullptr, image.buffer().lockForOverwrite());
+    EXPECT_EQ(nullptr, image.buffer().lockPart(1, 1, 2, 2));
   }
   ASSERT_TRUE(context().make_current());
   EXPECT_TRUE(SameImage(PlainImage(103), image.read()));
+}
+
+TEST_P(BufferState, WhatTheCpuLeftIsThereWithoutTheContext) {
+  for (const bool attached : {false, true}) {
+    TestImage image(kWidth, kHeight);
+    if (attached) NoteColorAttachment(image.texture());
+    image.upload(PatternImage(4));
+    {
+      const GlContext other;
+      ASSERT_TRUE(other.ok());
+      EXPECT_TRUE(SameImage(PatternImage(4), image.read()));
+    }
+    ASSERT_TRUE(context().make_current());
+  }
 }
 
 }  // namespace
