@@ -130,6 +130,21 @@ TEST(EngineLog, IsSilentUnlessAskedFor) {
   EXPECT_THAT(RunLumora({"doctor"}, {}, {{{"LUMORA_LOG", "info"}}}).err, HasSubstr("Lumora: "));
 }
 
+TEST(DriverCache, IsNotMissedAloudWhereThereIsNoPlaceForIt) {
+  const Folder folder;
+  const std::string file = folder.Put("file", std::string("no folder"));
+  const std::string in = folder.Put("in.png", PngOf(PortraitOf(64, 64).picture));
+  for (const std::string& caches :
+       {file, folder / "no/such", std::string("/proc"), std::string()}) {
+    SCOPED_TRACE(caches);
+    Environment environment;
+    environment.set = {{"XDG_CACHE_HOME", caches}, {"LUMORA_CACHE_DIR", folder / "ours"}};
+    const Result result = RunLumora({"convert", in, "-o", "-", "--to", "hsi"}, {}, environment);
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_EQ(result.err, "");
+  }
+}
+
 TEST(NoDisplay, EndsWithCode4) {
   // Without a driver library there is no display.
   const Environment no_driver = {{{"__EGL_VENDOR_LIBRARY_FILENAMES", "/dev/null"}}};

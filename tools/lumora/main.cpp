@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/lumora/support/command.h"
+#include "tools/lumora/support/driver_cache.h"
 #include "tools/lumora/support/failure.h"
 #include "tools/lumora/support/talk.h"
 
@@ -88,6 +89,7 @@ int Run(int argc, char** argv) {
     throw Failure(ExitCode::Usage, Sentence(program, error));
   }
   CheckNoneIsEmpty(*program.get_subcommands().front());
+  KeepDriverFromMissingItsCache();
   return static_cast<int>(action());
 }
 
