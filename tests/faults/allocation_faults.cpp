@@ -100,6 +100,12 @@ int __android_log_vprint(int, const char*, const char*, va_list) {
 // NOLINTEND(bugprone-reserved-identifier)
 
 namespace lumora::test {
+namespace {
+
+// Seconds, at most, of what is done with one refusal. Who waits for a lock waits for ever.
+constexpr unsigned kLongest = 120;
+
+}  // namespace
 
 std::ostream& operator<<(std::ostream& out, const Refusal& refusal) {
   return out << "request " << refusal.number
@@ -107,12 +113,11 @@ std::ostream& operator<<(std::ostream& out, const Refusal& refusal) {
 }
 
 Requests WithRefusal(const Refusal& refusal, const std::function<void()>& work) {
-  constexpr unsigned kLongest = 60;  // seconds; whoever waits for a lock waits for ever
   g_refusal = refusal;
   g_made = 0;
   g_refused = 0;
   Requests requests;
-  alarm(kLongest);
+  const unsigned left = alarm(kLongest);
   g_counting = true;
   try {
     work();
@@ -120,7 +125,7 @@ Requests WithRefusal(const Refusal& refusal, const std::function<void()>& work) 
     requests.thrown = true;
   }
   g_counting = false;
-  alarm(0);
+  alarm(left);
   requests.made = g_made;
   requests.refused = g_refused;
   return requests;
@@ -134,9 +139,11 @@ void ForEachRefusal(int requests, const std::function<void(const Refusal&)>& che
     for (int number = 1; number <= requests; number += step) {
       const Refusal refusal{number, shortage};
       SCOPED_TRACE(testing::Message() << refusal);
+      alarm(kLongest);
       check(refusal);
     }
   }
+  alarm(0);
 }
 
 }  // namespace lumora::test

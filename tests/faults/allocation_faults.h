@@ -35,7 +35,8 @@ struct Requests {
 Requests WithRefusal(const Refusal& refusal, const std::function<void()>& work);
 
 /// Calls `check` with every single refusal that fits `requests` requests, and with some lasting
-/// ones; with all of them where the environment has LUMORA_TEST_EVERY_FAULT.
+/// ones; with all of them where the environment has LUMORA_TEST_EVERY_FAULT. A check that never
+/// ends ends the process.
 void ForEachRefusal(int requests, const std::function<void(const Refusal&)>& check);
 
 }  // namespace lumora::test
