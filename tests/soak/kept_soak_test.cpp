@@ -109,6 +109,7 @@ TEST(KeptSoak, ImageThatIsCreatedTwice) {
   GPUBeautyFace context;
   Kept kept = {{{"texture", 1}, {"EGL image", 1}}};
   kept.bytes = 2 * 64 * 32 * 4;  // the first image's pixels, where both sides have their own
+  kept.descriptors = 1;          // and the file of shared ones, where the driver keeps that open
   Soak(
       "SEGLImage: Create over Create", Cycles(20),
       [](int) {
