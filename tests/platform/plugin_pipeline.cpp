@@ -1,0 +1,7 @@
+// A plug-in of some application: it asks a pipeline of its own what it works with.
+#include "pipeline/pipeline.h"
+
+extern "C" __attribute__((visibility("default"))) int Work() {
+  const auto pipeline = lumora::Pipeline::Create(nullptr);
+  return pipeline != nullptr && !pipeline->Device().renderer.empty() ? 1 : 0;
+}
