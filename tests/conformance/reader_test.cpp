@@ -65,6 +65,16 @@ TEST_F(Reading, TakesAFinishOnlyBehindAFlush) {
   EXPECT_TRUE(Same({"glFlush", "glFinish"}, read(recording)));
 }
 
+// Locks wait as well: what an engine leaves out must not be made up for by its images.
+TEST_F(Reading, TakesNoFinishOfALockForTheEngines) {
+  for (SEGLImage* image : {engine_.m_pRGBImage, engine_.m_pYYYYImage}) {
+    const Recording recording(Checks::Passes);
+    glFlush();
+    EXPECT_NE(nullptr, image->Lock());
+    EXPECT_TRUE(Same({"glFlush"}, read(recording)));
+  }
+}
+
 TEST_F(Reading, TellsUnitsApart) {
   const Recording recording(Checks::Passes);
   glActiveTexture(GL_TEXTURE1);
