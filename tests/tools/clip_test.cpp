@@ -33,6 +33,30 @@ TEST(Y4mHeader, SaysWhatMatters) {
   EXPECT_EQ(ParseY4mHeader("YUV4MPEG2 W64 H64 F0:0", "").frames_per_second, 0);
 }
 
+TEST(Y4mHeader, EveryChromaPositionOfPlain420IsTaken) {
+  for (const char* sampling : {"", " C420", " C420jpeg", " C420mpeg2", " C420paldv"}) {
+    const Y4mHeader header = ParseY4mHeader(std::string("YUV4MPEG2 W33 H35") + sampling, "clip");
+    EXPECT_FALSE(header.mono) << sampling;
+    EXPECT_EQ(ClipFrame(header).stored(), 33u * 35 + 2 * 17 * 18) << sampling;
+  }
+  for (const char* sampling : {"411", "422", "444", "420p10", "420jpegx", "mono16", "mono9"}) {
+    EXPECT_THROW(ParseY4mHeader(std::string("YUV4MPEG2 W33 H35 C") + sampling, "clip"),
+                 tools::Failure)
+        << sampling;
+  }
+}
+
+TEST(Y4mReader, CountsTheFramesOfAMonoFileOfOddSize) {
+  const Folder folder;
+  std::string text = "YUV4MPEG2 W33 H35 Cmono\n";
+  for (int i = 0; i < 3; ++i) text += "FRAME\n" + std::string(33 * 35, 'y');
+  tools::Y4mReader reader(folder.Put("in.y4m", text));
+  EXPECT_EQ(reader.FrameCount(), 3);
+  ClipFrame frame(reader.header());
+  for (int i = 0; i < 3; ++i) ASSERT_TRUE(reader.Read(frame));
+  EXPECT_FALSE(reader.Read(frame));
+}
+
 TEST(Y4mReader, CountsTheFramesOfAFile) {
   const Folder folder;
   const Scene scene = MovingPortrait(64, 48, 3);

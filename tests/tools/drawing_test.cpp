@@ -92,6 +92,25 @@ TEST(FaceFinder, FindsATurnedHeadWithItsRoll) {
   }
 }
 
+TEST(FaceFinder, FacesOfLargePicturesAreGivenInTheirOwnPixelsLargestFirst) {
+  // Searched in a third of their size; a smaller face to the left of a larger one.
+  const Portrait small = DrawPortrait(0, 900), large = DrawPortrait(0, 1300);
+  cv::Mat picture(1400, 3000, CV_8UC3, cv::Scalar(200, 190, 180));
+  small.picture.copyTo(picture(cv::Rect(100, 200, 900, 900)));
+  large.picture.copyTo(picture(cv::Rect(1500, 50, 1300, 1300)));
+  const auto found = tools::FaceFinder().Find(picture);
+  ASSERT_EQ(found.size(), 2u);
+  const auto expect_eye = [](const tools::FoundFace& face, const Portrait& drawn, float x,
+                             float y) {
+    const PointF eye = Middle(face.face.landmarks.left_eye);
+    const PointF expected = Middle(drawn.face.landmarks.left_eye);
+    EXPECT_NEAR(eye.x, expected.x + x, 30);
+    EXPECT_NEAR(eye.y, expected.y + y, 30);
+  };
+  expect_eye(found[0], large, 1500, 50);
+  expect_eye(found[1], small, 100, 200);
+}
+
 TEST(Group, EveryFaceLiesWhereItSays) {
   const tools::Group group = tools::DrawGroup({1200, 900});
   ASSERT_EQ(group.picture.size(), cv::Size(1200, 900));

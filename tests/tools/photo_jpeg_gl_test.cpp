@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <exiv2/exiv2.hpp>
-#include <functional>
 #include <opencv2/imgproc.hpp>
 
 #include "tests/tools/pictures.h"
 #include "tests/tools/process.h"
+#include "tests/tools/stored_pictures.h"
 
 namespace lumora::test {
 namespace {
@@ -90,50 +90,6 @@ TEST(PhotoJpeg, Slim0KeepsEveryPixel) {
   files.out = files.folder / "out.jpg";
   ASSERT_EQ(Slim(files, "0").exit_code, 0);
   EXPECT_EQ(cv::norm(Decode(ReadFile(files.in)), Decode(ReadFile(files.out)), cv::NORM_INF), 0);
-}
-
-/// The picture as a file of that EXIF orientation stores it: the standard names the sides of the
-/// picture on which the first stored row and the first stored column lie.
-cv::Mat Stored(const cv::Mat& upright, int orientation) {
-  struct Sides {
-    bool rows_run_across;  // stored rows are columns of the picture
-    bool first_row_last;   // the first row is the bottom (or right) side
-    bool first_column_last;
-  };
-  constexpr Sides kSides[] = {{false, false, false}, {false, false, true}, {false, true, true},
-                              {false, true, false},  {true, false, false}, {true, true, false},
-                              {true, true, true},    {true, false, true}};
-  const Sides& sides = kSides[orientation - 1];
-  const int rows = sides.rows_run_across ? upright.cols : upright.rows;
-  const int columns = sides.rows_run_across ? upright.rows : upright.cols;
-  cv::Mat stored(rows, columns, upright.type());
-  for (int row = 0; row < rows; ++row) {
-    for (int column = 0; column < columns; ++column) {
-      const int along_row = sides.first_row_last ? rows - 1 - row : row;
-      const int along_column = sides.first_column_last ? columns - 1 - column : column;
-      stored.at<cv::Vec3b>(row, column) = sides.rows_run_across
-                                              ? upright.at<cv::Vec3b>(along_column, along_row)
-                                              : upright.at<cv::Vec3b>(along_row, along_column);
-    }
-  }
-  return stored;
-}
-
-Bytes WithMetadata(const Bytes& file, const std::function<void(Exiv2::Image&)>& change) {
-  const auto image = Exiv2::ImageFactory::open(file.data(), static_cast<long>(file.size()));
-  image->readMetadata();
-  change(*image);
-  image->writeMetadata();
-  Exiv2::BasicIo& io = image->io();
-  io.open();
-  const Exiv2::DataBuf written = io.read(static_cast<long>(io.size()));
-  return Bytes(written.pData_, written.pData_ + written.size_);
-}
-
-auto MetadataOf(const Bytes& file) {
-  auto image = Exiv2::ImageFactory::open(file.data(), static_cast<long>(file.size()));
-  image->readMetadata();
-  return image;
 }
 
 TEST(PhotoJpeg, EveryOrientationComesOutUprightAndSlimmedAlike) {

@@ -243,5 +243,34 @@ TEST(Convert, APictureBecomesAFrame) {
   }
 }
 
+TEST(Convert, AFrameOfAPictureHasThePicturesOwnSize) {
+  const Folder folder;
+  const cv::Mat picture = Landscape(67, 45);
+  const std::string in = folder.Put("in.png", PngOf(picture)), out = folder / "out.YUV";
+  ASSERT_EQ(RunLumora({"convert", in, "--to", "i420", "-o", out}).exit_code, 0);
+  EXPECT_EQ(ReadFile(out).size(), 67u * 45 + 2 * 34 * 23);
+  // ... and is read as a frame of that size and layout again.
+  const std::string back = folder / "back.png";
+  ASSERT_EQ(RunLumora({"convert", out, "--size", "67x45", "--to", "rgb", "-o", back}).exit_code, 0);
+  const cv::Mat after = Decode(ReadFile(back));
+  ASSERT_EQ(after.size(), picture.size());
+  // Chroma is that of four pixels, here of a gentle slope with a sawtooth on one channel.
+  EXPECT_LT(cv::norm(picture, after, cv::NORM_L1) / static_cast<double>(3 * after.total()), 4);
+}
+
+TEST(Convert, WhatIsSaidOfALayoutCountsMoreThanTheEnding) {
+  const Folder folder;
+  const std::string frame = RandomNv21(64, 48);
+  const auto rgb = [&](const std::string& name, const std::string& format) {
+    return RunLumora({"convert", folder.Put(name, frame), "--size", "64x48", "--format", format,
+                      "--to", "rgb", "-o", "-"})
+        .out;
+  };
+  const std::string as_nv12 = rgb("a.nv21", "nv12");
+  EXPECT_EQ(as_nv12.size(), 64u * 48 * 3);
+  EXPECT_EQ(as_nv12, rgb("a.raw", "nv12"));
+  EXPECT_NE(as_nv12, rgb("a.nv12", "nv21"));
+}
+
 }  // namespace
 }  // namespace lumora::test
