@@ -11,9 +11,12 @@ namespace lumora {
 namespace {
 
 // The engine shifts intensity and saturation of faces within these means only. Close to the limits
-// the shift is taken back, so that a face of a video does not flicker on them.
+// the shift is taken back, so that a face of a video does not flicker on them. Previews are
+// measured by the engine in texels that were rounded once more, which may be a step brighter than
+// the frame: the upper limit stays a step below the engine's 209, so that what is told to be
+// shifted is.
 constexpr int kLeastIntensity = 51;
-constexpr int kMostIntensity = 209;
+constexpr int kMostIntensity = 208;
 constexpr int kLeastSaturation = 51;
 constexpr double kTaper = 20;
 

@@ -144,5 +144,57 @@ TEST(FaceTracker, ForgetsEverybodyAfterACut) {
   EXPECT_TRUE(tracker.Skipped().empty());
 }
 
+/// Every number of a face, always in the same order.
+std::vector<float> NumbersOf(const Face& face) {
+  std::vector<float> numbers = {face.box.x, face.box.y, face.box.width, face.box.height,
+                                face.roll_degrees};
+  ForEachPoint(face.landmarks, [&numbers](const PointF& point) {
+    numbers.insert(numbers.end(), {point.x, point.y});
+  });
+  return numbers;
+}
+
+TEST(FaceTracker, EveryNumberOfAFaceMovesByTheSameShare) {
+  Face from = FaceAt(200, 150, 60), to = FaceFromEyes({178, 151}, {246, 160});
+  from.box = {110, 80, 160, 200};
+  to.box = {118, 92, 168, 188};
+  FaceTracker tracker({0.75f, 3, 0.6f});
+  tracker.Detected({from});
+  const std::vector<float> before = NumbersOf(from), after = NumbersOf(to),
+                           shown = NumbersOf(tracker.Detected({to})[0]);
+  ASSERT_EQ(before.size(), 5u + 2 * 27);
+  for (size_t i = 0; i < before.size(); ++i) {
+    ASSERT_NE(before[i], after[i]) << "number " << i << " does not move, so nothing is proved";
+    EXPECT_NEAR(shown[i], before[i] + 0.25f * (after[i] - before[i]), 0.01) << "number " << i;
+  }
+}
+
+TEST(FaceTracker, AFaceThatMovesOnWithinItsReachStaysOneHoweverFarItIsShownBehind) {
+  FaceTracker tracker({0.9f, 3, 0.6f});
+  const float side = std::max(FaceAt(0, 0).box.width, FaceAt(0, 0).box.height);
+  for (int i = 0; i < 20; ++i) {
+    const std::vector<Face> faces =
+        tracker.Detected({FaceAt(200 + 0.55f * side * static_cast<float>(i), 150)});
+    ASSERT_EQ(faces.size(), 1u) << i;
+  }
+}
+
+TEST(FaceTracker, TheReachIsAShareOfTheLargerSideOfTheBox) {
+  for (const RectF& box : {RectF{100, 100, 40, 120}, RectF{100, 100, 120, 40}}) {
+    for (const PointF& move : {PointF{70, 0}, PointF{0, 70}, PointF{-70, 0}, PointF{50, -50}}) {
+      FaceTracker tracker;  // 0.6 of 120 is 72
+      Face face = FaceAt(200, 150);
+      face.box = box;
+      tracker.Detected({face});
+      face.box.x += move.x;
+      face.box.y += move.y;
+      EXPECT_EQ(tracker.Detected({face}).size(), 1u) << move.x << ", " << move.y;
+      face.box.x += 1.1f * move.x;
+      face.box.y += 1.1f * move.y;
+      EXPECT_EQ(tracker.Detected({face}).size(), 2u) << move.x << ", " << move.y;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace lumora::test

@@ -173,5 +173,47 @@ TEST_F(CheckArgumentsTest, RefusesWhatIsWrongWithASentence) {
   }
 }
 
+TEST(CheckConversion, TakesImagesOfTheFramesSizeOnly) {
+  FrameMemory in(PixelFormat::NV21, 64, 48);
+  uint8_t byte = 0;
+  const ImageView right = {&byte, 64, 48, 3, 192};
+  EXPECT_TRUE(CheckConversion(in.const_view(), right, {}).ok());
+  EXPECT_TRUE(CheckConversion(in.const_view(), {}, right).ok());
+  EXPECT_TRUE(CheckConversion(in.const_view(), right, {&byte, 64, 48, 4, 256}).ok());
+  const ImageView wrong[] = {
+      {&byte, 63, 48, 3, 192}, {&byte, 65, 48, 3, 195}, {&byte, 64, 47, 3, 192},
+      {&byte, 64, 49, 3, 192}, {&byte, 64, 48, 2, 192}, {&byte, 64, 48, 5, 320},
+      {&byte, 64, 48, 3, 191}, {&byte, 64, 48, 4, 255}, {&byte, 64, 48, 3, -192}};
+  for (const ImageView& image : wrong) {
+    const auto refused = [&](const ImageView& rgb, const ImageView& hsi, const char* which) {
+      const Status status = CheckConversion(in.const_view(), rgb, hsi);
+      EXPECT_EQ(status.code, StatusCode::InvalidArgument)
+          << image.width << " x " << image.height << ", " << image.channels << ", " << image.stride;
+      EXPECT_THAT(status.message, testing::HasSubstr(which));
+    };
+    refused(image, {}, "the RGB image");
+    refused({}, image, "the HSI image");
+    refused(right, image, "the HSI image");
+  }
+}
+
+TEST_F(CheckArgumentsTest, TakesTheLargestSides) {
+  // Only the numbers are looked at.
+  FrameMemory in(PixelFormat::NV21, 64, 48);
+  ConstFrameView wide = in.const_view();
+  wide.width = kLargestSide;
+  wide.strides = {kLargestSide, kLargestSide, 0};
+  FrameView wide_out = in.view();
+  wide_out.width = kLargestSide;
+  wide_out.strides = wide.strides;
+  EXPECT_TRUE(CheckFrames(wide, wide_out).ok());
+  ConstFrameView high = in.const_view();
+  FrameView high_out = in.view();
+  high.height = high_out.height = kLargestSide;
+  EXPECT_TRUE(CheckFrames(high, high_out).ok());
+  high.height = high_out.height = kLargestSide + 1;
+  EXPECT_EQ(CheckFrames(high, high_out).code, StatusCode::TooLarge);
+}
+
 }  // namespace
 }  // namespace lumora::test

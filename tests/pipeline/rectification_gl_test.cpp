@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -164,6 +165,112 @@ TEST_F(PipelineTest, RectificationAndFacesTakeTurns) {
   const Samples face = Through(*pipeline_, samples, 128, 96, faces, look);
   EXPECT_TRUE(rectified() == first);
   EXPECT_TRUE(Through(*pipeline_, samples, 128, 96, faces, look) == face);
+}
+
+TEST_F(PipelineTest, EachCamerasFileGivesWhatItsCoefficientsGive) {
+  const TempDirectory root;
+  WriteFile(root.file("sys/android_camera/sensor"), "back one\n");
+  WriteFile(root.file("sys/android_camera2/sensor"), "front two\n");
+  WriteFile(root.file("system/etc/one_1"), "r_param 1.02 -0.08 0.02 0.01\n");
+  WriteFile(root.file("system/etc/two_1"), "r_param 0.97 0.06 -0.03 0.02\n");
+  const LensCoefficients first = {1.02f, -0.08f, 0.02f, 0.01f};
+  const LensCoefficients second = {0.97f, 0.06f, -0.03f, 0.02f};
+  const int width = 98, height = 70;  // not all of what the engine gets
+  const Samples samples = NoiseSamples(width, height);
+  FrameMemory in(PixelFormat::NV21, width, height), out(PixelFormat::NV21, width, height),
+      with_lens(PixelFormat::NV21, width, height);
+  in.Fill(samples);
+  const auto expect_lens = [&](Camera camera, const LensCoefficients& lens) {
+    ASSERT_TRUE(pipeline_->RectifyRadial(in.const_view(), out.view(), camera).ok());
+    ASSERT_TRUE(pipeline_->RectifyRadial(in.const_view(), with_lens.view(), lens).ok());
+    EXPECT_TRUE(out.Read() == with_lens.Read());
+  };
+  {
+    const ScopedEnvironment device("LUMORA_SYSTEM_ROOT", root.path());
+    for (int round = 0; round < 2; ++round) {
+      expect_lens(Camera::First, first);
+      expect_lens(Camera::Second, second);
+    }
+    EXPECT_FALSE(out.Read() == samples);
+  }
+  // Nothing is left of the files once they are gone.
+  expect_lens(Camera::Second, LensCoefficients{});
+  expect_lens(Camera::First, LensCoefficients{});
+}
+
+TEST_F(PipelineTest, RectificationBendsChromaAsItBendsLuma) {
+  for (const auto& [width, height] : {std::pair(192, 160), std::pair(161, 131)}) {
+    // Waves that are the same in all planes, each at its own resolution.
+    const int chroma_width = (width + 1) / 2, chroma_height = (height + 1) / 2;
+    const auto wave = [](double x, double y) {
+      return static_cast<uint8_t>(std::lround(128 + 50 * std::sin(x / 23) + 40 * std::cos(y / 19)));
+    };
+    Samples samples = NoiseSamples(width, height);
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) samples.y[static_cast<size_t>(y * width + x)] = wave(x, y);
+    }
+    for (int y = 0; y < chroma_height; ++y) {
+      for (int x = 0; x < chroma_width; ++x) {
+        const auto i = static_cast<size_t>(y * chroma_width + x);
+        samples.cb[i] = wave(2 * x + 0.5, 2 * y + 0.5);
+        samples.cr[i] = static_cast<uint8_t>(255 - samples.cb[i]);
+      }
+    }
+    for (const bool radial : {false, true}) {
+      FrameMemory in(PixelFormat::NV12, width, height), out(PixelFormat::I420, width, height);
+      in.Fill(samples);
+      const Status status =
+          radial ? pipeline_->RectifyRadial(in.const_view(), out.view(),
+                                            LensCoefficients{1.02f, -0.08f, 0.02f, 0.01f})
+                 : pipeline_->Rectify(in.const_view(), out.view(), 20);
+      ASSERT_TRUE(status.ok()) << status.message;
+      const Samples after = out.Read();
+      for (int y = 0; y + 1 < chroma_height; ++y) {
+        for (int x = 0; x + 1 < chroma_width; ++x) {
+          const auto at = static_cast<size_t>(2 * y * width + 2 * x);
+          const double luma =
+              (after.y[at] + after.y[at + 1] + after.y[at + static_cast<size_t>(width)] +
+               after.y[at + static_cast<size_t>(width) + 1]) /
+              4.0;
+          const auto i = static_cast<size_t>(y * chroma_width + x);
+          // A chroma sample is taken from one of its four pixels: up to two steps of the waves.
+          ASSERT_NEAR(after.cb[i], luma, 8) << radial << " at " << x << ", " << y;
+          ASSERT_NEAR(after.cr[i], 255 - luma, 8) << radial << " at " << x << ", " << y;
+        }
+      }
+    }
+  }
+}
+
+TEST_F(PipelineTest, RectifyRadialTakesNumbersOnly) {
+  FrameMemory in(PixelFormat::NV21, 64, 64), out(PixelFormat::NV21, 64, 64);
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  for (float LensCoefficients::*coefficient : {&LensCoefficients::k0, &LensCoefficients::k1,
+                                               &LensCoefficients::k2, &LensCoefficients::k3}) {
+    LensCoefficients lens;
+    lens.*coefficient = nan;
+    EXPECT_EQ(pipeline_->RectifyRadial(in.const_view(), out.view(), lens).code,
+              StatusCode::InvalidArgument);
+  }
+}
+
+TEST_F(PipelineTest, AFrameOfOneColourStaysSoUpToItsBorders) {
+  const LensCoefficients farther = {1.2f, 0, 0, 0};  // shows what lies around the frame, too
+  for (const auto& [width, height] :
+       {std::pair(33, 35), std::pair(97, 133), std::pair(161, 131), std::pair(98, 190)}) {
+    Samples samples = NoiseSamples(width, height);
+    std::fill(samples.y.begin(), samples.y.end(), uint8_t{120});
+    std::fill(samples.cb.begin(), samples.cb.end(), uint8_t{70});
+    std::fill(samples.cr.begin(), samples.cr.end(), uint8_t{190});
+    for (const PixelFormat format : kAllFormats) {
+      FrameMemory in(format, width, height, 3), out(format, width, height, 5);
+      in.Fill(samples);
+      ASSERT_TRUE(pipeline_->RectifyRadial(in.const_view(), out.view(), farther).ok());
+      EXPECT_TRUE(out.Read() == samples) << width << " x " << height;
+      ASSERT_TRUE(pipeline_->Rectify(in.const_view(), out.view(), -40).ok());
+      EXPECT_TRUE(out.Read() == samples) << width << " x " << height;
+    }
+  }
 }
 
 }  // namespace

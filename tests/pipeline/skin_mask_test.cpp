@@ -258,5 +258,33 @@ TEST(Blend, KeepsEverySampleOutsideTheEllipseInFramesOfOddSides) {
   EXPECT_GT(changed, 100000);
 }
 
+TEST_F(MergeTest, BlendingMovesChromaByTheMeanWeightOfItsFourPixels) {
+  const Portrait portrait({171, 151}, {249, 163});
+  // Luma of every kind, so that the share differs from pixel to pixel.
+  for (int i = 0; i < kWidth * kHeight; ++i) {
+    frame_.luma()[i] = static_cast<uint8_t>(40 + i * 37 % 120);
+  }
+  const std::vector<uint8_t> before(frame_.luma(), frame_.luma() + kWidth * kHeight);
+  for (int i = 0; i < kWidth * kHeight / 2; i += 2) {
+    processed_.chroma()[i] = 200;  // Cr up, Cb down
+    processed_.chroma()[i + 1] = 20;
+  }
+  std::vector<float> memory;
+  Blend(processed_, portrait.mask, &frame_, &memory);
+  const auto weight = [&](int x, int y) {
+    return portrait.mask.ShareOf(before[static_cast<size_t>(y * kWidth + x)]) *
+           portrait.WeightAt({static_cast<float>(x), static_cast<float>(y)});
+  };
+  for (int y = 0; y < kHeight; y += 2) {
+    for (int x = 0; x < kWidth; x += 2) {
+      const float mean =
+          (weight(x, y) + weight(x + 1, y) + weight(x, y + 1) + weight(x + 1, y + 1)) / 4;
+      const uint8_t* const pair = frame_.chroma() + y / 2 * kWidth + x;
+      ASSERT_NEAR(pair[0], 100 + mean * 100, 0.51) << x << ", " << y;
+      ASSERT_NEAR(pair[1], 100 - mean * 80, 0.51) << x << ", " << y;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace lumora::test

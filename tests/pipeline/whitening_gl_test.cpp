@@ -360,5 +360,56 @@ TEST_F(WhiteningTest, AnEngineThatCannotDrawFailsWithASentenceAndRecovers) {
   }
 }
 
+TEST_F(WhiteningTest, TonesNameTheFacesByTheirPlaceAmongThoseThatWereGiven) {
+  const int width = 400, height = 240;
+  const std::vector<Face> faces = {FaceFromEyes({-300, 20}, {-280, 20}),
+                                   FaceFromEyes({90, 100}, {140, 100}), Face{},
+                                   FaceFromEyes({270, 100}, {320, 100})};
+  for (const Chain chain : kChains) {
+    Report report;
+    Whitened(SkinSamples(width, height), width, height, faces, LookOf(0, 50), chain, &report);
+    EXPECT_EQ(report.faces, 2);
+    ASSERT_EQ(report.tones.size(), 2u);
+    EXPECT_EQ(report.tones[0].face, 1);
+    EXPECT_EQ(report.tones[1].face, 3);
+  }
+}
+
+TEST_F(WhiteningTest, WhatIsToldToBeShiftedIsAndNothingElse) {
+  const int width = 192, height = 160;
+  const std::vector<Face> faces = {FaceFromEyes({80, 66}, {112, 66})};
+  int shifted = 0, left_alone = 0;
+  const auto expect_told = [&](const Samples& samples, const Look& look, const char* what) {
+    for (const Chain chain : kChains) {
+      Report report;
+      const Samples result = Whitened(samples, width, height, faces, look, chain, &report);
+      ASSERT_EQ(report.tones.size(), 1u);
+      const FaceTone& tone = report.tones[0];
+      const bool told = tone.intensity_shifted || tone.saturation_shifted;
+      EXPECT_EQ(told, !(result == samples))
+          << what << ", intensity " << tone.mean_intensity << ", saturation "
+          << tone.mean_saturation << (chain == Chain::Preview ? ", preview" : ", capture");
+      ++(told ? shifted : left_alone);
+    }
+  };
+  // Around the ends of what the engine shifts.
+  for (const int luma : {40, 48, 49, 50, 51, 52, 53, 60, 200, 207, 208, 209, 210, 211, 220}) {
+    Samples samples = SkinSamples(width, height, luma);
+    std::fill(samples.cb.begin(), samples.cb.end(), uint8_t{128});
+    std::fill(samples.cr.begin(), samples.cr.end(), uint8_t{128});
+    expect_told(samples, LookOf(0, 100), "gray");
+  }
+  for (const int redness : {8, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 22, 26}) {
+    for (const int luma : {90, 150}) {
+      Samples samples = SkinSamples(width, height, luma);
+      std::fill(samples.cb.begin(), samples.cb.end(), static_cast<uint8_t>(128 - redness / 2));
+      std::fill(samples.cr.begin(), samples.cr.end(), static_cast<uint8_t>(128 + redness));
+      expect_told(samples, LookOf(0, 0, 100), "skin");
+    }
+  }
+  EXPECT_GE(shifted, 20);
+  EXPECT_GE(left_alone, 20);
+}
+
 }  // namespace
 }  // namespace lumora::test
