@@ -76,6 +76,7 @@ void Planes(Table& t) {
 
 void Convert(Table& t) {
   GPUColorConverter converter;
+  if (!converter.m_bEGLReady) return;  // of use for destruction alone
   converter.Init(kWidth, kHeight, nullptr);
   converter.ConvertYUV(t.frame.luma());
   const unsigned char* const rgb = converter.GetRGB_Image();
