@@ -125,6 +125,26 @@ TEST(Doctor, SaysWhyACacheIsNotTrusted) {
               HasSubstr("OK      cache directory   " + cache.string() + "\n"));
 }
 
+#ifdef LUMORA_UNSHARING_DRIVER
+TEST(Doctor, SaysThatCopiesWorkWhereSharedMemoryDoesNot) {
+  const auto doctor = [](const char* kind) {
+    return RunLumora({"doctor"}, {},
+                     {{{"LD_PRELOAD", LUMORA_UNSHARING_DRIVER}, {"LUMORA_BUFFER", kind}}});
+  };
+  const Result shared = doctor("memobj");
+  if (shared.out.find("buffers           staged") != std::string::npos) {
+    GTEST_SKIP() << "no memory is shared here";
+  }
+  EXPECT_EQ(shared.exit_code, 1);
+  EXPECT_THAT(shared.out, HasSubstr("FAILED  test slimming"));
+  EXPECT_THAT(shared.out, HasSubstr("OK      copied buffers    the tests pass with "
+                                    "LUMORA_BUFFER=staged; set it to work with this driver\n"));
+  const Result copied = doctor("staged");
+  EXPECT_EQ(copied.exit_code, 0) << copied.out;
+  EXPECT_THAT(copied.out, testing::Not(HasSubstr("copied buffers")));
+}
+#endif
+
 TEST(EngineLog, IsSilentUnlessAskedFor) {
   EXPECT_EQ(RunLumora({"doctor"}).err, "");
   EXPECT_THAT(RunLumora({"doctor"}, {}, {{{"LUMORA_LOG", "info"}}}).err, HasSubstr("Lumora: "));
