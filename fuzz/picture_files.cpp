@@ -4,8 +4,10 @@
 #include <vector>
 
 #include "fuzz/support/require.h"
+#include "tools/lumora/picture/jpeg_markers.h"
 #include "tools/lumora/picture/jpeg_planes.h"
 #include "tools/lumora/picture/png_chunks.h"
+#include "tools/lumora/picture/png_pixels.h"
 
 using lumora::fuzz::Require;
 using lumora::tools::Bytes;
@@ -19,6 +21,13 @@ void Png(const Bytes& file) {
   const auto essential = tools::EssentialPng(file);
   if (!essential) return;
   Require(tools::EssentialPng(*essential) == essential, "what is essential remains so");
+  if (!size.empty() && int64_t{size.width} * size.height <= 1 << 16) {
+    try {
+      Require(tools::ReadPngPixels(*essential).pixels.size() == size, "all pixels are read");
+    } catch (const tools::PngError&) {
+      // Samples that cannot be decoded.
+    }
+  }
   constexpr size_t kSignatureAndHeader = 8 + 25;
   if (essential->size() < kSignatureAndHeader) return;  // only whole pictures reach the rest
   const Bytes with = tools::WithChunksOf(file, *essential);
@@ -27,8 +36,14 @@ void Png(const Bytes& file) {
 }
 
 void Jpeg(const Bytes& file) {
+  Require(tools::ReadJpegMarkers(file).end <= file.size(), "the end lies inside");
+  if (tools::ReadJpegMarkers(file).scans > 100) return;  // as slow as they are many
   const tools::JpegLayout layout = tools::ReadJpegLayout(file);
-  if (!layout.planar || int64_t{layout.size.width} * layout.size.height > 1 << 16) return;
+  if (int64_t{layout.size.width} * layout.size.height > 1 << 16) return;
+  if (!layout.planar) {
+    Require(tools::ReadJpegBgr(file).size() == layout.size, "all pixels are read");
+    return;
+  }
   const std::vector<cv::Mat> planes = tools::ReadJpegPlanes(file);
   Require(planes.size() == layout.areas.size(), "there is a plane an area");
   Require(planes[0].size() == layout.size, "luma has the size of the picture");

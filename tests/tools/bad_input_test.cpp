@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/tools/pictures.h"
+#include "tests/tools/png_files.h"
 #include "tests/tools/process.h"
 
 namespace lumora::test {
@@ -29,6 +30,12 @@ void ExpectOneLineOfError(const Result& result, int exit_code, const std::string
 Bytes FirstPart(const Bytes& file, double share) {
   return Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(
                                                 static_cast<double>(file.size()) * share));
+}
+
+JpegKind Rgb() {
+  JpegKind kind;
+  kind.rgb = true;
+  return kind;
 }
 
 /// A PNG whose header claims an enormous size.
@@ -59,6 +66,11 @@ TEST(BadInput, FilesThatAreNoUsablePictureEndWithCode3) {
       {"half-progressive.jpg", FirstPart(progressive, 0.5), "cannot read"},
       {"half.png", FirstPart(png, 0.5), "cut short or damaged"},
       {"flipped.png", flipped, "cut short or damaged"},
+      {"samples.png", WithChangedByte(png, "IDAT", 0, 0xff), "data are damaged"},
+      {"filter.png", WithChangedByte(png, "IDAT", 100, 0x5a), "data are damaged"},
+      {"depth.png", WithChangedByte(png, "IHDR", 8, 7), "data are damaged"},
+      {"kind.png", WithChangedByte(png, "IHDR", 9, 3), "data are damaged"},
+      {"half-rgb.jpg", FirstPart(JpegOf(Landscape(200, 160), Rgb()), 0.5), "cannot read"},
       {"signature.png", FirstPart(png, 9.0 / static_cast<double>(png.size())), "cannot read"},
       {"dot.png", PngOf(Landscape(1, 1)), "1 x 1 pixels, at least 32 x 32"},
       {"dot.jpg", JpegOf(Landscape(1, 1), {}), "1 x 1 pixels, at least 32 x 32"},

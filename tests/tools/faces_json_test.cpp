@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 
 #include "tools/lumora/faces/face_geometry.h"
@@ -17,6 +18,19 @@ using tools::Middle;
 using tools::ParseFaces;
 
 constexpr int kWidth = 400, kHeight = 300;
+
+std::vector<std::string> Doubts(const std::string& text) {
+  std::vector<std::string> doubts;
+  ParseFaces(text, "f.json", {kWidth, kHeight}, nullptr, &doubts);
+  return doubts;
+}
+
+std::string EyesTurnedBy(double degrees) {
+  const double radians = degrees * 3.14159265358979323846 / 180;
+  const double x = 25 * std::cos(radians), y = 25 * std::sin(radians);
+  return R"({"eyes": [[)" + std::to_string(200 - x) + "," + std::to_string(150 - y) + "],[" +
+         std::to_string(200 + x) + "," + std::to_string(150 + y) + "]]}";
+}
 
 std::vector<Face> Parse(const std::string& text) {
   return ParseFaces(text, "f.json", {kWidth, kHeight});
@@ -54,6 +68,21 @@ TEST(FacesJson, LandmarksOfTheIbugAnnotationAreTakenOver) {
   ASSERT_EQ(faces.size(), 1u);
   EXPECT_FLOAT_EQ(faces[0].landmarks.chin.x, 108);      // point 8 of the annotation
   EXPECT_FLOAT_EQ(faces[0].landmarks.nose_tip.y, 120);  // point 30
+}
+
+TEST(FacesJson, FacesTurnedPast120DegreesAreTakenWithADoubt) {
+  for (int degrees = -180; degrees <= 180; ++degrees) {
+    if (std::abs(degrees) == 120) continue;  // rounding decides
+    SCOPED_TRACE(degrees);
+    const auto doubts =
+        Doubts(R"({"faces": [{"eyes": [[100, 100], [150, 100]]}, )" + EyesTurnedBy(degrees) + "]}");
+    ASSERT_EQ(doubts.size(), std::abs(degrees) > 120 ? 1u : 0u);
+    if (doubts.empty()) continue;
+    EXPECT_THAT(doubts[0], testing::HasSubstr("face 2 is turned by "));
+    EXPECT_THAT(doubts[0], testing::HasSubstr("the viewer's left eye comes first"));
+  }
+  // Who writes down the angle means it.
+  EXPECT_TRUE(Doubts(R"({"faces": [{"box": [100, 80, 120, 120], "roll": 175}]})").empty());
 }
 
 TEST(FacesJson, AnEmptyListHasNoFaces) {
@@ -96,6 +125,14 @@ TEST(FacesJson, EveryMistakeIsNamedWithItsPlace) {
        "f.json: faces[0].box: width and height must be positive"},
       {R"({"faces": [{"box": [1,2,30,40], "roll": null}]})",
        "f.json: faces[0].roll: expected a number"},
+      {R"({"faces": [{"landmarks": {}, "box": [1,2,30,40]}]})",
+       R"(f.json: faces[0]: "landmarks" needs "box" and "roll" beside it)"},
+      {R"({"faces": [{"landmarks": {}, "box": [1,2,30,40], "roll": 0}]})",
+       R"(f.json: faces[0].landmarks: "left_eye.left" is missing)"},
+      {R"({"faces": [{"landmarks": 3, "box": [1,2,30,40], "roll": 0}]})",
+       R"(f.json: faces[0].landmarks: "left_eye.left" is missing)"},
+      {R"({"faces": [{"landmarks": {}, "box": [1,2,30,40], "roll": 0, "eyes": []}]})",
+       "f.json: faces[0]: unknown key \"eyes\""},
       {R"({"faces": [{"landmarks68": [[1,2]]}]})",
        "f.json: faces[0].landmarks68: expected 68 points [x, y], found 1 values"},
   };

@@ -98,7 +98,8 @@ TEST_F(GroupPhoto, EveryFaceIsSlimmedAndWhitenedAndNothingElseChanges) {
     const cv::Mat whitened = after_.clone();
     const Json report = Photo({"--slim", "70", "--whiten", "80", "--chain", chain});
     // Where nothing moved, both are equal to the last bit. The smallest face moves by parts of a
-    // pixel, which renderers blend with 4 bits or more: that its outline moved is seen all the same.
+    // pixel, which renderers blend with 4 bits or more: that its outline moved is seen all the
+    // same.
     for (const Face& face : picture_.faces) {
       const FaceLandmarks& marks = face.landmarks;
       const cv::Rect jaw(static_cast<int>(marks.right_jaw.x) - 12,
@@ -190,11 +191,16 @@ TEST_F(GroupPhoto, WhatIsExactlyOffLeavesTheFileAsItIs) {
   EXPECT_EQ(ReadFile(folder_ / "out.png"), ReadFile(folder_ / "in.png"));
 }
 
-TEST_F(GroupPhoto, AFaceThatIsTooDarkToBeWhitenedIsTold) {
+TEST_F(GroupPhoto, AFaceThatIsTooDarkOrTooBrightToBeWhitenedIsTold) {
   Draw({400, 300});
   folder_.Put("in.png", PngOf(cv::Mat(picture_.picture / 6)));
-  const Json report = Photo({"--whiten", "50"});
-  EXPECT_THAT(report.at("notes").dump(), HasSubstr("too dark or too bright"));
+  const std::string dark = Photo({"--whiten", "50"}).at("notes").dump();
+  EXPECT_THAT(dark, HasSubstr("too dark to be whitened"));
+  EXPECT_THAT(dark, testing::Not(HasSubstr("bright")));
+  folder_.Put("in.png", PngOf(cv::Mat(picture_.picture / 8 + cv::Scalar::all(220))));
+  const std::string bright = Photo({"--whiten", "50"}).at("notes").dump();
+  EXPECT_THAT(bright, HasSubstr("too bright to be whitened"));
+  EXPECT_THAT(bright, testing::Not(HasSubstr("dark")));
 }
 
 }  // namespace

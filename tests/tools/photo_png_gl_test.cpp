@@ -126,17 +126,19 @@ TEST_F(PhotoPng, StandardStreamsGiveTheSameAsFiles) {
   EXPECT_EQ(cv::norm(from_file, from_stream, cv::NORM_INF), 0);
 }
 
-TEST_F(PhotoPng, APictureCanReplaceItselfThroughALink) {
-  const std::string file = folder_.Put("picture.png", PngOf(sitter_.picture));
+TEST_F(PhotoPng, AnOlderResultIsReplacedThroughALink) {
+  const std::string in = folder_.Put("in.png", PngOf(sitter_.picture));
+  const std::string file = folder_.Put("picture.png", std::string("older"));
   const std::string faces = folder_.Put("faces.json", sitter_.faces_json);
   const std::string link = folder_ / "link.png";
   std::filesystem::create_symlink("picture.png", link);
   std::filesystem::permissions(file, std::filesystem::perms(0640));
-  ASSERT_EQ(RunLumora({"photo", link, "-o", link, "--slim", "90", "--faces", faces}).exit_code, 0);
+  ASSERT_EQ(RunLumora({"photo", in, "-o", link, "--slim", "90", "--faces", faces}).exit_code, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(link));
   EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
   EXPECT_GT(cv::norm(sitter_.picture, Decode(ReadFile(file)), cv::NORM_INF), 60);
-  EXPECT_THAT(folder_.Names(), testing::ElementsAre("faces.json", "link.png", "picture.png"));
+  EXPECT_THAT(folder_.Names(),
+              testing::ElementsAre("faces.json", "in.png", "link.png", "picture.png"));
 }
 
 TEST_F(PhotoPng, ReportAndSidePicturesTellWhatWasDone) {

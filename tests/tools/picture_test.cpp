@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include "tests/tools/pictures.h"
@@ -110,6 +111,26 @@ TEST(JpegPlanes, AQuantisationStepOfZeroIsRefused) {
   ASSERT_NE(table, file.end());
   *(table + 5) = 0;  // behind the marker, its length and the table's number
   EXPECT_THROW(tools::ReadJpegLayout(file), tools::JpegError);
+}
+
+TEST(JpegPlanes, FilesOfAnyColourSpaceAreReadAsBgr) {
+  const cv::Mat portrait = PortraitOf(203, 151).picture;
+  JpegKind kind;
+  for (const bool rgb : {false, true}) {
+    kind.rgb = rgb;
+    const Bytes file = JpegOf(portrait, kind);
+    EXPECT_EQ(cv::norm(tools::ReadJpegBgr(file), Decode(file), cv::NORM_INF), 0);
+  }
+  kind.rgb = false;
+  kind.cmyk = true;
+  const Bytes file = JpegOf(portrait, kind);
+  // Another decoder rounds differently on the way from inks to light.
+  EXPECT_LE(cv::norm(tools::ReadJpegBgr(file), cv::imdecode(file, cv::IMREAD_COLOR), cv::NORM_INF),
+            2);
+  for (const double share : {0.3, 0.6, 0.95}) {
+    const auto size = static_cast<std::ptrdiff_t>(static_cast<double>(file.size()) * share);
+    EXPECT_THROW(tools::ReadJpegBgr(Bytes(file.begin(), file.begin() + size)), tools::JpegError);
+  }
 }
 
 TEST(Picture, MergingAnUnchangedFrameChangesNothing) {

@@ -64,6 +64,10 @@ Bytes ReadFile(const std::string& path) {
 Bytes JpegOf(const cv::Mat& bgr, const JpegKind& kind) {
   cv::Mat pixels;
   cv::cvtColor(bgr, pixels, kind.gray ? cv::COLOR_BGR2GRAY : cv::COLOR_BGR2RGB);
+  if (kind.cmyk) {  // 255 is no ink
+    cv::cvtColor(pixels, pixels, cv::COLOR_RGB2RGBA);
+    cv::add(pixels, cv::Scalar(0, 0, 0, -40), pixels);
+  }
   jpeg_compress_struct info = {};
   jpeg_error_mgr errors = {};
   info.err = jpeg_std_error(&errors);
@@ -74,11 +78,11 @@ Bytes JpegOf(const cv::Mat& bgr, const JpegKind& kind) {
   info.image_width = static_cast<JDIMENSION>(pixels.cols);
   info.image_height = static_cast<JDIMENSION>(pixels.rows);
   info.input_components = pixels.channels();
-  info.in_color_space = kind.gray ? JCS_GRAYSCALE : JCS_RGB;
+  info.in_color_space = kind.gray ? JCS_GRAYSCALE : kind.cmyk ? JCS_CMYK : JCS_RGB;
   jpeg_set_defaults(&info);
   if (kind.rgb) jpeg_set_colorspace(&info, JCS_RGB);
   jpeg_set_quality(&info, kind.quality, TRUE);
-  if (!kind.gray && !kind.rgb) {
+  if (!kind.gray && !kind.rgb && !kind.cmyk) {
     info.comp_info[0].h_samp_factor = kind.across;
     info.comp_info[0].v_samp_factor = kind.down;
   }

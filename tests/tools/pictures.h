@@ -39,7 +39,8 @@ struct JpegKind {
   int quality = 92;
   bool gray = false;
   bool progressive = false;
-  bool rgb = false;  ///< colours are stored as they are, not as luma and chroma
+  bool rgb = false;   ///< colours are stored as they are, not as luma and chroma
+  bool cmyk = false;  ///< inks
 };
 Bytes JpegOf(const cv::Mat& bgr, const JpegKind& kind);
 

@@ -107,7 +107,7 @@ bool HideProc() {
 void Arrange(const Environment& environment) {
   for (const auto& [name, value] : environment.set) setenv(name.c_str(), value.c_str(), 1);
   if (environment.no_proc && !HideProc()) _exit(127);
-  if (environment.address_space > 0) {
+  if (kAddressSpaceCounts && environment.address_space > 0) {
     const rlimit limit = {environment.address_space, environment.address_space};
     if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(127);
   }

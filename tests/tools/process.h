@@ -19,11 +19,14 @@ struct Environment {
   std::string out_file;        ///< where standard output goes, instead of into the result
   bool terminal = false;       ///< standard error is a terminal; see TerminalsExist
   bool no_proc = false;        ///< nothing is mounted on /proc; see ProcCanBeHidden
-  uint64_t address_space = 0;  ///< bytes; 0 is no limit
+  uint64_t address_space = 0;  ///< bytes; 0 is no limit. Sanitizers need more than there is
 };
 
 /// Whether this system gives pseudo-terminals; some containers have none.
 bool TerminalsExist();
+
+/// Whether a limit of the address space says anything; where it does not, there is none.
+constexpr bool kAddressSpaceCounts = LUMORA_TEST_SANITIZERS == 0;
 
 /// Whether this process may hide /proc from its children.
 bool ProcCanBeHidden();

@@ -9,6 +9,7 @@
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/driver_cache.h"
 #include "tools/lumora/support/failure.h"
+#include "tools/lumora/support/memory.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
@@ -100,7 +101,12 @@ int main(int argc, char** argv) {
   using lumora::tools::Complain;
   using lumora::tools::ExitCode;
   try {
-    return lumora::tools::Run(argc, argv);
+    try {
+      return lumora::tools::Run(argc, argv);
+    } catch (...) {
+      lumora::tools::RethrowIfOutOfMemory();
+      throw;
+    }
   } catch (const lumora::tools::Failure& failure) {
     Complain(failure.what());
     if (!failure.remedy().empty()) lumora::tools::Say("  " + failure.remedy());

@@ -9,7 +9,9 @@
 #include <string>
 
 #include "pipeline/converter.h"
+#include "tools/lumora/picture/losses.h"
 #include "tools/lumora/picture/picture.h"
+#include "tools/lumora/picture/picture_file.h"
 #include "tools/lumora/picture/raw_frame.h"
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
@@ -23,6 +25,7 @@ namespace {
 
 struct ConvertOptions {
   std::string in, out, to, size, format;
+  Appetite appetite{kBytesForWhole};
 };
 
 Failure Misused(const std::string& what) {
@@ -69,10 +72,14 @@ class Source {
   void ReadRaw(const ConvertOptions& options, PixelFormat format) {
     if (options.size.empty()) throw Misused("raw frames do not tell their size: give --size");
     const cv::Size size = ParseSize(options.size);
-    bytes_ = ReadWhole(options.in);
+    WholeInput input(options.in);
+    options.appetite.Check(size, input.name());
     const size_t expected = RawFrameBytes(size);
+    const uint64_t length = input.Length().value_or(expected);
+    if (length == expected) bytes_ = input.Rest(expected);
     if (bytes_.size() != expected) {
-      throw Failure(ExitCode::Unreadable, options.in + ": holds " + std::to_string(bytes_.size()) +
+      const uint64_t held = length == expected ? bytes_.size() : length;
+      throw Failure(ExitCode::Unreadable, options.in + ": holds " + std::to_string(held) +
                                               " bytes, but a frame of " + options.size + " has " +
                                               std::to_string(expected));
     }
@@ -82,13 +89,16 @@ class Source {
   void ReadPicture(const ConvertOptions& options) {
     if (!options.size.empty())
       throw Misused("--size belongs to raw frames; a picture tells its own");
-    const LoadedPicture loaded = DecodePicture(ReadWhole(options.in), options.in);
-    for (const std::string& note : loaded.notes) Complain(options.in + ": " + note);
-    planes_ = loaded.picture->Frame();
+    const PictureFile file = tools::ReadPicture(options.in, options.appetite);
+    const Picture& picture = *file.loaded.picture;
+    Notes notes = file.loaded.notes;
+    for (const std::string& loss : LossesOf(file.content, picture, false)) notes.push_back(loss);
+    for (const std::string& note : notes) Complain(options.in + ": " + note);
+    planes_ = picture.Frame();
     view_ = planes_.View();
     // The planes were made even; the frame has the picture's own size.
-    view_.width = loaded.picture->size().width;
-    view_.height = loaded.picture->size().height;
+    view_.width = picture.size().width;
+    view_.height = picture.size().height;
   }
 
   Bytes bytes_;
@@ -173,6 +183,7 @@ void AddConvert(CLI::App& program, Action* action) {
   command->add_option("--size", options->size, "WIDTHxHEIGHT of a raw frame in pixels");
   command->add_option("--format", options->format, "IN is a raw frame: nv21, nv12, i420")
       ->check(CLI::IsMember({"nv21", "nv12", "i420"}));
+  options->appetite.AddTo(*command);
   command->footer(std::string("Raw frames are full-range BT.601, their planes one after another "
                               "without padding.\n\n") +
                   kExitCodes);

@@ -22,6 +22,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr int kMiddleTone = 128;  // on the same side of it as the mean: too dark, or too bright
+
 struct PhotoOptions {
   std::string in, out;
   LookOptions look;
@@ -29,6 +31,7 @@ struct PhotoOptions {
   std::string faces, compare, explain;
   bool json = false;
   bool require_face = false;
+  Appetite appetite;
 };
 
 void CheckNames(const PhotoOptions& options) {
@@ -44,14 +47,23 @@ bool NeedsFaces(const PhotoOptions& options, const Look& look) {
   return !IsOff(look) || !options.explain.empty() || options.json || options.require_face;
 }
 
-std::vector<FoundFace> FacesOf(const PhotoOptions& options, const Picture& picture) {
+Appetite AppetiteOf(const PhotoOptions& options) {
+  Appetite appetite = options.appetite;
+  if (options.chain == Chain::Preview) appetite.bytes_a_pixel = kBytesForWhole;
+  return appetite;
+}
+
+std::vector<FoundFace> FacesOf(const PhotoOptions& options, PictureEdit& edit) {
+  const Picture& picture = edit.picture();
   if (options.faces.empty()) return FaceFinder().Find(picture.Bgr());
-  const Bytes text = ReadWhole(options.faces);
+  const Bytes text = ReadWhole(options.faces, kLargestText);
+  std::vector<std::string> doubts;
   std::vector<FoundFace> faces;
-  for (const Face& face :
-       ParseFaces(std::string(text.begin(), text.end()), options.faces, picture.size())) {
+  for (const Face& face : ParseFaces(std::string(text.begin(), text.end()), options.faces,
+                                     picture.size(), nullptr, &doubts)) {
     faces.push_back({face, FoundBy::File});
   }
+  for (const std::string& doubt : doubts) edit.Note(doubt);
   return faces;
 }
 
@@ -90,14 +102,15 @@ class Photo {
   ExitCode Run() {
     CheckNames(options_);
     const double start = Now();
-    edit_ = std::make_unique<PictureEdit>(options_.in);
+    edit_ = std::make_unique<PictureEdit>(options_.in, AppetiteOf(options_));
     const double decoded = Now();
     const bool needs_faces = NeedsFaces(options_, look_) || !options_.faces.empty();
-    if (needs_faces) found_ = FacesOf(options_, edit_->picture());
+    if (needs_faces) found_ = FacesOf(options_, *edit_);
     const double searched = Now();
     if (found_.empty() && options_.require_face) {
       throw Failure(ExitCode::NoFace, options_.in + ": no face found");
     }
+    for (const std::string& remark : options_.look.Remarks()) edit_->Note(remark);
     if (found_.empty() && needs_faces) edit_->Note("no face found, the picture stays as it is");
     Process();
     const double processed = Now();
@@ -136,7 +149,8 @@ class Photo {
     const bool wants_saturation = look_.saturate > 0 && look_.effect != Effect::Intensity;
     if (look_.effect == Effect::Mask) return;
     if (wants_intensity && !tone.intensity_shifted) {
-      edit_->Note(face + " is too dark or too bright to be whitened");
+      edit_->Note(face + " is too " + (tone.mean_intensity < kMiddleTone ? "dark" : "bright") +
+                  " to be whitened");
     }
     if (wants_saturation && !tone.saturation_shifted) {
       edit_->Note(face + " has too little colour to be made richer");
@@ -207,6 +221,7 @@ void AddPhoto(CLI::App& program, Action* action) {
       "--explain", options->explain,
       "also write a picture that shows what was found, where pixels move and brighten,\n"
       "and the blocks that were drawn");
+  options->appetite.AddTo(*command);
   command->add_flag("--json", options->json, "print a report for machines on standard output");
   command->add_flag("--require-face", options->require_face,
                     "fail with exit code 5, and write nothing, when no face is found");

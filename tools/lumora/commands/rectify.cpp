@@ -22,12 +22,13 @@ struct RectifyOptions {
   std::optional<int> degree, camera;
   std::vector<float> radial;
   bool json = false;
+  Appetite appetite{kBytesForWhole};
 };
 
 ExitCode Rectify(const RectifyOptions& options) {
   CheckPictureOutputs({options.in}, {options.out, options.compare}, options.json);
   const double start = Now();
-  PictureEdit edit(options.in);
+  PictureEdit edit(options.in, options.appetite);
   const cv::Mat before = options.compare.empty() ? cv::Mat() : edit.picture().Bgr().clone();
   const Frame420 frame = edit.picture().Frame();
   Report report;
@@ -90,6 +91,7 @@ void AddRectify(CLI::App& program, Action* action) {
   how->require_option(1);
   command->add_option("--compare", options->compare,
                       "also write a picture with before and after side by side");
+  options->appetite.AddTo(*command);
   command->add_flag("--json", options->json, "print a report for machines on standard output");
   command->footer(kExitCodes);
   command->callback([options, action] { *action = [options] { return Rectify(*options); }; });

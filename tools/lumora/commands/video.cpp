@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/lumora/faces/faces_json.h"
+#include "tools/lumora/picture/appetite.h"
 #include "tools/lumora/support/command.h"
 #include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/look_options.h"
@@ -33,6 +34,7 @@ struct VideoOptions {
   std::string range = "auto";
   bool json = false;
   bool require_face = false;
+  Appetite appetite{kBytesForWhole};
 };
 
 void CheckNames(const VideoOptions& options) {
@@ -83,13 +85,19 @@ void CheckOutputIsY4m(const VideoOptions& options, const CLI::App& command) {
   throw Failure(ExitCode::Usage, sentence + ":", Remedy(options, command, in_is_container));
 }
 
+/// The header of a clip whose frames are not too large.
+const Y4mHeader& Accepted(const Y4mReader& reader, const Appetite& appetite) {
+  appetite.Check(reader.header().size, reader.name());
+  return reader.header();
+}
+
 class Video {
  public:
   explicit Video(const VideoOptions& options)
       : options_(options),
         look_(options.look.Chosen()),
         reader_(options.in),
-        input_(reader_.header()),
+        input_(Accepted(reader_, options.appetite)),
         output_(reader_.header()),
         stretched_(reader_.header()) {}
 
@@ -108,6 +116,7 @@ class Video {
       }
       if (!FaceIsMissing()) writer.Finish();
     }
+    for (const std::string& remark : options_.look.Remarks()) Note(remark);
     for (const std::string& remark : faces->Remarks()) Note(remark);
     left_out_ = faces->left_out();
     if (needs_faces_ && frames_with_faces_ == 0 && !FaceIsMissing()) {
@@ -234,6 +243,7 @@ void AddVideo(CLI::App& program, Action* action) {
                    "range of the samples: full, limited, or auto (as the clip says, else limited)")
       ->check(CLI::IsMember({"auto", "full", "limited"}))
       ->capture_default_str();
+  options->appetite.AddTo(*command);
   command->add_flag("--json", options->json, "print a report for machines on standard output");
   command->add_flag("--require-face", options->require_face,
                     "fail with exit code 5, and write no file, when no frame has a face; what\n"

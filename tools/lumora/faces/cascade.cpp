@@ -1,6 +1,7 @@
 #include "tools/lumora/faces/cascade.h"
 
 #include "tools/lumora/support/failure.h"
+#include "tools/lumora/support/memory.h"
 
 namespace lumora::tools {
 
@@ -10,7 +11,8 @@ cv::CascadeClassifier LoadCascade(const std::string& folder, const char* file) {
   try {
     loaded = !folder.empty() && cascade.load(folder + "/" + file);
   } catch (const cv::Exception&) {
-    // Reported below.
+    RethrowIfOutOfMemory();
+    // Others are reported below.
   }
   if (!loaded) {
     throw Failure(ExitCode::Failed, std::string("cannot load the face classifier ") + file +

@@ -37,25 +37,15 @@ Face FaceFromTurnedBox(const RectF& box, float roll_degrees) {
 
 std::vector<NamedPoint> NamedLandmarks(const FaceLandmarks& landmarks) {
   std::vector<NamedPoint> points;
-  const auto add_feature = [&points](const std::string& name, const FeatureBox& feature) {
-    points.push_back({name + ".left", feature.left});
-    points.push_back({name + ".right", feature.right});
-    points.push_back({name + ".top", feature.top});
-    points.push_back({name + ".bottom", feature.bottom});
-  };
-  add_feature("left_eye", landmarks.left_eye);
-  add_feature("right_eye", landmarks.right_eye);
-  add_feature("left_brow", landmarks.left_brow);
-  add_feature("right_brow", landmarks.right_brow);
-  add_feature("mouth", landmarks.mouth);
-  points.push_back({"nasion", landmarks.nasion});
-  points.push_back({"nose_tip", landmarks.nose_tip});
-  points.push_back({"chin", landmarks.chin});
-  points.push_back({"left_temple", landmarks.left_temple});
-  points.push_back({"right_temple", landmarks.right_temple});
-  points.push_back({"left_jaw", landmarks.left_jaw});
-  points.push_back({"right_jaw", landmarks.right_jaw});
+  ForEachLandmark(landmarks, [&points](const std::string& name, PointF at) {
+    points.push_back({name, at});
+  });
   return points;
+}
+
+bool LooksExchanged(const Face& face) {
+  constexpr double kMostUsual = 120, kWholeTurn = 360;  // degrees
+  return std::abs(std::remainder(face.roll_degrees, kWholeTurn)) > kMostUsual;
 }
 
 }  // namespace lumora::tools

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <initializer_list>
 #include <nlohmann/json.hpp>
 
 #include "tools/lumora/faces/face_geometry.h"
@@ -16,6 +17,7 @@ const char kFacesFormat[] =
   {"box": [x, y, width, height], "roll": deg} from the brows to below the chin; roll is clockwise
                                               about the box's middle and may be left out
   {"landmarks68": [[x, y], ... 68 times]}     the points of the iBUG annotation
+  a face of a report of --json, with its box, roll and landmarks
 Coordinates are pixels of the upright picture, from its upper left corner.)";
 
 namespace {
@@ -53,6 +55,14 @@ class Value {
       Reject("expected " + expected + ", found " + std::to_string(size) + " values");
   }
 
+  void MustKnow(std::initializer_list<const char*> keys) const {
+    for (const auto& entry : json_.items()) {
+      if (std::find(keys.begin(), keys.end(), entry.key()) == keys.end()) {
+        Reject("unknown key \"" + entry.key() + "\"");
+      }
+    }
+  }
+
   float Number() const {
     if (!json_.is_number()) Reject("expected a number");
     const double number = json_.get<double>();
@@ -63,6 +73,11 @@ class Value {
   PointF Point() const {
     MustHave(2, "[x, y], two numbers");
     return {Item(0).Number(), Item(1).Number()};
+  }
+
+  RectF Rect() const {
+    MustHave(4, "[x, y, width, height], four numbers");
+    return {Item(0).Number(), Item(1).Number(), Item(2).Number(), Item(3).Number()};
   }
 
  private:
@@ -80,9 +95,7 @@ Face FromEyes(const Value& value) {
 }
 
 Face FromBox(const Value& value, float roll) {
-  value.MustHave(4, "[x, y, width, height], four numbers");
-  const RectF box = {value.Item(0).Number(), value.Item(1).Number(), value.Item(2).Number(),
-                     value.Item(3).Number()};
+  const RectF box = value.Rect();
   if (!(box.width > 0 && box.height > 0)) value.Reject("width and height must be positive");
   return FaceFromTurnedBox(box, roll);
 }
@@ -94,19 +107,32 @@ Face FromLandmarks68(const Value& value) {
   return FaceFromIbug68(points);
 }
 
+/// A face as a report tells it. What else the report says of it follows from these three.
+Face FromReport(const Value& value) {
+  if (!value.Has("box") || !value.Has("roll")) {
+    value.Reject(R"("landmarks" needs "box" and "roll" beside it, as --json gives them)");
+  }
+  value.MustKnow({"found_by", "box", "roll", "circle", "ellipses", "landmarks"});
+  Face face;
+  face.box = value.At("box").Rect();
+  face.roll_degrees = value.At("roll").Number();
+  const Value landmarks = value.At("landmarks");
+  ForEachLandmark(face.landmarks, [&landmarks](const std::string& name, PointF& point) {
+    if (!landmarks.Has(name.c_str())) landmarks.Reject("\"" + name + "\" is missing");
+    point = landmarks.At(name.c_str()).Point();
+  });
+  return face;
+}
+
 Face ParseFace(const Value& value) {
   if (!value.json().is_object()) value.Reject("expected an object");
+  if (value.Has("landmarks")) return FromReport(value);
   const std::array<const char*, 3> kinds = {"eyes", "box", "landmarks68"};
   int found = 0;
   for (const char* kind : kinds) found += value.Has(kind) ? 1 : 0;
   if (found != 1) value.Reject(R"(expected exactly one of "eyes", "box" and "landmarks68")");
   if (value.Has("roll") && !value.Has("box")) value.Reject(R"("roll" belongs to "box" only)");
-  for (const auto& entry : value.json().items()) {
-    const std::string& key = entry.key();
-    if (key != "roll" && key != "eyes" && key != "box" && key != "landmarks68") {
-      value.Reject("unknown key \"" + key + "\"");
-    }
-  }
+  value.MustKnow({"roll", "eyes", "box", "landmarks68"});
   if (value.Has("eyes")) return FromEyes(value.At("eyes"));
   if (value.Has("landmarks68")) return FromLandmarks68(value.At("landmarks68"));
   return FromBox(value.At("box"), value.Has("roll") ? value.At("roll").Number() : 0);
@@ -124,10 +150,17 @@ void CheckReach(const Value& value, const Face& face, cv::Size picture) {
   }
 }
 
+std::string Doubt(size_t index, const Face& face) {
+  return "face " + std::to_string(index + 1) + " is turned by " +
+         std::to_string(std::lround(face.roll_degrees)) +
+         " degrees; if it is upright, left and right are exchanged: the viewer's left eye comes "
+         "first";
+}
+
 }  // namespace
 
 std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture,
-                             int* left_out) {
+                             int* left_out, std::vector<std::string>* doubts) {
   Json json;
   try {
     json = Json::parse(text);
@@ -151,6 +184,10 @@ std::vector<Face> ParseFaces(const std::string& text, const std::string& name, c
       continue;
     }
     faces.push_back(face);
+    const bool told_by_roll = value.Has("box") && !value.Has("landmarks");
+    if (doubts != nullptr && !told_by_roll && LooksExchanged(face)) {
+      doubts->push_back(Doubt(i, face));
+    }
     if (left_out != nullptr) continue;
     const PointF centre = FaceCentre(face);
     const bool inside = centre.x >= 0 && centre.y >= 0 &&

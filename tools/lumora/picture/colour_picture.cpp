@@ -71,6 +71,13 @@ void ColourPicture::Merge(const Frame420& before, const Frame420& after) {
   result.copyTo(pixels_, mask);
 }
 
+bool ColourPicture::IsTransparent() const {
+  if (pixels_.channels() != 4) return false;
+  cv::Mat alpha;
+  cv::extractChannel(pixels_, alpha, 3);
+  return cv::countNonZero(alpha != 255) > 0;
+}
+
 Bytes ColourPicture::Encode(FileFormat format) const {
   return EncodeNew(pixels_, format);
 }

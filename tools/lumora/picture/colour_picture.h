@@ -14,6 +14,7 @@ class ColourPicture final : public Picture {
   Frame420 Frame() const override;
   void Merge(const Frame420& before, const Frame420& after) override;
   cv::Mat Bgr() const override;
+  bool IsTransparent() const override;
   Bytes Encode(FileFormat format) const override;
 
  private:

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -15,8 +16,6 @@
 
 namespace lumora::tools {
 namespace {
-
-constexpr int kMostScans = 1000;  // a small progressive file could otherwise take hours
 
 /// libjpeg's error handling. Its errors leave the library by longjmp.
 struct ErrorHandler {
@@ -39,15 +38,6 @@ void OnWarning(j_common_ptr info, int level) {
   if (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER) OnError(info);
 }
 
-void OnProgress(j_common_ptr info) {
-  const auto* decoder = reinterpret_cast<j_decompress_ptr>(info);
-  if (decoder->input_scan_number > kMostScans) {
-    auto* handler = reinterpret_cast<ErrorHandler*>(info->err);
-    std::snprintf(handler->message, sizeof(handler->message), "more than %d scans", kMostScans);
-    std::longjmp(handler->escape, 1);
-  }
-}
-
 void Prepare(ErrorHandler& handler) {
   jpeg_std_error(&handler.base);
   handler.base.error_exit = OnError;
@@ -57,7 +47,10 @@ void Prepare(ErrorHandler& handler) {
 /// Runs libjpeg calls. They may be left by longjmp, so `calls` must not own anything.
 template <typename Calls>
 void Guarded(ErrorHandler& handler, const Calls& calls) {
-  if (setjmp(handler.escape) != 0) throw JpegError(handler.message);
+  if (setjmp(handler.escape) != 0) {
+    if (handler.base.msg_code == JERR_OUT_OF_MEMORY) throw std::bad_alloc();
+    throw JpegError(handler.message);
+  }
   calls();
 }
 
@@ -96,13 +89,10 @@ class Decoder {
   Decoder() {
     Prepare(errors_);
     info.err = &errors_.base;
-    progress_.progress_monitor = OnProgress;
     Guard([&] { jpeg_create_decompress(&info); });
-    info.progress = &progress_;
   }
 
   ErrorHandler errors_ = {};
-  jpeg_progress_mgr progress_ = {};
 };
 
 class Encoder {
@@ -222,6 +212,17 @@ void FillBlockCounts(jpeg_compress_struct& info) {
   }
 }
 
+/// Files with inks hold how much of each is missing: 255 is bare paper.
+cv::Mat BgrOfInks(const cv::Mat& cmyk) {
+  std::vector<cv::Mat> inks;
+  cv::split(cmyk, inks);
+  cv::Mat bgr;
+  cv::merge(std::vector<cv::Mat>{inks[2], inks[1], inks[0]}, bgr);
+  cv::merge(std::vector<cv::Mat>{inks[3], inks[3], inks[3]}, inks[0]);
+  cv::multiply(bgr, inks[0], bgr, 1.0 / 255);
+  return bgr;
+}
+
 }  // namespace
 
 JpegLayout ReadJpegLayout(const Bytes& file) {
@@ -261,6 +262,22 @@ std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file) {
   // Frees the component table, so it comes last. It also finds out when the file ends too early.
   decoder.Guard([&] { jpeg_finish_decompress(&info); });
   return planes;
+}
+
+cv::Mat ReadJpegBgr(const Bytes& file) {
+  Decoder decoder(file);
+  jpeg_decompress_struct& info = decoder.info;
+  const bool inks = info.num_components == 4;
+  info.out_color_space = inks ? JCS_CMYK : JCS_EXT_BGR;
+  decoder.Guard([&] { jpeg_start_decompress(&info); });
+  cv::Mat pixels(static_cast<int>(info.output_height), static_cast<int>(info.output_width),
+                 inks ? CV_8UC4 : CV_8UC3);
+  for (int y = 0; y < pixels.rows; ++y) {
+    JSAMPROW row = pixels.ptr(y);
+    decoder.Guard([&] { jpeg_read_scanlines(&info, &row, 1); });
+  }
+  decoder.Guard([&] { jpeg_finish_decompress(&info); });
+  return inks ? BgrOfInks(pixels) : pixels;
 }
 
 Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, bool transposed) {

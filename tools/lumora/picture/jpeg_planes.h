@@ -20,7 +20,7 @@ class JpegError : public std::runtime_error {
 struct JpegLayout {
   cv::Size size;
   /// Whether the file holds gray, or luma at full resolution with two chroma planes of one
-  /// sampling. The functions below work for such files only.
+  /// sampling. The functions that give or take planes work for such files only.
   bool planar = false;
   std::vector<SampleArea> areas;  ///< one a plane
 };
@@ -30,6 +30,10 @@ JpegLayout ReadJpegLayout(const Bytes& file);
 
 /// The planes of a file: Y, or Y, Cb and Cr. A file that ends early is an error.
 std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file);
+
+/// The pixels of a file of any kind that libjpeg knows, as 8-bit BGR, in the file's own
+/// orientation.
+cv::Mat ReadJpegBgr(const Bytes& file);
 
 /// A JPEG file of the planes with the quantisation, sampling and progression of `like`, without its
 /// metadata. With `transposed`, width and height of everything are exchanged.

@@ -7,23 +7,28 @@
 #include <optional>
 
 #include "tools/lumora/picture/colour_picture.h"
+#include "tools/lumora/picture/jpeg_markers.h"
 #include "tools/lumora/picture/jpeg_picture.h"
 #include "tools/lumora/picture/jpeg_planes.h"
 #include "tools/lumora/picture/metadata.h"
 #include "tools/lumora/picture/png_chunks.h"
+#include "tools/lumora/picture/png_pixels.h"
 #include "tools/lumora/support/failure.h"
 
 namespace lumora::tools {
 namespace {
 
 constexpr int kNewJpegQuality = 95;
-
-bool StartsLikeJpeg(const Bytes& file) {
-  return file.size() >= 3 && file[0] == 0xff && file[1] == 0xd8 && file[2] == 0xff;
-}
+constexpr int kMostScans = 1000;  // a small progressive file could otherwise take hours
 
 Failure Unreadable(const std::string& name, const std::string& reason) {
   return {ExitCode::Unreadable, "cannot read " + name + ": " + reason};
+}
+
+bool IsJpeg(const Bytes& file, const std::string& name) {
+  const bool jpeg = StartsLikeJpeg(file);
+  if (!jpeg && !StartsLikePng(file)) throw Unreadable(name, "it is neither a JPEG nor a PNG");
+  return jpeg;
 }
 
 void CheckSize(cv::Size size, const std::string& name) {
@@ -37,30 +42,21 @@ void CheckSize(cv::Size size, const std::string& name) {
   }
 }
 
-cv::Mat DecodeWithOpenCv(const Bytes& file, const std::string& name, int flags) {
-  cv::Mat pixels;
-  try {
-    pixels = cv::imdecode(file, flags);
-  } catch (const cv::Exception&) {
-    // Reported below, like every picture that cannot be decoded.
-  }
-  if (pixels.empty()) throw Unreadable(name, "the picture's data are damaged");
-  return pixels;
-}
-
 std::unique_ptr<Picture> DecodeJpeg(const Bytes& file, const std::string& name, int orientation,
                                     Notes& notes) {
   try {
     const JpegLayout layout = ReadJpegLayout(file);
     CheckSize(layout.size, name);
+    if (ReadJpegMarkers(file).scans > kMostScans) {
+      throw Unreadable(name,
+                       "the picture comes in more than " + std::to_string(kMostScans) + " scans");
+    }
     if (layout.planar) return std::make_unique<JpegPicture>(file, orientation);
+    notes.emplace_back("the JPEG does not hold luma and chroma planes; it is converted");
+    return std::make_unique<ColourPicture>(Upright(ReadJpegBgr(file), orientation));
   } catch (const JpegError& error) {
     throw Unreadable(name, error.what());
   }
-  notes.push_back("the JPEG does not hold luma and chroma planes; it is converted");
-  const cv::Mat pixels =
-      DecodeWithOpenCv(file, name, cv::IMREAD_COLOR | cv::IMREAD_IGNORE_ORIENTATION);
-  return std::make_unique<ColourPicture>(Upright(pixels, orientation));
 }
 
 std::unique_ptr<Picture> DecodePng(const Bytes& file, const std::string& name, int orientation,
@@ -68,12 +64,13 @@ std::unique_ptr<Picture> DecodePng(const Bytes& file, const std::string& name, i
   CheckSize(PngSize(file), name);
   const std::optional<Bytes> essential = EssentialPng(file);
   if (!essential) throw Unreadable(name, "the file is cut short or damaged");
-  cv::Mat pixels = DecodeWithOpenCv(*essential, name, cv::IMREAD_UNCHANGED);
-  if (pixels.depth() == CV_16U) {
-    notes.push_back("16 bits a channel are reduced to 8");
-    pixels.convertTo(pixels, CV_8U, 1.0 / 257);
+  try {
+    const PngPixels decoded = ReadPngPixels(*essential);
+    if (decoded.reduced) notes.emplace_back("16 bits a channel are reduced to 8");
+    return std::make_unique<ColourPicture>(Upright(decoded.pixels, orientation));
+  } catch (const PngError&) {
+    throw Unreadable(name, "the picture's data are damaged");
   }
-  return std::make_unique<ColourPicture>(Upright(pixels, orientation));
 }
 
 Bytes EncodeWithOpenCv(const char* ending, const cv::Mat& picture,
@@ -89,13 +86,23 @@ Bytes EncodeWithOpenCv(const char* ending, const cv::Mat& picture,
 
 LoadedPicture DecodePicture(const Bytes& file, const std::string& name) {
   LoadedPicture loaded;
-  const bool jpeg = StartsLikeJpeg(file);
-  if (!jpeg && !StartsLikePng(file)) throw Unreadable(name, "it is neither a JPEG nor a PNG");
+  const bool jpeg = IsJpeg(file, name);
   loaded.format = jpeg ? FileFormat::Jpeg : FileFormat::Png;
   loaded.orientation = ReadOrientation(file);
   const auto decode = jpeg ? DecodeJpeg : DecodePng;
   loaded.picture = decode(file, name, loaded.orientation, loaded.notes);
   return loaded;
+}
+
+cv::Size StatedSize(const Bytes& start, const std::string& name) {
+  cv::Size size;
+  try {
+    size = IsJpeg(start, name) ? ReadJpegLayout(start).size : PngSize(start);
+  } catch (const JpegError&) {
+    return {};
+  }
+  if (!size.empty()) CheckSize(size, name);
+  return size;
 }
 
 FileFormat FormatOfName(const std::string& path) {

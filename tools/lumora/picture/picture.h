@@ -39,6 +39,9 @@ class Picture {
   /// 8-bit BGR for looking at it.
   virtual cv::Mat Bgr() const = 0;
 
+  /// Whether some of it is not fully opaque.
+  virtual bool IsTransparent() const { return false; }
+
   /// The picture as a file without metadata. JPEG to JPEG keeps quantisation and sampling; new
   /// JPEGs have quality 95.
   virtual Bytes Encode(FileFormat format) const = 0;
@@ -53,6 +56,10 @@ struct LoadedPicture {
   Notes notes;
 };
 LoadedPicture DecodePicture(const Bytes& file, const std::string& name);
+
+/// The size that a file states which begins like that, 0 x 0 while it has not yet said so. Throws
+/// Failure (Unreadable) for one that DecodePicture would refuse for its kind or size.
+cv::Size StatedSize(const Bytes& start, const std::string& name);
 
 /// The format that a file name's ending asks for. Throws Failure (Usage) for an unknown one.
 FileFormat FormatOfName(const std::string& path);

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "tools/lumora/picture/losses.h"
 #include "tools/lumora/picture/metadata.h"
 #include "tools/lumora/support/failure.h"
 #include "tools/lumora/support/places.h"
@@ -30,30 +31,32 @@ void CheckPictureOutputs(const std::vector<std::string>& inputs,
   }
 }
 
-PictureEdit::PictureEdit(const std::string& path)
-    : path_(path),
-      file_(ReadWhole(path)),
-      input_(DecodePicture(file_, path == kStandardStream ? "standard input" : path)) {}
+PictureEdit::PictureEdit(const std::string& path, const Appetite& appetite)
+    : path_(path), file_(ReadPicture(path, appetite)) {}
 
 void PictureEdit::TellNotes() const {
-  for (const std::string& note : input_.notes) Complain(path_ + ": " + note);
+  for (const std::string& note : notes()) Complain(path_ + ": " + note);
 }
 
 void PictureEdit::Merge(const Frame420& before, const Frame420& after) {
-  input_.picture->Merge(before, after);
+  picture().Merge(before, after);
   changed_ = true;
 }
 
 FileFormat PictureEdit::FormatFor(const std::string& path) const {
-  return path == kStandardStream ? input_.format : FormatOfName(path);
+  return path == kStandardStream ? file_.loaded.format : FormatOfName(path);
 }
 
 Bytes PictureEdit::Encode(const std::string& path) {
   const FileFormat format = FormatFor(path);
-  const bool as_it_was = !changed_ && format == input_.format && input_.orientation == 1;
-  if (as_it_was) return file_;
-  Bytes result = input_.picture->Encode(format);
-  const std::string problem = CopyMetadata(file_, input_.picture->size(), result);
+  const bool as_it_was =
+      !changed_ && format == file_.loaded.format && file_.loaded.orientation == 1;
+  if (as_it_was) return file_.content;
+  for (const std::string& loss : LossesOf(file_.content, picture(), format == FileFormat::Png)) {
+    Note(loss);
+  }
+  Bytes result = picture().Encode(format);
+  const std::string problem = CopyMetadata(file_.content, picture().size(), result);
   if (!problem.empty()) Note(problem);
   return result;
 }

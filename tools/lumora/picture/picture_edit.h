@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/lumora/picture/picture.h"
+#include "tools/lumora/picture/picture_file.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
@@ -20,14 +21,14 @@ void CheckPictureOutputs(const std::vector<std::string>& inputs,
 class PictureEdit {
  public:
   /// Reads the picture. Throws Failure (Unreadable).
-  explicit PictureEdit(const std::string& path);
+  PictureEdit(const std::string& path, const Appetite& appetite);
 
-  Picture& picture() { return *input_.picture; }
-  const Picture& picture() const { return *input_.picture; }
+  Picture& picture() { return *file_.loaded.picture; }
+  const Picture& picture() const { return *file_.loaded.picture; }
 
   /// Sentences for the user.
-  void Note(const std::string& note) { input_.notes.push_back(note); }
-  const Notes& notes() const { return input_.notes; }
+  void Note(const std::string& note) { file_.loaded.notes.push_back(note); }
+  const Notes& notes() const { return file_.loaded.notes; }
   /// Says all notes on standard error.
   void TellNotes() const;
 
@@ -43,8 +44,7 @@ class PictureEdit {
 
  private:
   std::string path_;
-  Bytes file_;
-  LoadedPicture input_;
+  PictureFile file_;
   bool changed_ = false;
 };
 

@@ -27,6 +27,18 @@ void AppendBigEndian(uint32_t value, Bytes& to) {
 /// The place behind the header, where all chunks may stand that are copied or made here.
 constexpr std::ptrdiff_t kBehindHeader = 8 + 25;
 
+/// Calls `use(chunk, its size)` for the chunks of a whole file, without the end marker; whatever
+/// follows that is no chunk.
+template <typename Use>
+void ForEachChunk(const Bytes& file, const Use& use) {
+  for (size_t at = kSignature.size(); at + kChunkHead + kChunkTail <= file.size();) {
+    const size_t whole = kChunkHead + BigEndian(file, at) + kChunkTail;
+    if (whole > file.size() - at || std::memcmp(&file[at + 4], "IEND", 4) == 0) return;
+    use(&file[at], whole);
+    at += whole;
+  }
+}
+
 Bytes Inserted(const Bytes& chunks, const Bytes& file) {
   Bytes result = file;
   result.insert(result.begin() + kBehindHeader, chunks.begin(), chunks.end());
@@ -69,20 +81,30 @@ std::optional<Bytes> EssentialPng(const Bytes& file) {
   return std::nullopt;
 }
 
+size_t PngEnd(const Bytes& file) {
+  size_t end = kSignature.size();
+  ForEachChunk(file, [&end](const uint8_t*, size_t whole) { end += whole; });
+  return std::min(end + kChunkHead + kChunkTail, file.size());  // and the end marker
+}
+
+bool IsAnimatedPng(const Bytes& file) {
+  bool animated = false;
+  ForEachChunk(file, [&](const uint8_t* chunk, size_t) {
+    animated = animated || std::memcmp(chunk + 4, "acTL", 4) == 0;
+  });
+  return animated;
+}
+
 Bytes WithChunksOf(const Bytes& from, const Bytes& to) {
-  constexpr const char* kKept[] = {"cHRM", "gAMA", "iCCP", "sRGB", "pHYs",
-                                   "tEXt", "zTXt", "iTXt", "eXIf"};
+  constexpr const char* kKept[] = {"cHRM", "gAMA", "iCCP", "sRGB", "cICP",
+                                   "pHYs", "tEXt", "zTXt", "iTXt", "eXIf"};
   Bytes chunks;
-  for (size_t at = kSignature.size(); at + kChunkHead + kChunkTail <= from.size();) {
-    const size_t whole = kChunkHead + BigEndian(from, at) + kChunkTail;
-    const uint8_t* chunk = &from[at];
-    if (std::memcmp(chunk + 4, "IEND", 4) == 0) break;  // whatever follows is no chunk
+  ForEachChunk(from, [&](const uint8_t* chunk, size_t whole) {
     const bool kept = std::any_of(std::begin(kKept), std::end(kKept), [chunk](const char* type) {
       return std::memcmp(chunk + 4, type, 4) == 0;
     });
     if (kept) chunks.insert(chunks.end(), chunk, chunk + whole);
-    at += whole;
-  }
+  });
   return Inserted(chunks, to);
 }
 

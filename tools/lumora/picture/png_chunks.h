@@ -19,6 +19,12 @@ cv::Size PngSize(const Bytes& file);
 /// correct checksums.
 std::optional<Bytes> EssentialPng(const Bytes& file);
 
+/// Where the first picture ends: behind the end marker. The file is whole.
+size_t PngEnd(const Bytes& file);
+
+/// Whether a whole file holds further frames, which decoders that do not know them leave out.
+bool IsAnimatedPng(const Bytes& file);
+
 /// `to` with what `from` says about its colours, its resolution and itself (texts and EXIF). Both
 /// are whole PNG files.
 Bytes WithChunksOf(const Bytes& from, const Bytes& to);

@@ -1,36 +1,53 @@
 #include "tools/lumora/support/files.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/lumora/support/failure.h"
 
 namespace lumora::tools {
 namespace {
 
-constexpr size_t kLargestInput = size_t{1} << 30;  // bytes
 constexpr size_t kFirstPiece = size_t{1} << 20;
+
+/// "1 GiB", "16 MiB", or bytes.
+std::string Named(size_t bytes) {
+  if (bytes % (size_t{1} << 30) == 0) return std::to_string(bytes >> 30) + " GiB";
+  if (bytes % (size_t{1} << 20) == 0) return std::to_string(bytes >> 20) + " MiB";
+  return std::to_string(bytes) + " bytes";
+}
 
 }  // namespace
 
-Bytes ReadWhole(const std::string& path) {
-  InputStream file(path);
-  const auto failure = [&file](const std::string& reason) {
-    return Failure(ExitCode::Unreadable, "cannot read " + file.name() + ": " + reason);
-  };
-  Bytes content;
-  for (size_t filled = 0;;) {
-    content.resize(std::max(kFirstPiece, 2 * filled));
-    const size_t wanted = content.size() - filled;
-    const size_t got = file.Read(content.data() + filled, wanted);
-    filled += got;
-    if (filled > kLargestInput) throw failure("it is larger than 1 GiB");
-    if (got < wanted) {
-      content.resize(filled);
-      break;
-    }
+WholeInput::WholeInput(const std::string& path) : file_(path) {
+  ReadUpTo(kFirstPiece);
+  if (content_.empty()) {
+    throw Failure(ExitCode::Unreadable, "cannot read " + name() + ": it is empty");
   }
-  if (content.empty()) throw failure("it is empty");
-  return content;
+}
+
+Bytes WholeInput::Rest(size_t most) {
+  const uint64_t length = Length().value_or(0);
+  while (!ended_ && length <= most && content_.size() <= most) {
+    ReadUpTo(std::min(std::max<size_t>(length, 2 * content_.size()), most) + 1);
+  }
+  if (!ended_ || content_.size() > most) {
+    throw Failure(ExitCode::Unreadable,
+                  "cannot read " + name() + ": it is larger than " + Named(most));
+  }
+  return std::move(content_);
+}
+
+void WholeInput::ReadUpTo(size_t size) {
+  const size_t filled = content_.size();
+  content_.resize(size);
+  const size_t got = file_.Read(content_.data() + filled, size - filled);
+  ended_ = filled + got < size;
+  content_.resize(filled + got);
+}
+
+Bytes ReadWhole(const std::string& path, size_t most) {
+  return WholeInput(path).Rest(most);
 }
 
 void WriteWhole(const std::string& path, const Bytes& content) {

@@ -3,6 +3,7 @@
 #define LUMORA_TOOLS_SUPPORT_FILES_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,8 +13,34 @@ namespace lumora::tools {
 
 using Bytes = std::vector<uint8_t>;
 
-/// The file's content. Throws Failure (Unreadable) naming the path.
-Bytes ReadWhole(const std::string& path);
+inline constexpr size_t kLargestFile = size_t{1} << 30;   // bytes
+inline constexpr size_t kLargestText = size_t{16} << 20;  // and of a line of text
+
+/// The content of an input that has at most so many bytes. A file is not read when it is larger,
+/// and a stream no further than that. Throws Failure (Unreadable) naming it.
+Bytes ReadWhole(const std::string& path, size_t most);
+
+/// The same in two steps, for those who can tell from the beginning whether they want the rest.
+class WholeInput {
+ public:
+  explicit WholeInput(const std::string& path);
+
+  /// For messages: the path, or "standard input".
+  const std::string& name() const { return file_.name(); }
+  /// How long it is, where it is a file.
+  std::optional<uint64_t> Length() const { return file_.Length(); }
+  /// The first bytes: a MiB, or all that there are.
+  const Bytes& start() const { return content_; }
+  /// All of them. To be called once.
+  Bytes Rest(size_t most);
+
+ private:
+  void ReadUpTo(size_t size);
+
+  InputStream file_;
+  Bytes content_;
+  bool ended_ = false;
+};
 
 /// Writes the file in one step, as OutputStream does. Throws Failure (Failed).
 void WriteWhole(const std::string& path, const Bytes& content);

@@ -88,6 +88,22 @@ bool IsOff(const Look& look) {
   return look.slim == 0 && !Whitens(look);
 }
 
+std::vector<std::string> LookOptions::Remarks() const {
+  std::vector<std::string> remarks;
+  const std::string effect = "--effect " + NameOf(kEffects, effect_);
+  const auto ignored = [&](const char* option, std::optional<int> value, Effect other) {
+    if (effect_ == other && value.value_or(0) > 0) {
+      remarks.push_back(option + std::string(" does nothing: ") + effect + " leaves it out");
+    }
+  };
+  ignored("--whiten", whiten_, Effect::Saturation);
+  ignored("--saturate", saturate_, Effect::Intensity);
+  if (remarks.empty() && effect_ != Effect::Auto && !Whitens(Chosen())) {
+    remarks.push_back(effect + " does nothing: the scale that it applies is 0");
+  }
+  return remarks;
+}
+
 nlohmann::ordered_json LookJson(const Look& look) {
   return {{"slim", look.slim},
           {"whiten", look.whiten},

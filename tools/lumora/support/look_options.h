@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "pipeline/pipeline.h"
 
@@ -21,6 +22,9 @@ class LookOptions {
   void AddTo(CLI::App& command);
 
   Look Chosen() const;
+
+  /// Sentences about options that have no effect beside the others.
+  std::vector<std::string> Remarks() const;
 
  private:
   std::optional<int> slim_, whiten_, saturate_;

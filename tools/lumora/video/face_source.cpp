@@ -1,15 +1,12 @@
 #include "tools/lumora/video/face_source.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
+#include <optional>
 
 #include "pipeline/face_tracker.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/faces_json.h"
 #include "tools/lumora/support/failure.h"
-#include "tools/lumora/support/files.h"
+#include "tools/lumora/support/line_reader.h"
 
 namespace lumora::tools {
 namespace {
@@ -35,27 +32,22 @@ class Detected final : public FaceSource {
 
 class Listed final : public FaceSource {
  public:
-  explicit Listed(const std::string& path) : path_(path) {
-    if (path == kStandardStream) return;
-    file_.open(path);
-    if (!file_) {
-      throw Failure(ExitCode::Unreadable, "cannot read " + path + ": " + std::strerror(errno));
-    }
-  }
+  explicit Listed(const std::string& path) : path_(path), lines_(path) {}
 
   std::vector<Face> Next(const cv::Mat& luma) override {
-    std::string line;
-    if (!std::getline(stream(), line)) {
+    const std::optional<std::string> line = lines_.Next();
+    if (!line) {
       throw Failure(ExitCode::Unreadable, path_ + ": ends after line " + std::to_string(line_) +
                                               ", but the clip has more frames");
     }
     ++line_;
-    if (line.find_first_not_of(" \t\r") == std::string::npos) return {};
+    if (line->find_first_not_of(" \t\r") == std::string::npos) return {};
     int left_out = 0;
-    std::vector<Face> faces =
-        ParseFaces(line, path_ + ": line " + std::to_string(line_), luma.size(), &left_out);
+    std::vector<std::string> doubts;
+    std::vector<Face> faces = ParseFaces(*line, LineName(), luma.size(), &left_out, &doubts);
     if (left_out > 0 && left_out_ == 0) first_left_out_ = line_;
     left_out_ += left_out;
+    if (!doubts.empty() && doubt_.empty()) doubt_ = LineName() + ": " + doubts[0];
     return faces;
   }
 
@@ -68,8 +60,8 @@ class Listed final : public FaceSource {
                         (left_out_ == 1 ? " face" : " faces") +
                         " outside the frame, first in line " + std::to_string(first_left_out_));
     }
-    std::string line;
-    if (std::getline(stream(), line)) {
+    if (!doubt_.empty()) remarks.push_back(doubt_);
+    if (lines_.Next()) {
       remarks.push_back(path_ + ": has more lines than the clip has frames (" +
                         std::to_string(line_) + ")");
     }
@@ -77,11 +69,12 @@ class Listed final : public FaceSource {
   }
 
  private:
-  std::istream& stream() { return path_ == kStandardStream ? std::cin : file_; }
+  std::string LineName() const { return path_ + ": line " + std::to_string(line_); }
 
   std::string path_;
-  std::ifstream file_;
+  LineReader lines_;
   int64_t line_ = 0;
+  std::string doubt_;                          ///< the first
   int64_t left_out_ = 0, first_left_out_ = 0;  ///< a count, and the line of the first
 };
 

@@ -1,0 +1,24 @@
+// Picture files as the commands read them.
+#ifndef LUMORA_TOOLS_PICTURE_PICTURE_FILE_H_
+#define LUMORA_TOOLS_PICTURE_PICTURE_FILE_H_
+
+#include <string>
+
+#include "tools/lumora/picture/appetite.h"
+#include "tools/lumora/picture/picture.h"
+#include "tools/lumora/support/files.h"
+
+namespace lumora::tools {
+
+struct PictureFile {
+  Bytes content;
+  LoadedPicture loaded;
+};
+
+/// Reads and decodes a picture. What is no picture or asks for too much memory is refused as soon
+/// as that shows, with most of it unread. Throws Failure (Unreadable).
+PictureFile ReadPicture(const std::string& path, const Appetite& appetite);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_PICTURE_PICTURE_FILE_H_

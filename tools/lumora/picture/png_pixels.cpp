@@ -1,0 +1,117 @@
+#include "tools/lumora/picture/png_pixels.h"
+
+#include <png.h>
+
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+namespace lumora::tools {
+namespace {
+
+/// One reading of a file. libpng's errors leave the library by longjmp.
+class Decoder {
+ public:
+  explicit Decoder(const Bytes& file) : file_(file) {
+    png_ = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning, this, Allocate,
+                                    Free);
+    if (png_ != nullptr) info_ = png_create_info_struct(png_);
+    if (info_ == nullptr) {
+      png_destroy_read_struct(&png_, nullptr, nullptr);
+      throw std::bad_alloc();
+    }
+    png_set_read_fn(png_, this, Read);
+  }
+  ~Decoder() { png_destroy_read_struct(&png_, &info_, nullptr); }
+  Decoder(const Decoder&) = delete;
+  Decoder& operator=(const Decoder&) = delete;
+
+  PngPixels Decode() {
+    Guard([this] { ReadHeader(); });
+    PngPixels result;
+    result.reduced = png_get_bit_depth(png_, info_) == 16;
+    Guard([this] { AskForBgr(); });
+    const auto width = static_cast<int>(png_get_image_width(png_, info_));
+    const auto height = static_cast<int>(png_get_image_height(png_, info_));
+    result.pixels.create(height, width, CV_8UC(png_get_channels(png_, info_)));
+    if (png_get_rowbytes(png_, info_) != result.pixels.cols * result.pixels.elemSize()) {
+      throw PngError("unknown kind of pixels");
+    }
+    std::vector<png_bytep> rows;
+    for (int y = 0; y < height; ++y) rows.push_back(result.pixels.ptr(y));
+    Guard([&] {
+      png_read_image(png_, rows.data());
+      png_read_end(png_, info_);
+    });
+    return result;
+  }
+
+ private:
+  void ReadHeader() { png_read_info(png_, info_); }
+
+  /// 8 bits a channel; gray stays gray unless something in it is transparent.
+  void AskForBgr() {
+    const int kind = png_get_color_type(png_, info_);
+    const bool has_transparent_colour = png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+    png_set_scale_16(png_);
+    png_set_expand(png_);
+    if ((kind & PNG_COLOR_MASK_ALPHA) != 0 || has_transparent_colour) png_set_gray_to_rgb(png_);
+    png_set_bgr(png_);
+    png_set_interlace_handling(png_);
+    png_read_update_info(png_, info_);
+  }
+
+  /// Runs libpng calls. They may be left by longjmp, so `calls` must not own anything.
+  template <typename Calls>
+  void Guard(const Calls& calls) {
+    if (setjmp(escape_) != 0) {
+      if (out_of_memory_) throw std::bad_alloc();
+      throw PngError(message_);
+    }
+    calls();
+  }
+
+  static Decoder& From(png_voidp pointer) { return *static_cast<Decoder*>(pointer); }
+
+  static void OnError(png_structp png, png_const_charp message) {
+    Decoder& decoder = From(png_get_error_ptr(png));
+    std::snprintf(decoder.message_, sizeof(decoder.message_), "%s", message);
+    std::longjmp(decoder.escape_, 1);
+  }
+
+  static void OnWarning(png_structp, png_const_charp) {}
+
+  static void Read(png_structp png, png_bytep bytes, size_t count) {
+    Decoder& decoder = From(png_get_io_ptr(png));
+    if (count > decoder.file_.size() - decoder.at_) png_error(png, "the file ends too early");
+    std::memcpy(bytes, decoder.file_.data() + decoder.at_, count);
+    decoder.at_ += count;
+  }
+
+  static png_voidp Allocate(png_structp png, png_alloc_size_t size) {
+    void* const memory = std::malloc(size);
+    if (memory == nullptr) From(png_get_mem_ptr(png)).out_of_memory_ = true;
+    return memory;
+  }
+
+  static void Free(png_structp, png_voidp memory) { std::free(memory); }
+
+  const Bytes& file_;
+  size_t at_ = 0;
+  std::jmp_buf escape_;
+  bool out_of_memory_ = false;
+  char message_[128] = "";
+  png_structp png_ = nullptr;
+  png_infop info_ = nullptr;
+};
+
+}  // namespace
+
+PngPixels ReadPngPixels(const Bytes& file) {
+  return Decoder(file).Decode();
+}
+
+}  // namespace lumora::tools

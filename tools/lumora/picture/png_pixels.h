@@ -1,0 +1,28 @@
+// The pixels of a PNG file.
+#ifndef LUMORA_TOOLS_PICTURE_PNG_PIXELS_H_
+#define LUMORA_TOOLS_PICTURE_PNG_PIXELS_H_
+
+#include <opencv2/core.hpp>
+#include <stdexcept>
+
+#include "tools/lumora/support/files.h"
+
+namespace lumora::tools {
+
+/// What libpng says about a file that it cannot read.
+class PngError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct PngPixels {
+  cv::Mat pixels;        ///< 8-bit gray, BGR, or BGRA where something is transparent
+  bool reduced = false;  ///< the file has 16 bits a channel
+};
+
+/// Throws PngError, and std::bad_alloc where memory is short. Prints nothing.
+PngPixels ReadPngPixels(const Bytes& file);
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_PICTURE_PNG_PIXELS_H_

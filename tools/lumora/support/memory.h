@@ -1,0 +1,26 @@
+// How much memory there is, and whether some work may ask for its share.
+#ifndef LUMORA_TOOLS_SUPPORT_MEMORY_H_
+#define LUMORA_TOOLS_SUPPORT_MEMORY_H_
+
+#include <cstdint>
+#include <string>
+
+namespace lumora::tools {
+
+/// Work may take one part in so many of the memory that there is.
+inline constexpr uint64_t kMemoryParts = 2;
+
+/// The bytes that this process can have at most: the machine's memory, or less where a control
+/// group or a resource limit allows less. `root` stands before the paths of the system's files.
+uint64_t MemoryLimit(const std::string& root = {});
+
+/// Throws Failure (Unreadable) when the work on the input `name` takes more than its share.
+void CheckMemory(uint64_t bytes, const std::string& name);
+
+/// Throws std::bad_alloc when the exception that is being handled is how OpenCV, or the library
+/// that runs its threads, says the same.
+void RethrowIfOutOfMemory();
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_SUPPORT_MEMORY_H_
