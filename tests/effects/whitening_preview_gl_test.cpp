@@ -13,6 +13,7 @@
 #include "reference/colour_bounds.h"
 #include "reference/whitening_bounds.h"
 #include "support/compare.h"
+#include "support/guarded_buffer.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"
 
@@ -312,6 +313,33 @@ TEST(WhiteningMeasures, OfAFrameInMemory) {
   EXPECT_GT(program.m_fDiffI, 0.1f);
   EXPECT_NEAR(expected.uniforms.intensity_shift, double{program.m_fDiffI}, 1e-6);
   EXPECT_EQ(0.0f, program.m_fDiffS);
+}
+
+// A frame of odd sides has no chroma for its last column and row: they take no part, and nothing
+// behind the frame is read.
+TEST(WhiteningMeasures, OfAFrameInMemoryOfOddSides) {
+  const auto lift = [](int width, int height) {
+    Chain chain(width, height);
+    const size_t luma = LumaSize(width, height);
+    GuardedBuffer frame(luma + static_cast<size_t>(width) * static_cast<size_t>(height / 2));
+    std::fill_n(frame.data(), luma, uint8_t{120});
+    for (int row = 0; row < height / 2; ++row) {
+      for (int column = 0; column < width; ++column) {
+        frame.data()[luma + static_cast<size_t>(row * width + column)] =
+            column % 2 == 0 ? 150 : 105;
+      }
+    }
+    frame.protect_from_writing();
+    const FaceRecord face = PortraitFace(310, 225, 20);  // its square reaches the corner
+    EXPECT_EQ(1,
+              chain.engine().SetFaceWhiteningParameters(
+                  face.as<FACE_INFO_t>(), 50, 30, BEAUTYSHOT_EFFECT_BOTH, 0, true, frame.data()));
+    const auto& program = static_cast<GLProgWhiteningBase&>(*chain.engine().m_pProgFaceWhitening);
+    return program.m_fDiffI;
+  };
+  EXPECT_GT(lift(320, 240), 0.1f);
+  EXPECT_EQ(lift(321, 241), lift(320, 240));
+  EXPECT_EQ(lift(321, 240), lift(320, 240));
 }
 
 // Effect and outer ellipse: of the same face, 1.1 times the half axes in the mask variant.

@@ -117,6 +117,7 @@ TEST_F(BlockCopyYuv, RowsGoToTheirPlaceInBothPlanes) {
     int x, y, width, rows;
   } kRows[] = {{"whole block", 0, 0, 384, 384},   {"inside", 200, 10, 300, 100},
                {"odd sizes", 202, 10, 33, 7},     {"odd places", 201, 11, 30, 8},
+               {"odd rows", 200, 10, 64, 7},      {"one row", 8, 12, 32, 1},
                {"right edge", 916, 16, 384, 384}, {"last rows", 384, 384, 384, 17},
                {"last row alone", 0, 400, 64, 1}, {"no rows", 0, 0, 64, 0},
                {"no columns", 0, 0, 0, 64}};

@@ -110,8 +110,15 @@ void Disturb(unsigned number, const Size& size) {
       glBlendFunc(GL_ONE, GL_ONE);
       break;
     case 2:
-      glColorMask(GL_TRUE, GL_FALSE, GL_TRUE, GL_TRUE);
+    case 5:
+    case 6:
+    case 7: {  // each channel holds samples of its own in the packed images
+      const auto written = [number](unsigned closed) {
+        return static_cast<GLboolean>(number == closed ? GL_FALSE : GL_TRUE);
+      };
+      glColorMask(written(2), written(5), written(6), written(7));
       break;
+    }
     case 3:
       glScissor(1, 2, 3, 4);  // switched off, but still there afterwards
       break;
