@@ -16,7 +16,7 @@ struct Result {
 
 struct Environment {
   std::vector<std::pair<std::string, std::string>> set;
-  std::string out_file;        ///< where standard output goes, instead of into the result
+  std::string out_file = {};   ///< where standard output goes, instead of into the result
   bool terminal = false;       ///< standard error is a terminal; see TerminalsExist
   bool no_proc = false;        ///< nothing is mounted on /proc; see ProcCanBeHidden
   uint64_t address_space = 0;  ///< bytes; 0 is no limit. Sanitizers need more than there is

@@ -16,8 +16,8 @@ namespace lumora::tools {
 
 const char kExitCodes[] =
     "Exit codes: 0 done, 1 processing failed or a result could not be written, 2 wrong usage,\n"
-    "3 an input cannot be read (missing, damaged, under 32 x 32 pixels, over 200 megapixels),\n"
-    "4 no usable display, 5 no face found and one was required.";
+    "3 an input cannot be read (missing, damaged, under 32 x 32 pixels, over 200 megapixels, too\n"
+    "large for the memory), 4 no usable display, 5 no face found and one was required.";
 
 namespace {
 
