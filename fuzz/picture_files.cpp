@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "fuzz/support/require.h"
+#include "tools/lumora/picture/jpeg_codec.h"
 #include "tools/lumora/picture/jpeg_markers.h"
+#include "tools/lumora/picture/jpeg_pixels.h"
 #include "tools/lumora/picture/jpeg_planes.h"
 #include "tools/lumora/picture/png_chunks.h"
 #include "tools/lumora/picture/png_pixels.h"

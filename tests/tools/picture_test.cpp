@@ -7,8 +7,11 @@
 #include <opencv2/imgproc.hpp>
 
 #include "tests/tools/pictures.h"
+#include "tools/lumora/picture/jpeg_codec.h"
+#include "tools/lumora/picture/jpeg_pixels.h"
 #include "tools/lumora/picture/jpeg_planes.h"
 #include "tools/lumora/picture/png_chunks.h"
+#include "tools/lumora/support/failure.h"
 
 namespace lumora::test {
 namespace {
@@ -131,6 +134,38 @@ TEST(JpegPlanes, FilesOfAnyColourSpaceAreReadAsBgr) {
     const auto size = static_cast<std::ptrdiff_t>(static_cast<double>(file.size()) * share);
     EXPECT_THROW(tools::ReadJpegBgr(Bytes(file.begin(), file.begin() + size)), tools::JpegError);
   }
+}
+
+TEST(Picture, NewFilesHoldWhatWasGivenAndAreCodedAsEver) {
+  const cv::Mat portrait = PortraitOf(203, 151).picture;
+  cv::Mat gray, bgra;
+  cv::cvtColor(portrait, gray, cv::COLOR_BGR2GRAY);
+  cv::cvtColor(portrait, bgra, cv::COLOR_BGR2BGRA);
+  cv::Mat alpha(bgra.size(), CV_8U);
+  cv::RNG(11).fill(alpha, cv::RNG::UNIFORM, 0, 256);
+  cv::insertChannel(alpha, bgra, 3);
+  const cv::Mat part = portrait(cv::Rect(3, 5, 101, 67));  // whose rows do not follow each other
+  for (const cv::Mat& picture : {portrait, gray, bgra, part, portrait(cv::Rect(0, 0, 1, 1))}) {
+    SCOPED_TRACE(testing::Message() << picture.size() << ", " << picture.channels());
+    const Bytes png = tools::EncodePng(picture), jpeg = tools::EncodeJpeg(picture);
+    const cv::Mat decoded = Decode(png);
+    ASSERT_EQ(decoded.type(), picture.type());
+    ASSERT_EQ(decoded.size(), picture.size());
+    EXPECT_EQ(cv::norm(decoded, picture, cv::NORM_INF), 0);
+    // Another program's encoders, which call the same libraries with the same settings.
+    Bytes other;
+    cv::imencode(".png", picture, other);
+    EXPECT_EQ(png, other);
+    cv::imencode(".jpg", picture, other, {cv::IMWRITE_JPEG_QUALITY, 95});
+    EXPECT_EQ(jpeg, other);
+  }
+}
+
+TEST(Picture, ASideThatAFormatCannotHaveIsAFailure) {
+  const cv::Mat too_wide(1, 65501, CV_8UC3, cv::Scalar::all(0));
+  EXPECT_THROW(tools::EncodeJpeg(too_wide), tools::Failure);
+  EXPECT_EQ(Decode(tools::EncodePng(too_wide)).size(), too_wide.size());
+  EXPECT_THROW(tools::EncodePng(cv::Mat(1, 1'000'001, CV_8UC1, cv::Scalar(0))), tools::Failure);
 }
 
 TEST(Picture, MergingAnUnchangedFrameChangesNothing) {

@@ -1,140 +1,13 @@
 #include "tools/lumora/picture/jpeg_planes.h"
 
 #include <algorithm>
-#include <csetjmp>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <iterator>
-#include <new>
-#include <string>
 #include <utility>
 
-// libjpeg's headers need <cstdio> before them.
-#include <jerror.h>
-#include <jpeglib.h>
+#include "tools/lumora/picture/jpeg_codec.h"
 
 namespace lumora::tools {
 namespace {
-
-/// libjpeg's error handling. Its errors leave the library by longjmp.
-struct ErrorHandler {
-  jpeg_error_mgr base;  // must be first: libjpeg knows only this
-  std::jmp_buf escape;
-  char message[JMSG_LENGTH_MAX];
-};
-
-void OnError(j_common_ptr info) {
-  auto* handler = reinterpret_cast<ErrorHandler*>(info->err);
-  info->err->format_message(info, handler->message);
-  std::longjmp(handler->escape, 1);
-}
-
-void OnWarning(j_common_ptr info, int level) {
-  if (level >= 0) return;
-  ++info->err->num_warnings;
-  // libjpeg fills in gray for what is missing; a damaged picture is an error here.
-  const int code = info->err->msg_code;
-  if (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER) OnError(info);
-}
-
-void Prepare(ErrorHandler& handler) {
-  jpeg_std_error(&handler.base);
-  handler.base.error_exit = OnError;
-  handler.base.emit_message = OnWarning;
-}
-
-/// Runs libjpeg calls. They may be left by longjmp, so `calls` must not own anything.
-template <typename Calls>
-void Guarded(ErrorHandler& handler, const Calls& calls) {
-  if (setjmp(handler.escape) != 0) {
-    if (handler.base.msg_code == JERR_OUT_OF_MEMORY) throw std::bad_alloc();
-    throw JpegError(handler.message);
-  }
-  calls();
-}
-
-/// Whether a quantisation step is 0: no encoder makes one, and those that are given it divide by
-/// it.
-bool HasStepOfZero(const jpeg_decompress_struct& info) {
-  return std::any_of(
-      std::begin(info.quant_tbl_ptrs), std::end(info.quant_tbl_ptrs), [](const JQUANT_TBL* table) {
-        return table != nullptr &&
-               std::count(std::begin(table->quantval), std::end(table->quantval), 0) > 0;
-      });
-}
-
-class Decoder {
- public:
-  // Delegates, so that a header that cannot be read still gets to the destructor.
-  explicit Decoder(const Bytes& file) : Decoder() {
-    Guard([&] {
-      jpeg_mem_src(&info, file.data(), static_cast<unsigned long>(file.size()));
-      jpeg_read_header(&info, TRUE);
-    });
-    if (HasStepOfZero(info)) throw JpegError("The quantisation table has a step of 0");
-  }
-  ~Decoder() { jpeg_destroy_decompress(&info); }
-  Decoder(const Decoder&) = delete;
-  Decoder& operator=(const Decoder&) = delete;
-
-  template <typename Calls>
-  void Guard(const Calls& calls) {
-    Guarded(errors_, calls);
-  }
-
-  jpeg_decompress_struct info = {};
-
- private:
-  Decoder() {
-    Prepare(errors_);
-    info.err = &errors_.base;
-    Guard([&] { jpeg_create_decompress(&info); });
-  }
-
-  ErrorHandler errors_ = {};
-};
-
-class Encoder {
- public:
-  Encoder() {
-    Prepare(errors_);
-    info.err = &errors_.base;
-    Guard([&] {
-      jpeg_create_compress(&info);
-      jpeg_mem_dest(&info, &buffer_, &size_);
-    });
-  }
-  ~Encoder() {
-    jpeg_destroy_compress(&info);
-    std::free(buffer_);
-  }
-  Encoder(const Encoder&) = delete;
-  Encoder& operator=(const Encoder&) = delete;
-
-  template <typename Calls>
-  void Guard(const Calls& calls) {
-    Guarded(errors_, calls);
-  }
-
-  /// Takes over quantisation, sampling and density.
-  void CopySettings(Decoder& from) {
-    Guard([&] {
-      jpeg_copy_critical_parameters(&from.info, &info);
-      info.optimize_coding = TRUE;
-      if (from.info.progressive_mode) jpeg_simple_progression(&info);
-    });
-  }
-
-  Bytes File() const { return Bytes(buffer_, buffer_ + size_); }
-
-  jpeg_compress_struct info = {};
-
- private:
-  ErrorHandler errors_ = {};
-  unsigned char* buffer_ = nullptr;
-  unsigned long size_ = 0;
-};
 
 /// A plane's samples in whole rows of blocks, with pointers to its rows as libjpeg takes them.
 struct BlockRows {
@@ -212,21 +85,10 @@ void FillBlockCounts(jpeg_compress_struct& info) {
   }
 }
 
-/// Files with inks hold how much of each is missing: 255 is bare paper.
-cv::Mat BgrOfInks(const cv::Mat& cmyk) {
-  std::vector<cv::Mat> inks;
-  cv::split(cmyk, inks);
-  cv::Mat bgr;
-  cv::merge(std::vector<cv::Mat>{inks[2], inks[1], inks[0]}, bgr);
-  cv::merge(std::vector<cv::Mat>{inks[3], inks[3], inks[3]}, inks[0]);
-  cv::multiply(bgr, inks[0], bgr, 1.0 / 255);
-  return bgr;
-}
-
 }  // namespace
 
 JpegLayout ReadJpegLayout(const Bytes& file) {
-  Decoder decoder(file);
+  JpegDecoder decoder(file);
   const jpeg_decompress_struct& info = decoder.info;
   JpegLayout layout;
   layout.size = {static_cast<int>(info.image_width), static_cast<int>(info.image_height)};
@@ -239,7 +101,7 @@ JpegLayout ReadJpegLayout(const Bytes& file) {
 }
 
 std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file) {
-  Decoder decoder(file);
+  JpegDecoder decoder(file);
   jpeg_decompress_struct& info = decoder.info;
   info.raw_data_out = TRUE;
   info.dct_method = JDCT_ISLOW;
@@ -264,25 +126,9 @@ std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file) {
   return planes;
 }
 
-cv::Mat ReadJpegBgr(const Bytes& file) {
-  Decoder decoder(file);
-  jpeg_decompress_struct& info = decoder.info;
-  const bool inks = info.num_components == 4;
-  info.out_color_space = inks ? JCS_CMYK : JCS_EXT_BGR;
-  decoder.Guard([&] { jpeg_start_decompress(&info); });
-  cv::Mat pixels(static_cast<int>(info.output_height), static_cast<int>(info.output_width),
-                 inks ? CV_8UC4 : CV_8UC3);
-  for (int y = 0; y < pixels.rows; ++y) {
-    JSAMPROW row = pixels.ptr(y);
-    decoder.Guard([&] { jpeg_read_scanlines(&info, &row, 1); });
-  }
-  decoder.Guard([&] { jpeg_finish_decompress(&info); });
-  return inks ? BgrOfInks(pixels) : pixels;
-}
-
 Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, bool transposed) {
-  Decoder model(like);
-  Encoder encoder;
+  JpegDecoder model(like);
+  JpegEncoder encoder;
   encoder.CopySettings(model);
   jpeg_compress_struct& info = encoder.info;
   if (transposed) Transpose(info);
@@ -308,7 +154,7 @@ Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, boo
 
 Bytes ReplaceJpegBlocks(const Bytes& original, const Bytes& recoded,
                         const std::vector<cv::Mat>& changed) {
-  Decoder source(original), donor(recoded);
+  JpegDecoder source(original), donor(recoded);
   jvirt_barray_ptr* kept = nullptr;
   jvirt_barray_ptr* given = nullptr;
   source.Guard([&] { kept = jpeg_read_coefficients(&source.info); });
@@ -335,7 +181,7 @@ Bytes ReplaceJpegBlocks(const Bytes& original, const Bytes& recoded,
       }
     }
   }
-  Encoder encoder;
+  JpegEncoder encoder;
   encoder.CopySettings(source);
   encoder.Guard([&] {
     jpeg_write_coefficients(&encoder.info, kept);

@@ -3,19 +3,12 @@
 #define LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_
 
 #include <opencv2/core.hpp>
-#include <stdexcept>
 #include <vector>
 
 #include "tools/lumora/picture/planes.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
-
-/// What libjpeg says about a file that it cannot read.
-class JpegError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 struct JpegLayout {
   cv::Size size;
@@ -30,10 +23,6 @@ JpegLayout ReadJpegLayout(const Bytes& file);
 
 /// The planes of a file: Y, or Y, Cb and Cr. A file that ends early is an error.
 std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file);
-
-/// The pixels of a file of any kind that libjpeg knows, as 8-bit BGR, in the file's own
-/// orientation.
-cv::Mat ReadJpegBgr(const Bytes& file);
 
 /// A JPEG file of the planes with the quantisation, sampling and progression of `like`, without its
 /// metadata. With `transposed`, width and height of everything are exchanged.

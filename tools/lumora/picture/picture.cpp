@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <opencv2/imgcodecs.hpp>
 #include <optional>
 
 #include "tools/lumora/picture/colour_picture.h"
+#include "tools/lumora/picture/jpeg_codec.h"
 #include "tools/lumora/picture/jpeg_markers.h"
 #include "tools/lumora/picture/jpeg_picture.h"
+#include "tools/lumora/picture/jpeg_pixels.h"
 #include "tools/lumora/picture/jpeg_planes.h"
 #include "tools/lumora/picture/metadata.h"
 #include "tools/lumora/picture/png_chunks.h"
@@ -73,13 +74,8 @@ std::unique_ptr<Picture> DecodePng(const Bytes& file, const std::string& name, i
   }
 }
 
-Bytes EncodeWithOpenCv(const char* ending, const cv::Mat& picture,
-                       const std::vector<int>& options) {
-  Bytes file;
-  if (!cv::imencode(ending, picture, file, options)) {
-    throw Failure(ExitCode::Failed, std::string("cannot encode the result as ") + ending);
-  }
-  return file;
+Failure NotEncoded(const char* format, const std::string& reason) {
+  return {ExitCode::Failed, std::string("cannot encode the result as ") + format + ": " + reason};
 }
 
 }  // namespace
@@ -115,11 +111,19 @@ FileFormat FormatOfName(const std::string& path) {
 }
 
 Bytes EncodePng(const cv::Mat& picture) {
-  return EncodeWithOpenCv(".png", picture, {});
+  try {
+    return WritePngPixels(picture);
+  } catch (const PngError& error) {
+    throw NotEncoded("PNG", error.what());
+  }
 }
 
 Bytes EncodeJpeg(const cv::Mat& picture) {
-  return EncodeWithOpenCv(".jpg", picture, {cv::IMWRITE_JPEG_QUALITY, kNewJpegQuality});
+  try {
+    return WriteJpegPixels(picture, kNewJpegQuality);
+  } catch (const JpegError& error) {
+    throw NotEncoded("JPEG", error.what());
+  }
 }
 
 Bytes EncodeNew(const cv::Mat& picture, FileFormat format) {

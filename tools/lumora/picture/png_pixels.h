@@ -9,7 +9,7 @@
 
 namespace lumora::tools {
 
-/// What libpng says about a file that it cannot read.
+/// What libpng says about a file that it cannot read or write.
 class PngError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -22,6 +22,10 @@ struct PngPixels {
 
 /// Throws PngError, and std::bad_alloc where memory is short. Prints nothing.
 PngPixels ReadPngPixels(const Bytes& file);
+
+/// A file of 8-bit gray, BGR or BGRA. Throws PngError for sides that libpng does not write, and
+/// std::bad_alloc where memory is short.
+Bytes WritePngPixels(const cv::Mat& pixels);
 
 }  // namespace lumora::tools
 
