@@ -7,7 +7,7 @@
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
 #include "lumora/engine/lens_files.h"
-#include "lumora/engine/lens_polynomial.h"
+#include "lumora/geometry/lens.h"
 #include "lumora/platform/settings.h"
 
 namespace {

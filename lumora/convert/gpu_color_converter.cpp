@@ -4,11 +4,11 @@
 #include <new>
 
 #include "lumora/convert/sp2yuvxs.h"
+#include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
-#include "lumora/gl/row_sizes.h"
 #include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/display.h"
 #include "lumora/platform/gl_api.h"

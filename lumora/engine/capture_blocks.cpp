@@ -5,10 +5,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/pass.h"
 #include "lumora/engine/process_rectangle.h"
 #include "lumora/engine/whole_frame_store.h"
+#include "lumora/geometry/blocks.h"
+#include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/quad.h"
@@ -136,7 +137,8 @@ bool GPUBeautyFace::CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV,
   m_nResultIdx = m_bLargeCapture ? 2 : 1;
   LOGD("[CopyMemYUVfromSrcTextureLarge]process block");
 
-  const lumora::BlockRange range = lumora::ClipToFrame(face, m_nFullWidth, m_nFullHeight);
+  const lumora::BlockRange range =
+      lumora::ClipToFrame(lumora::RectangleOf(face), m_nFullWidth, m_nFullHeight);
   return lumora::ForEachBlock(range, m_nSrcWidth, m_nSrcHeight, [&](int x, int y) {
     const int rows = std::min(m_nFullHeight - y, m_nSrcHeight);
     const int columns = std::min(m_nFullWidth - x, m_nSrcWidth);

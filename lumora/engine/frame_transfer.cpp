@@ -5,10 +5,10 @@
 #include <cstring>
 
 #include "lumora/convert/sp2yuvxs.h"
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
-#include "lumora/engine/lens_polynomial.h"
 #include "lumora/engine/pass.h"
+#include "lumora/geometry/frame_sizes.h"
+#include "lumora/geometry/lens.h"
 #include "lumora/gl/cache_clean.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"

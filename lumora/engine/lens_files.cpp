@@ -6,7 +6,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "lumora/engine/lens_polynomial.h"
+#include "lumora/geometry/lens.h"
 #include "lumora/platform/settings.h"
 
 namespace lumora {

@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <initializer_list>
 
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"

@@ -2,8 +2,8 @@
 #ifndef LUMORA_ENGINE_PASS_H_
 #define LUMORA_ENGINE_PASS_H_
 
-#include "lumora/engine/changed_area.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/geometry/changed_area.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/quad.h"
 

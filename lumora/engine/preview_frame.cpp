@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/pass.h"
+#include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"

@@ -1,8 +1,8 @@
 // The engine's images and their framebuffers.
 #include <new>
 
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"

@@ -1,6 +1,6 @@
 // Face slimming of preview frames.
 #include "lumora/engine/pass.h"
-#include "lumora/engine/warp_parameters.h"
+#include "lumora/geometry/warp.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"

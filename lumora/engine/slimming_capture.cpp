@@ -1,11 +1,11 @@
 // Face slimming of captures, block by block.
 #include <algorithm>
-#include <cmath>
 
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/engine/pass.h"
 #include "lumora/engine/process_rectangle.h"
+#include "lumora/geometry/blocks.h"
+#include "lumora/geometry/rounding.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
@@ -15,25 +15,6 @@
 LUMORA_LOG_TAG("Lumora");
 
 namespace android {
-namespace {
-
-/// A whole number of blocks on each side of the face centre.
-FaceProcessRect BlocksAround(const FACE_INFO_t& face, int block_width, int block_height) {
-  const auto size = static_cast<float>(std::max(face.dist, face.chin_dist));
-  const auto to_int = [](double value) {
-    return static_cast<int>(std::clamp(value, -2147483648.0, 2147483647.0));
-  };
-  const auto reach = [size](int block) {
-    return static_cast<double>(std::ceil(size / static_cast<float>(block))) * block;
-  };
-  const double across = reach(block_width);
-  const double down = reach(block_height);
-  return {to_int(face.loc_x - across), to_int(face.loc_y - down), to_int(2 * across),
-          to_int(2 * down), 0};
-}
-
-}  // namespace
-
 int GPUBeautyFace::DrawFaceDistLarge() {
   auto* program = static_cast<GLProgWarp*>(m_pProgCheekSlimmer);
   const bool has_source = m_bColorCvtMode
@@ -70,21 +51,23 @@ int GPUBeautyFace::FaceProcessLarge(void* in, void* out, int width, int height, 
     auto& program = static_cast<GLProgWarp&>(*m_pProgCheekSlimmer);
     program.m_fAspectRatio = static_cast<float>(height) / static_cast<float>(width);
 
-    FaceProcessRect rect;
+    lumora::PixelRectangle rect;
     if (m_bColorCvtMode) {
-      rect = m_rcFaceProcess[i];
+      rect = lumora::RectangleOf(m_rcFaceProcess[i]);
       const unsigned twentieth = static_cast<unsigned>(m_nFullHeight) / 20;
-      if (static_cast<unsigned>(rect.Width) / twentieth == 0 ||
-          static_cast<unsigned>(rect.Height) / twentieth == 0) {
+      if (static_cast<unsigned>(rect.width) / twentieth == 0 ||
+          static_cast<unsigned>(rect.height) / twentieth == 0) {
         continue;
       }
       if (m_pWorkImage[1] != nullptr) m_pWorkImage[1]->Unlock();
       LOGD("[LumoraLarge CheekSlimmer HSI]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d",
-           rect.X, rect.Y, rect.Width, rect.Height);
+           rect.x, rect.y, rect.width, rect.height);
     } else {
-      rect = BlocksAround(faces[i], m_nSrcWidth, m_nSrcHeight);
+      rect = lumora::BlocksAroundFace(faces[i].loc_x, faces[i].loc_y,
+                                      std::max(faces[i].dist, faces[i].chin_dist), m_nSrcWidth,
+                                      m_nSrcHeight);
       LOGD("[LumoraLarge CheekSlimmer YUV]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d",
-           rect.X, rect.Y, rect.Width, rect.Height);
+           rect.x, rect.y, rect.width, rect.height);
     }
     LOGD("[LumoraLarge]process block");
     // Columns go on to the padded width, rows end with the frame.

@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/pass.h"
-#include "lumora/engine/process_rectangle.h"
-#include "lumora/engine/whitening_parameters.h"
+#include "lumora/geometry/blocks.h"
+#include "lumora/geometry/frame_sizes.h"
+#include "lumora/geometry/whitening.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"

@@ -4,12 +4,13 @@
 #include <cstdint>
 
 #include "lumora/convert/sp2yuvxs.h"
-#include "lumora/engine/frame_sizes.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/engine/pass.h"
 #include "lumora/engine/process_rectangle.h"
-#include "lumora/engine/whitening_parameters.h"
 #include "lumora/engine/whole_frame_store.h"
+#include "lumora/geometry/blocks.h"
+#include "lumora/geometry/frame_sizes.h"
+#include "lumora/geometry/whitening.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/offscreen_context.h"
@@ -27,29 +28,6 @@ using lumora::RoundUpTo32;
 bool MissingBlock() {
   LOGE("[%s] program or image is missing", "DoFaceWhiteningLarge");
   return false;
-}
-
-/// A start and length of whole blocks around a centre that hold half an extent on each side.
-struct BlockSpan {
-  int start;
-  int length;
-};
-BlockSpan SpanAround(int centre, int half, int block) {
-  const double blocks =
-      std::ceil(static_cast<double>(static_cast<float>(half) / static_cast<float>(block)) + 0.5);
-  const auto reach = static_cast<int64_t>(blocks) * block;
-  return {lumora::ClampToInt(centre - reach), lumora::ClampToInt(2 * reach)};
-}
-
-/// Whether a block corner lies strictly inside the rectangle in both directions. A block that
-/// merely holds the rectangle, or shares an edge with it, does not count.
-bool CornerInside(const FaceProcessRect& rect, int x, int y, int width, int height) {
-  const auto inside = [](int start, int length, int first, int extent) {
-    const int64_t end = int64_t{start} + length;
-    const int64_t last = int64_t{first} + extent;
-    return (start < first && first < end) || (start < last && last < end);
-  };
-  return inside(rect.X, rect.Width, x, width) && inside(rect.Y, rect.Height, y, height);
 }
 
 }  // namespace
@@ -85,10 +63,10 @@ int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSr
                                    pSrcY) == 0) {
       continue;
     }
-    const BlockSpan across = SpanAround(m_nFaceWhiteCenterX, m_nFaceWhiteHalfWidth, m_nSrcWidth);
-    const BlockSpan down = SpanAround(m_nFaceWhiteCenterY, m_nFaceWhiteHalfHeight, m_nSrcHeight);
     FaceProcessRect& rect = m_rcFaceProcess[i];
-    rect = {across.start, down.start, across.length, down.length, 0};
+    rect = lumora::ProcessRectangleOf(
+        lumora::BlocksAroundExtent(m_nFaceWhiteCenterX, m_nFaceWhiteCenterY, m_nFaceWhiteHalfWidth,
+                                   m_nFaceWhiteHalfHeight, m_nSrcWidth, m_nSrcHeight));
     const unsigned least_width = static_cast<unsigned>(m_nFullWidth) / 20;
     const unsigned least_height = static_cast<unsigned>(m_nFullHeight) / 20;
     if (static_cast<unsigned>(rect.Width) / least_width == 0 ||
@@ -98,7 +76,8 @@ int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSr
     LOGD("[LumoraLarge Face Whitening]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d", rect.X,
          rect.Y, rect.Width, rect.Height);
     LOGD("[LumoraLarge]process block");
-    const lumora::BlockRange range = lumora::ClipToFrame(rect, m_nFullWidth, m_nFullHeight);
+    const lumora::BlockRange range =
+        lumora::ClipToFrame(lumora::RectangleOf(rect), m_nFullWidth, m_nFullHeight);
     lumora::ForEachBlock(range, m_nSrcWidth, m_nSrcHeight,
                          [&](int x, int y) { return WhitenBlock(pSrcY, pSrcUV, i, x, y); });
   }
@@ -130,7 +109,8 @@ bool GPUBeautyFace::WhitenBlock(const unsigned char* pSrcY, const unsigned char*
 
   const bool overlaps =
       std::any_of(m_rcFaceProcess, m_rcFaceProcess + face, [&](const FaceProcessRect& earlier) {
-        return CornerInside(earlier, x, y, m_nSrcWidth, m_nSrcHeight);
+        return lumora::HoldsBlockCorner(lumora::RectangleOf(earlier),
+                                        {x, y, m_nSrcWidth, m_nSrcHeight});
       });
   if (overlaps && !LoadPreviousResult(x, y, height)) return MissingBlock();
 

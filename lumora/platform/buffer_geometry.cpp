@@ -4,24 +4,22 @@
 #include <cstring>
 #include <limits>
 
+#include "lumora/geometry/rounding.h"
+
 namespace lumora::platform {
 namespace {
 
 // The allocator's handle states sizes as int.
 constexpr uint64_t kLargest = std::numeric_limits<int>::max();
 
-constexpr uint64_t RoundUp(uint64_t value, uint64_t multiple) {
-  return (value + multiple - 1) / multiple * multiple;
-}
-
 }  // namespace
 
 BufferGeometry LayOut(uint32_t width, uint32_t height) {
   const uint64_t columns = std::max<uint32_t>(width, 1);
-  const uint64_t rows = RoundUp(std::max<uint32_t>(height, 1), 2) + 2;
-  const uint64_t row_bytes = RoundUp(columns, 128) * kPixelBytes;
+  const uint64_t rows = RoundUpTo<uint64_t>(std::max<uint32_t>(height, 1), 2) + 2;
+  const uint64_t row_bytes = RoundUpTo<uint64_t>(columns, 128) * kPixelBytes;
   const bool fits = row_bytes <= kLargest / rows;
-  return {width, height, static_cast<uint32_t>(fits ? RoundUp(columns, 32) : 0),
+  return {width, height, static_cast<uint32_t>(fits ? RoundUpTo<uint64_t>(columns, kRowStep) : 0),
           static_cast<size_t>(fits ? row_bytes * rows : 0)};
 }
 

@@ -73,11 +73,7 @@ struct GraphicBuffer::State final : CoherentMemory {
   // The part of a rectangle that lies in the image.
   PixelRectangle clip(int x, int y, int width, int height) const {
     const PixelRectangle whole = geometry.whole();
-    const int x0 = std::clamp(x, 0, whole.width);
-    const int y0 = std::clamp(y, 0, whole.height);
-    const auto x1 = std::clamp<int64_t>(int64_t{x} + width, x0, whole.width);
-    const auto y1 = std::clamp<int64_t>(int64_t{y} + height, y0, whole.height);
-    return {x0, y0, static_cast<int>(x1) - x0, static_cast<int>(y1) - y0};
+    return CutToImage({x, y, width, height}, whole.width, whole.height);
   }
 
   const BufferGeometry geometry;

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "lumora/export.h"
+#include "lumora/geometry/rectangle.h"
 #include "lumora/platform/ref_base.h"
 
 namespace lumora::platform {
@@ -21,14 +22,6 @@ constexpr int HAL_PIXEL_FORMAT_RGBA_8888 = 1;
 constexpr uint32_t GRALLOC_USAGE_SW_READ_OFTEN = 0x03;
 constexpr uint32_t GRALLOC_USAGE_SW_WRITE_OFTEN = 0x30;
 constexpr uint32_t GRALLOC_USAGE_HW_TEXTURE = 0x100;
-
-/// A part of an image, in pixels from its first pixel.
-struct PixelRectangle {
-  int x;
-  int y;
-  int width;
-  int height;
-};
 
 /// What the allocator tells about a buffer. `base` never changes while the buffer lives.
 struct PrivateHandle {

@@ -1,11 +1,11 @@
 // From a face record and the frame's colours to the whitening effect: plain arithmetic, no GL.
-#ifndef LUMORA_ENGINE_WHITENING_PARAMETERS_H_
-#define LUMORA_ENGINE_WHITENING_PARAMETERS_H_
+#ifndef LUMORA_GEOMETRY_WHITENING_H_
+#define LUMORA_GEOMETRY_WHITENING_H_
 
 #include <array>
 #include <cstdint>
 
-#include "lumora/engine/face_info.h"
+#include "lumora/geometry/face_record.h"
 
 namespace lumora {
 
@@ -82,4 +82,4 @@ std::array<EllipseAxes, 7> FaceEllipses(const FACE_INFO_t& face, const FaceGeome
 
 }  // namespace lumora
 
-#endif  // LUMORA_ENGINE_WHITENING_PARAMETERS_H_
+#endif  // LUMORA_GEOMETRY_WHITENING_H_

@@ -1,6 +1,6 @@
 // From face measures to the slimming warp: plain arithmetic, no GL.
-#ifndef LUMORA_ENGINE_WARP_PARAMETERS_H_
-#define LUMORA_ENGINE_WARP_PARAMETERS_H_
+#ifndef LUMORA_GEOMETRY_WARP_H_
+#define LUMORA_GEOMETRY_WARP_H_
 
 namespace lumora {
 
@@ -42,4 +42,4 @@ WarpParameters ComputeWarp(const FaceMeasures& face, const WarpRequest& request)
 
 }  // namespace lumora
 
-#endif  // LUMORA_ENGINE_WARP_PARAMETERS_H_
+#endif  // LUMORA_GEOMETRY_WARP_H_

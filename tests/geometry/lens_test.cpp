@@ -1,5 +1,5 @@
 // The lens polynomial that moves quad corners inward.
-#include "lumora/engine/lens_polynomial.h"
+#include "lumora/geometry/lens.h"
 
 #include <gtest/gtest.h>
 

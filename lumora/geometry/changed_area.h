@@ -1,16 +1,14 @@
 // Which pixels of an image a pass can change, from the uniforms that it draws with: plain geometry,
 // no GL. Elsewhere such a pass writes every pixel just as it reads it, so that it need not be drawn
 // there. Where that cannot be told for certain the answer is the whole image.
-#ifndef LUMORA_ENGINE_CHANGED_AREA_H_
-#define LUMORA_ENGINE_CHANGED_AREA_H_
+#ifndef LUMORA_GEOMETRY_CHANGED_AREA_H_
+#define LUMORA_GEOMETRY_CHANGED_AREA_H_
 
 #include <cstdint>
 
-#include "lumora/platform/graphic_buffer.h"
+#include "lumora/geometry/rectangle.h"
 
 namespace lumora {
-
-using platform::PixelRectangle;
 
 /// A part of an image: a few rectangles. Without pixels it is one empty rectangle, so that drawing
 /// it is still a draw.
@@ -52,16 +50,9 @@ ChangedArea WarpArea(const WarpUniforms& warp, int width, int height);
 /// that takes texture coordinates (u, v, 1) to its unit circle.
 PixelRectangle EllipseBox(const float matrix[9], int width, int height);
 
-/// The smallest rectangle that holds both; an empty one adds nothing.
-PixelRectangle Union(const PixelRectangle& a, const PixelRectangle& b);
-
-/// The rectangle with its sides moved outwards to multiples of `step_x` and `step_y`, then measured
-/// in them. An empty one stays empty.
-PixelRectangle InSteps(const PixelRectangle& box, int step_x, int step_y);
-
 /// Whether so little of a width x height image lies outside the area that it is not worth the care.
 bool CoversMost(const ChangedArea& area, int width, int height);
 
 }  // namespace lumora
 
-#endif  // LUMORA_ENGINE_CHANGED_AREA_H_
+#endif  // LUMORA_GEOMETRY_CHANGED_AREA_H_

@@ -1,5 +1,5 @@
 // From landmarks and colours to ellipses and shifts.
-#include "lumora/engine/whitening_parameters.h"
+#include "lumora/geometry/whitening.h"
 
 #include <gtest/gtest.h>
 

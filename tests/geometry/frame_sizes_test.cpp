@@ -1,25 +1,9 @@
 // Sizes that follow from a frame's size.
-#include "lumora/engine/frame_sizes.h"
+#include "lumora/geometry/frame_sizes.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-// The smallest multiple of `unit` that is not below `value`, by counting.
-int NextMultiple(int value, int unit) {
-  int multiple = 0;
-  while (multiple < value) multiple += unit;
-  return multiple;
-}
-
-TEST(FrameSizes, RowsAreWholeMultiplesOf32) {
-  for (int width = 0; width <= 300; ++width) {
-    EXPECT_EQ(NextMultiple(width, 32), lumora::RoundUpTo32(width)) << width;
-    EXPECT_EQ(NextMultiple(width, 2), lumora::RoundUpToEven(width)) << width;
-  }
-  EXPECT_EQ(5024, lumora::RoundUpTo32(5000));
-  EXPECT_EQ(1920, lumora::RoundUpTo32(1920));
-}
 
 TEST(FrameSizes, PackedTargetsHoldFourSamplesATexelInRowsOf32Texels) {
   const struct {

@@ -1,8 +1,9 @@
-#include "lumora/engine/whitening_parameters.h"
+#include "lumora/geometry/whitening.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+
+#include "lumora/geometry/rounding.h"
 
 namespace lumora {
 namespace {
@@ -25,14 +26,6 @@ constexpr int kMostIntensity = 209;
 constexpr int kLeastSaturation = 51;
 constexpr int kMostSaturation = 255;
 
-/// Truncates towards zero; numbers beyond int become its limits and no number becomes 0.
-int Truncate(double value) {
-  if (std::isnan(value)) return 0;
-  constexpr double kLowest = std::numeric_limits<int>::min();
-  constexpr double kHighest = std::numeric_limits<int>::max();
-  return static_cast<int>(std::clamp(value, kLowest, kHighest));
-}
-
 int64_t Difference(int32_t to, int32_t from) {
   return int64_t{to} - int64_t{from};
 }
@@ -45,7 +38,7 @@ int32_t Middle(int32_t a, int32_t b) {
 int Distance(const fpf_point& a, const fpf_point& b) {
   const auto dx = static_cast<double>(Difference(b.x, a.x));
   const auto dy = static_cast<double>(Difference(b.y, a.y));
-  return Truncate(std::sqrt(dx * dx + dy * dy));
+  return TruncateToInt(std::sqrt(dx * dx + dy * dy));
 }
 
 float DirectionOf(const fpf_point& from, const fpf_point& to) {
@@ -74,7 +67,7 @@ Crossing Cross(const fpf_point& p0, const fpf_point& p1, const fpf_point& p2, co
 }
 
 int ClampToByte(double value) {
-  return std::clamp(Truncate(value), 0, 255);
+  return std::clamp(TruncateToInt(value), 0, 255);
 }
 
 /// The hue of a colour whose channels are not all equal: a sixth of a turn a step, rounded.
@@ -156,7 +149,7 @@ FaceGeometry MeasureFace(const FACE_INFO_t& face) {
   const fpf_point& chin = face.landmark(65);
   const auto beyond = [](int32_t from, int32_t towards) {
     const float step = kForeheadShare * static_cast<float>(Difference(towards, from));
-    return Truncate(static_cast<double>(static_cast<float>(from) - step));
+    return TruncateToInt(static_cast<double>(static_cast<float>(from) - step));
   };
 
   FaceGeometry geometry{};
@@ -208,7 +201,8 @@ std::array<EllipseAxes, 7> FaceEllipses(const FACE_INFO_t& face, const FaceGeome
                                         float outer_scale) {
   const auto point = [&face](int i) { return face.landmark(i); };
   const auto between = [](int32_t a, int32_t b) {
-    return Truncate(static_cast<double>((static_cast<float>(a) + static_cast<float>(b)) * 0.5f));
+    return TruncateToInt(
+        static_cast<double>((static_cast<float>(a) + static_cast<float>(b)) * 0.5f));
   };
   const fpf_point between_eyes{between(point(57).x, point(61).x), between(point(57).y, point(61).y),
                                0};

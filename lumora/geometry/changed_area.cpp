@@ -1,4 +1,4 @@
-#include "lumora/engine/changed_area.h"
+#include "lumora/geometry/changed_area.h"
 
 #include <algorithm>
 #include <cmath>
@@ -63,7 +63,7 @@ PixelRectangle BoxAround(double x, double y, double reach_x, double reach_y, int
 }  // namespace
 
 void ChangedArea::Add(const PixelRectangle& part) {
-  if (part.width <= 0 || part.height <= 0) return;
+  if (IsEmpty(part)) return;
   if (count_ < kMostParts) {
     parts_[count_++] = part;
   } else {
@@ -139,23 +139,6 @@ PixelRectangle EllipseBox(const float matrix[9], int width, int height) {
   const double pixels = std::max(reach_x * width, reach_y * height);
   if (!(4 * largest * kFloatStep * pixels < kMargin / 2)) return whole;
   return BoxAround(x, y, reach_x, reach_y, width, height);
-}
-
-PixelRectangle Union(const PixelRectangle& a, const PixelRectangle& b) {
-  if (a.width <= 0 || a.height <= 0) return b;
-  if (b.width <= 0 || b.height <= 0) return a;
-  const int x = std::min(a.x, b.x);
-  const int y = std::min(a.y, b.y);
-  return {x, y, std::max(a.x + a.width, b.x + b.width) - x,
-          std::max(a.y + a.height, b.y + b.height) - y};
-}
-
-PixelRectangle InSteps(const PixelRectangle& box, int step_x, int step_y) {
-  if (box.width <= 0 || box.height <= 0) return {0, 0, 0, 0};
-  const auto up = [](int value, int step) { return (value + step - 1) / step; };
-  const int x = box.x / step_x;
-  const int y = box.y / step_y;
-  return {x, y, up(box.x + box.width, step_x) - x, up(box.y + box.height, step_y) - y};
 }
 
 bool CoversMost(const ChangedArea& area, int width, int height) {

@@ -1,6 +1,6 @@
 // The areas against every pixel of small images: none that a pass can change lies outside, and they
 // are not larger than they have to be.
-#include "lumora/engine/changed_area.h"
+#include "lumora/geometry/changed_area.h"
 
 #include <gtest/gtest.h>
 
@@ -10,17 +10,7 @@
 #include <limits>
 #include <random>
 
-namespace lumora::platform {
-
-static bool operator==(const PixelRectangle& a, const PixelRectangle& b) {
-  return a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height;
-}
-
-static void PrintTo(const PixelRectangle& r, std::ostream* out) {
-  *out << r.width << " x " << r.height << " at (" << r.x << ", " << r.y << ")";
-}
-
-}  // namespace lumora::platform
+#include "geometry/rectangles.h"
 
 namespace lumora {
 namespace {
@@ -199,18 +189,6 @@ TEST(EllipseBox, IsTheImageWhereThereIsNoEllipse) {
                                {1e-30f, 0, 0, 0, 1e-30f, 0, 0, 0, 1},
                                {4, 0, 0, 0, 4, 0, 1e9f, 0, 1}};
   for (const auto& matrix : matrices) EXPECT_EQ(whole, EllipseBox(matrix, 640, 480));
-}
-
-TEST(Boxes, JoinToTheSmallestThatHoldsBoth) {
-  EXPECT_EQ((PixelRectangle{2, 3, 10, 9}), Union({2, 5, 4, 7}, {10, 3, 2, 2}));
-  EXPECT_EQ((PixelRectangle{2, 5, 4, 7}), Union({2, 5, 4, 7}, {0, 0, 0, 9}));
-  EXPECT_EQ((PixelRectangle{2, 5, 4, 7}), Union({0, 0, 9, 0}, {2, 5, 4, 7}));
-}
-
-TEST(Boxes, AreMeasuredInStepsOutwards) {
-  EXPECT_EQ((PixelRectangle{1, 2, 2, 2}), InSteps({7, 5, 2, 3}, 4, 2));
-  EXPECT_EQ((PixelRectangle{1, 3, 1, 2}), InSteps({4, 6, 4, 4}, 4, 2));
-  EXPECT_EQ((PixelRectangle{}), InSteps({7, 5, 0, 3}, 4, 2));
 }
 
 TEST(Areas, AreTheirParts) {

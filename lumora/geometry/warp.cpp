@@ -1,4 +1,4 @@
-#include "lumora/engine/warp_parameters.h"
+#include "lumora/geometry/warp.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,16 @@
 // Sizes that follow from a frame's size.
-#ifndef LUMORA_ENGINE_FRAME_SIZES_H_
-#define LUMORA_ENGINE_FRAME_SIZES_H_
+#ifndef LUMORA_GEOMETRY_FRAME_SIZES_H_
+#define LUMORA_GEOMETRY_FRAME_SIZES_H_
 
-#include "lumora/gl/row_sizes.h"
+#include "lumora/geometry/rounding.h"
 
 namespace lumora {
+
+/// Captures wider than this many pixels go in blocks.
+constexpr int kWidestWholeFrame = 1280;
+
+/// Both sides of these blocks, in pixels.
+constexpr int kCaptureBlock = 384;
 
 /// The size that a capture is processed at.
 struct WorkingSize {
@@ -12,13 +18,11 @@ struct WorkingSize {
   int height;
 };
 
-/// Captures above 1280 pixels across go in square blocks, smaller ones at once as far as they fit.
+/// Wide captures go in square blocks, smaller ones at once as far as they fit.
 constexpr WorkingSize CaptureWorkingSize(int width, int height) {
-  constexpr int kWholeFrameLimit = 1280;
-  constexpr int kBlock = 384;
   constexpr int kMaxWidth = 2048;
   constexpr int kMaxHeight = 1536;
-  if (width > kWholeFrameLimit) return {kBlock, kBlock};
+  if (width > kWidestWholeFrame) return {kCaptureBlock, kCaptureBlock};
   return {width < kMaxWidth ? width : kMaxWidth, height < kMaxHeight ? height : kMaxHeight};
 }
 
@@ -26,6 +30,11 @@ constexpr WorkingSize CaptureWorkingSize(int width, int height) {
 constexpr bool IsLargeCapture(int width, int height) {
   constexpr unsigned kMaxTexture = 4096;
   return static_cast<unsigned>(width) > kMaxTexture || static_cast<unsigned>(height) > kMaxTexture;
+}
+
+/// Width of the packed targets in samples: four samples a texel, rows of whole 32 texels.
+constexpr int PackedWidth(int frame_width) {
+  return RoundUpTo32(frame_width >> 2) * 4;
 }
 
 /// Whether the expansion of a frame puts every pixel to its place: only then are the packed texels
@@ -43,4 +52,4 @@ inline bool LiesAcross(int src_width, int src_height, int proc_width, int proc_h
 
 }  // namespace lumora
 
-#endif  // LUMORA_ENGINE_FRAME_SIZES_H_
+#endif  // LUMORA_GEOMETRY_FRAME_SIZES_H_

@@ -1,7 +1,7 @@
 // The radial lens polynomial k0 + k1 s + k2 s^2 + k3 s^3, s the squared distance from the centre of
 // a unit square whose corners lie at distance 1.
-#ifndef LUMORA_ENGINE_LENS_POLYNOMIAL_H_
-#define LUMORA_ENGINE_LENS_POLYNOMIAL_H_
+#ifndef LUMORA_GEOMETRY_LENS_H_
+#define LUMORA_GEOMETRY_LENS_H_
 
 namespace lumora {
 
@@ -32,4 +32,4 @@ inline void CropCorner(float u, float v, float out[2]) {
 
 }  // namespace lumora
 
-#endif  // LUMORA_ENGINE_LENS_POLYNOMIAL_H_
+#endif  // LUMORA_GEOMETRY_LENS_H_

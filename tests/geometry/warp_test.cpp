@@ -1,5 +1,5 @@
 // From face measures to the slimming warp.
-#include "lumora/engine/warp_parameters.h"
+#include "lumora/geometry/warp.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The face record: what lies at which byte.
-#include "lumora/engine/face_info.h"
+#include "lumora/geometry/face_record.h"
 
 #include <gtest/gtest.h>
 
