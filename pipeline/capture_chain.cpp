@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "pipeline/engine_limits.h"
+#include "lumora/geometry/blocks.h"
+#include "pipeline/face_record.h"
 #include "pipeline/failure.h"
 #include "pipeline/merge.h"
 #include "pipeline/warp_geometry.h"
@@ -12,24 +13,13 @@ namespace {
 
 /// Adds the blocks that the engine walks in a rectangle of a frame.
 void ReportBlocks(const android::GPUBeautyFace& engine, const PixelRect& area, Report* report) {
-  const int right = std::min(area.x + area.width, engine.m_nFullWidth);
-  const int bottom = std::min(area.y + area.height, engine.m_nFullHeight);
-  const auto first = [](int start) { return (std::max(start, 0) + 1) / 2 * 2; };
-  for (int y = first(area.y); y < bottom; y += engine.m_nSrcHeight) {
-    for (int x = first(area.x); x < right; x += engine.m_nSrcWidth) {
-      report->blocks.push_back({x, y, std::min(engine.m_nSrcWidth, engine.m_nFullWidth - x),
-                                std::min(engine.m_nSrcHeight, engine.m_nFullHeight - y)});
-    }
-  }
-}
-
-/// The whole blocks on each side of a face that the engine slims.
-PixelRect SlimmingArea(const android::GPUBeautyFace& engine, const FACE_INFO_t& record) {
-  const int measure = std::max(record.dist, record.chin_dist);
-  const auto reach = [measure](int block) { return (measure + block - 1) / block * block; };
-  const int across = reach(engine.m_nSrcWidth);
-  const int down = reach(engine.m_nSrcHeight);
-  return {record.loc_x - across, record.loc_y - down, 2 * across, 2 * down};
+  ForEachBlock(
+      ClipToFrame(area, engine.m_nFullWidth, engine.m_nFullHeight), engine.m_nSrcWidth,
+      engine.m_nSrcHeight, [&](int x, int y) {
+        report->blocks.push_back({x, y, std::min(engine.m_nSrcWidth, engine.m_nFullWidth - x),
+                                  std::min(engine.m_nSrcHeight, engine.m_nFullHeight - y)});
+        return true;
+      });
 }
 
 }  // namespace
@@ -37,7 +27,7 @@ PixelRect SlimmingArea(const android::GPUBeautyFace& engine, const FACE_INFO_t& 
 Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look) {
   android::GPUBeautyFace& engine = chain.setup.engine();
   std::vector<WhiteningJob>& jobs = chain.memory.whitening;
-  PlanWhitening(engine, chain.frame, faces, look, &jobs, &chain.report.tones);
+  PlanWhitening(chain.frame, faces, look, &jobs, &chain.report.tones);
   if (jobs.empty()) return {};
   PaddedFrame& frame = chain.frame;
   PaddedFrame& work = chain.memory.work;
@@ -70,7 +60,11 @@ Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
     FACE_INFO_t record = face.record;
     engine.FaceProcessLarge(work.luma(), work.chroma(), frame.width(), frame.height(), 0, &record,
                             1, kBeautyLevel);
-    ReportBlocks(engine, SlimmingArea(engine, record), &chain.report);
+    ReportBlocks(
+        engine,
+        BlocksAroundFace(record.loc_x, record.loc_y, std::max(record.dist, record.chin_dist),
+                         engine.m_nSrcWidth, engine.m_nSrcHeight),
+        &chain.report);
     const PointF centre = WarpCentre(record);
     const double radius = CaptureRadius(record, frame.width());
     CopyCircle(work, centre, radius, &frame);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "lumora/geometry/rounding.h"
 #include "lumora/platform/display.h"
 #include "lumora/platform/settings.h"
-#include "pipeline/engine_limits.h"
 #include "pipeline/face_record.h"
 #include "pipeline/failure.h"
 #include "pipeline/gl_state.h"
@@ -29,7 +29,7 @@ void ClipBlocks(int width, int height, std::vector<PixelRect>* blocks) {
 
 /// Where a frame has its middle in the middle of what the engine gets.
 FramePlace MiddlePlace(int width, int height) {
-  const auto offset = [](int size) { return (AlignedSize(size) - size) / 4 * 2; };
+  const auto offset = [](int size) { return (RoundUpTo32(size) - size) / 4 * 2; };
   return {offset(width), offset(height)};
 }
 

@@ -4,12 +4,14 @@
 
 #include <optional>
 
-#include "lumora/engine/face_info.h"
-#include "pipeline/engine_limits.h"
+#include "lumora/geometry/face_record.h"
 #include "pipeline/face.h"
 #include "pipeline/pipeline.h"
 
 namespace lumora {
+
+/// The beauty level that every record is made for; the strength is set by the record alone.
+constexpr int kBeautyLevel = 0;
 
 /// The record of `face` in a frame of width x height pixels, for slimming by `slim` (0..100).
 /// Nothing for a face that cannot be slimmed: one without size, with numbers out of bounds, or with

@@ -149,7 +149,7 @@ void CopyFrame(const ConstFrameView& in, const FrameView& out) {
 }
 
 void PaddedFrame::Load(const ConstFrameView& in, FramePlace place) {
-  SetSize(AlignedSize(in.width, column_alignment_), AlignedSize(in.height));
+  SetSize(RoundUpTo(in.width, column_alignment_), RoundUpTo32(in.height));
   place_ = place;
   frame_width_ = in.width;
   frame_height_ = in.height;

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "pipeline/engine_limits.h"
+#include "lumora/geometry/rounding.h"
 #include "pipeline/frame.h"
 
 namespace lumora {
@@ -26,8 +26,7 @@ struct FramePlace {
 class PaddedFrame {
  public:
   /// `column_alignment` replaces the 32 pixels for widths.
-  explicit PaddedFrame(int column_alignment = kFrameAlignment)
-      : column_alignment_(column_alignment) {}
+  explicit PaddedFrame(int column_alignment = kRowStep) : column_alignment_(column_alignment) {}
 
   /// Takes in a caller's frame. Memory is kept from frame to frame and grows as needed.
   void Load(const ConstFrameView& in, FramePlace place = {});

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "lumora/geometry/frame_sizes.h"
 #include "pipeline/engine_faults.h"
 #include "pipeline/engine_host.h"
-#include "pipeline/engine_limits.h"
 #include "pipeline/failure.h"
 #include "pipeline/frame_check.h"
 #include "pipeline/frame_copy.h"
@@ -20,15 +20,14 @@ namespace {
 
 Chain ChainFor(int width, Chain wanted) {
   if (wanted != Chain::Auto) return wanted;
-  return AlignedSize(width) > kWidestPreview ? Chain::Capture : Chain::Preview;
+  return RoundUpTo32(width) > kWidestWholeFrame ? Chain::Capture : Chain::Preview;
 }
 
 /// Whether there is a face that can be processed, and a reason to.
-bool HasWork(const std::vector<Face>& faces, int width, int height, const Look& look, Chain chain) {
+bool HasWork(const std::vector<Face>& faces, int width, int height, const Look& look) {
   if (look.slim == 0 && !Whitens(look)) return false;
-  return std::any_of(faces.begin(), faces.end(), [&](const Face& face) {
-    return MeasureWarp(face, width, height, look.slim, chain).has_value();
-  });
+  return std::any_of(faces.begin(), faces.end(),
+                     [&](const Face& face) { return IsSlimmable(face, width, height); });
 }
 
 void CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* report) {
@@ -85,11 +84,11 @@ Status Pipeline::Process(const ConstFrameView& in, const FrameView& out,
                          const ProcessOptions& options) {
   return Reported(report, [&]() -> Status {
     if (Status checked = CheckArguments(in, out, faces, look); !checked.ok()) return checked;
-    const Chain chain = ChainFor(in.width, options.chain);
-    if (!HasWork(faces, in.width, in.height, look, chain)) {
+    if (!HasWork(faces, in.width, in.height, look)) {
       CopyUnchanged(in, out, report);
       return {};
     }
+    const Chain chain = ChainFor(in.width, options.chain);
     return worker_->Run(
         [&](EngineHost& host) { return host.Beautify(in, out, faces, look, chain, report); });
   });

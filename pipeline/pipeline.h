@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "lumora/geometry/lens.h"
 #include "pipeline/export.h"
 #include "pipeline/face.h"
 #include "pipeline/frame.h"
@@ -41,10 +42,10 @@ constexpr float kLargestCoefficient = 1000;
 /// centre, 1 in the corners; the defaults are those of lenses without a parameter file. Every one
 /// lies within kLargestCoefficient, to both sides of 0.
 struct LensCoefficients {
-  float k0 = 1.00453f;
-  float k1 = -0.0214308f;
-  float k2 = 0.00571108f;
-  float k3 = 0.032517f;
+  float k0 = kDefaultLensCoefficients[0];
+  float k1 = kDefaultLensCoefficients[1];
+  float k2 = kDefaultLensCoefficients[2];
+  float k3 = kDefaultLensCoefficients[3];
 };
 
 /// A camera of the device.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "pipeline/engine_limits.h"
+#include "pipeline/face_record.h"
 #include "pipeline/failure.h"
 #include "pipeline/gl_state.h"
 #include "pipeline/merge.h"
@@ -47,9 +47,8 @@ Status WhitenGroup(const ChainFrame& chain, Jobs::const_iterator begin, Jobs::co
 }  // namespace
 
 Status WhitenPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look) {
-  android::GPUBeautyFace& engine = chain.setup.engine();
   Jobs& jobs = chain.memory.whitening;
-  PlanWhitening(engine, chain.frame, faces, look, &jobs, &chain.report.tones);
+  PlanWhitening(chain.frame, faces, look, &jobs, &chain.report.tones);
   if (jobs.empty()) return {};
   if (Status status = chain.setup.Preview(chain.frame.width(), chain.frame.height(), true);
       !status.ok()) {

@@ -5,15 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "lumora/geometry/rectangle.h"
+
 namespace lumora {
 
-/// A rectangle of whole pixels.
-struct PixelRect {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-};
+using PixelRect = PixelRectangle;
 
 /// What whitening measured of one face, and whether it could do what it was asked for. Faces that
 /// are very dark, very bright or almost without colour are left alone in that respect.

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "pipeline/engine_limits.h"
+#include "lumora/geometry/frame_sizes.h"
+#include "lumora/geometry/warp.h"
+#include "pipeline/face_record.h"
 #include "pipeline/landmarks.h"
 #include "pipeline/number_bounds.h"
 
@@ -12,22 +14,14 @@ namespace {
 
 constexpr double kRadiansPerDegree = 0.0174532925199432958;
 
-// The engine's own constants, which the measures have to meet.
-constexpr double kLargestRadius = 0.4;  // of the frame's width
-constexpr double kStrengthAtLevel0 = 1.1;
-constexpr double kStrengthExponent = 0.3;  // of the radius
-constexpr double kLimiterReach = 0.55;     // distance of the limiter's centre, in radii
-constexpr double kBorderExponent = 0.2;    // of the distance to the border, preview only
 struct ChainConstants {
-  double radius_per_measure;  // radius in pixels / the larger distance
-  double limiter_scale;       // of the limiter where both distances are equal
-  // Ours: how far the limiter holds back the warp at the eyes. 0.5 leaves them in their places;
+  WarpScales scales;
+  // How far the limiter holds back the warp at the eyes. 0.5 leaves them in their places;
   // captures, whose circle is smaller, come closest to previews with slightly less.
   double eye_weight;
 };
-constexpr ChainConstants kPreview = {1.15, 1.1, 0.5};
-constexpr ChainConstants kCapture = {1.05, 1.3, 0.455};
-constexpr int kCaptureBlock = 384;  // pixels, of captures wider than kWidestPreview
+constexpr ChainConstants kPreview = {kPreviewWarp, 0.5};
+constexpr ChainConstants kCapture = {kCaptureWarp, 0.455};
 
 // Where the face lies in the circle: its cheeks and chin in the zone that is moved most.
 constexpr float kCheekPosition = 0.60f;  // distance of the cheeks from the centre, in radii
@@ -55,7 +49,7 @@ struct Circle {
 /// The frame as the engine gets it.
 struct EngineFrame {
   EngineFrame(int frame_width, int frame_height)
-      : width(AlignedSize(frame_width)), height(AlignedSize(frame_height)) {}
+      : width(RoundUpTo32(frame_width)), height(RoundUpTo32(frame_height)) {}
   double width;
   double height;
 };
@@ -65,15 +59,11 @@ int RollOf(const Face& face) {
   return static_cast<int>(std::lround(std::remainder(static_cast<double>(face.roll_degrees), 360)));
 }
 
-/// The radius of a warp in a frame of that width, as the engine gets it.
-double RadiusOf(int measure, const ChainConstants& chain, double frame_width) {
-  return std::min(measure * chain.radius_per_measure, kLargestRadius * frame_width);
-}
-
 /// The radius of a record's warp, as the number that SlimmingCircle tells.
-double ToldRadiusOf(const FACE_INFO_t& record, const ChainConstants& chain, int width) {
+double ToldRadiusOf(const FACE_INFO_t& record, const WarpScales& scales, int width) {
   const int measure = std::max(record.dist, record.chin_dist);
-  return static_cast<double>(static_cast<float>(RadiusOf(measure, chain, AlignedSize(width))));
+  return static_cast<double>(
+      static_cast<float>(WarpRadiusInPixels(measure, scales, RoundUpTo32(width))));
 }
 
 /// The circle of the preview chain, which the capture chain never leaves.
@@ -94,11 +84,12 @@ std::optional<Circle> CircleOf(const Face& face, int width, int height) {
 
   const double wanted = std::max(cheeks / kCheekPosition, chin / kChinPosition);
   // Whatever is larger than the frame ends at the engine's own limit.
-  const double measure = std::min(wanted / kPreview.radius_per_measure, static_cast<double>(width));
+  const double measure = std::min(wanted / kPreviewWarp.radius, static_cast<double>(width));
   Circle circle;
   circle.centre = {std::max(1.f, std::round(centre.x)), std::max(1.f, std::round(centre.y))};
   circle.measure = std::max(1, static_cast<int>(std::lround(measure)));
-  circle.radius = RadiusOf(circle.measure, kPreview, EngineFrame(width, height).width);
+  circle.radius =
+      WarpRadiusInPixels(circle.measure, kPreviewWarp, EngineFrame(width, height).width);
   return circle;
 }
 
@@ -115,22 +106,22 @@ double FadeShrink(const Circle& circle, const EngineFrame& frame) {
   const auto u = static_cast<double>(circle.centre.x) / frame.width;
   const auto v = static_cast<double>(circle.centre.y) / frame.height;
   const double border = std::max(0.0, std::min(std::min(u, 1 - u), std::min(v, 1 - v)));
-  return 2 - std::pow(border, kBorderExponent);
+  return EdgeFadeDivisor(border, kEdgeFade);
 }
 
 /// The circle as a capture has to draw it.
 Circle CaptureCircle(const Circle& preview, const EngineFrame& frame) {
   Circle circle = preview;
   const double radius = preview.radius / FadeShrink(preview, frame);
-  circle.measure = std::max(1, static_cast<int>(radius / kCapture.radius_per_measure));
-  if (frame.width > kWidestPreview) {
+  circle.measure = std::max(1, static_cast<int>(radius / kCaptureWarp.radius));
+  if (frame.width > kWidestWholeFrame) {
     // Captures process whole blocks on each side of the centre, enough for the measure but not for
     // the slightly larger radius: the circle must end before the blocks do.
     const int blocks = (circle.measure + kCaptureBlock - 1) / kCaptureBlock;
-    const auto fitting = static_cast<int>(blocks * kCaptureBlock / kCapture.radius_per_measure) - 1;
+    const auto fitting = static_cast<int>(blocks * kCaptureBlock / kCaptureWarp.radius) - 1;
     circle.measure = std::min(circle.measure, fitting);
   }
-  circle.radius = RadiusOf(circle.measure, kCapture, frame.width);
+  circle.radius = WarpRadiusInPixels(circle.measure, kCaptureWarp, frame.width);
   return circle;
 }
 
@@ -138,7 +129,7 @@ Circle CaptureCircle(const Circle& preview, const EngineFrame& frame) {
 /// the frame's sides, which stretches it where the frame is not square.
 PointF Limiter(const Face& face, const Circle& circle, const EngineFrame& frame) {
   const double direction = (RollOf(face) - 90) * kRadiansPerDegree;
-  const double reach = kLimiterReach * circle.radius;
+  const double reach = kLimiterDistance * circle.radius;
   return {static_cast<float>(static_cast<double>(circle.centre.x) + reach * std::cos(direction)),
           static_cast<float>(static_cast<double>(circle.centre.y) +
                              reach * std::sin(direction) * frame.height / frame.width)};
@@ -152,7 +143,7 @@ double LimiterScale(const Face& face, const Circle& circle, const EngineFrame& f
   const auto eyes = static_cast<double>(Length(Centre(face.landmarks.left_eye) - limiter) +
                                         Length(Centre(face.landmarks.right_eye) - limiter)) /
                     2;
-  return std::clamp(eyes / (eye_weight * kLimiterReach * circle.radius), kSmallestLimiter,
+  return std::clamp(eyes / (eye_weight * kLimiterDistance * circle.radius), kSmallestLimiter,
                     kLargestLimiter);
 }
 
@@ -165,6 +156,10 @@ double BorderFade(const Circle& circle, const EngineFrame& frame) {
 }
 
 }  // namespace
+
+bool IsSlimmable(const Face& face, int width, int height) {
+  return CircleOf(face, width, height).has_value();
+}
 
 std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height, int slim,
                                         Chain chain) {
@@ -182,7 +177,7 @@ std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height,
   // The larger distance sets the radius, the quotient of both the scale of the limiter.
   const ChainConstants& constants = capture ? kCapture : kPreview;
   const double limiter =
-      LimiterScale(face, circle, frame, constants.eye_weight) / constants.limiter_scale;
+      LimiterScale(face, circle, frame, constants.eye_weight) / constants.scales.limiter;
   const auto scaled = [&](double factor) {
     return std::max(1, static_cast<int>(std::lround(circle.measure * factor)));
   };
@@ -193,8 +188,8 @@ std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height,
   // inverse. Both chains pull the face's middle equally.
   const double strength = slim / 100.0 * kFullStrength * BorderFade(*preview, frame);
   const double pull = strength / (preview->radius / frame.width);
-  measures.dist_level_ratio = static_cast<float>(
-      pull / (kStrengthAtLevel0 * std::pow(circle.radius / frame.width, kStrengthExponent)));
+  measures.dist_level_ratio =
+      static_cast<float>(pull / WarpStrength(circle.radius / frame.width, kBeautyLevel, 1));
   return measures;
 }
 
@@ -203,11 +198,11 @@ PointF WarpCentre(const FACE_INFO_t& record) {
 }
 
 double PreviewRadius(const FACE_INFO_t& record, int width) {
-  return ToldRadiusOf(record, kPreview, width);
+  return ToldRadiusOf(record, kPreviewWarp, width);
 }
 
 double CaptureRadius(const FACE_INFO_t& record, int width) {
-  return ToldRadiusOf(record, kCapture, width);
+  return ToldRadiusOf(record, kCaptureWarp, width);
 }
 
 WarpCircle SlimmingCircle(const Face& face, int frame_width, int frame_height) {
@@ -221,9 +216,9 @@ WarpCircle SlimmingCircle(const Face& face, int frame_width, int frame_height) {
 
 FaceWarp SlimmingWarp(const Face& face, int slim, int frame_width, int frame_height) {
   FaceWarp warp;
-  warp.frame_width = AlignedSize(frame_width);
-  warp.frame_height = AlignedSize(frame_height);
-  warp.border_exponent = static_cast<float>(kBorderExponent);
+  warp.frame_width = RoundUpTo32(frame_width);
+  warp.frame_height = RoundUpTo32(frame_height);
+  warp.border_exponent = static_cast<float>(kEdgeFade);
   const std::optional<Circle> circle = CircleOf(face, frame_width, frame_height);
   const std::optional<WarpMeasures> measures =
       MeasureWarp(face, frame_width, frame_height, slim, Chain::Preview);
@@ -231,13 +226,13 @@ FaceWarp SlimmingWarp(const Face& face, int slim, int frame_width, int frame_hei
   const EngineFrame frame(frame_width, frame_height);
   warp.centre = circle->centre;
   warp.radius = static_cast<float>(circle->radius);
-  warp.strength = static_cast<float>(kStrengthAtLevel0 *
-                                     std::pow(circle->radius / frame.width, kStrengthExponent) *
-                                     static_cast<double>(measures->dist_level_ratio) / frame.width);
+  warp.strength = static_cast<float>(WarpStrength(circle->radius / frame.width, kBeautyLevel,
+                                                  static_cast<double>(measures->dist_level_ratio)) /
+                                     frame.width);
   warp.limiter = Limiter(face, *circle, frame);
-  warp.reach = static_cast<float>(kLimiterReach * circle->radius);
+  warp.reach = static_cast<float>(kLimiterDistance * circle->radius);
   warp.limiter_scale =
-      static_cast<float>(kPreview.limiter_scale * measures->dist / measures->chin_dist);
+      static_cast<float>(kPreviewWarp.limiter * measures->dist / measures->chin_dist);
   return warp;
 }
 

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "lumora/engine/face_info.h"
+#include "lumora/geometry/face_record.h"
 #include "pipeline/face.h"
 #include "pipeline/pipeline.h"
 
@@ -19,6 +19,9 @@ struct WarpMeasures {
   int chin_dist = 0;  // pixels; the quotient of both sets the scale of the limiter
   float dist_level_ratio = 0;
 };
+
+/// Whether a face in a frame of width x height pixels can be slimmed.
+bool IsSlimmable(const Face& face, int width, int height);
 
 /// The measures of `face` for slimming by `slim` (0..100) in a frame of width x height pixels.
 /// Nothing for a face that cannot be slimmed. `chain` is Preview or Capture.

@@ -5,7 +5,7 @@
 #include <array>
 #include <cmath>
 
-#include "lumora/engine/face_info.h"
+#include "lumora/geometry/face_record.h"
 #include "pipeline/face.h"
 #include "pipeline/row_span.h"
 
@@ -13,15 +13,6 @@ namespace lumora {
 
 /// The engine's seven ellipses for a record, in the order of WhiteningEllipse.
 std::array<Ellipse, 7> EllipsesOf(const FACE_INFO_t& record);
-
-/// The grid of pixels in which the engine measures a face.
-struct SampleSquare {
-  int centre_x = 0;
-  int centre_y = 0;
-  int radius = 0;  ///< half side, pixels
-  int step = 1;    ///< pixels from sample to sample
-};
-SampleSquare SampleSquareOf(const FACE_INFO_t& record);
 
 /// The position of a point in an ellipse: below 1 inside, 1 on its line.
 inline float PositionIn(const Ellipse& ellipse, float cos_angle, float sin_angle, PointF at) {

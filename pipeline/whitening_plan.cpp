@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 
+#include "lumora/geometry/whitening.h"
 #include "pipeline/whitening_geometry.h"
 
 namespace lumora {
@@ -13,11 +13,9 @@ namespace {
 // The engine shifts intensity and saturation of faces within these means only. Close to the limits
 // the shift is taken back, so that a face of a video does not flicker on them. Previews are
 // measured by the engine in texels that were rounded once more, which may be a step brighter than
-// the frame: the upper limit stays a step below the engine's 209, so that what is told to be
+// the frame: the upper limit stays a step below the engine's, so that what is told to be
 // shifted is.
-constexpr int kLeastIntensity = 51;
-constexpr int kMostIntensity = 208;
-constexpr int kLeastSaturation = 51;
+constexpr int kMostLifted = kMostIntensity - 1;
 constexpr double kTaper = 20;
 
 // The shifts at full strength: of intensity in natural logits, of saturation in steps of 1/255.
@@ -31,29 +29,18 @@ struct Means {
   int luma = 0;
 };
 
-Means Measure(android::GPUBeautyFace& engine, PaddedFrame& frame, const SampleSquare& square) {
-  int64_t intensity = 0, saturation = 0, luma = 0, count = 0;
-  const auto visit_column = [&](int x, int y) {
-    if (x < 0 || x >= frame.width()) return;
-    int h = 0, s = 0, i = 0;
-    engine.GetGPU_HSI(frame.luma(), x, y, frame.width(), frame.height(), h, s, i, 0);
-    intensity += i;
-    saturation += s;
+Means Measure(const PaddedFrame& frame, const FaceGeometry& face) {
+  ColourSums sums;
+  int luma = 0;
+  ForEachSample(face, frame.width(), frame.height(), [&](int x, int y) {
+    const HsiSample sample = SampleYuv(frame.luma(), x, y, frame.width(), frame.height());
+    sums.intensity += sample.intensity;
+    sums.saturation += sample.saturation;
     luma += frame.luma()[static_cast<size_t>(y) * static_cast<size_t>(frame.width()) +
                          static_cast<size_t>(x)];
-    ++count;
-  };
-  for (int y = square.centre_y - square.radius; y < square.centre_y + square.radius;
-       y += square.step) {
-    if (y < 0 || y >= frame.height()) continue;
-    for (int x = square.centre_x - square.radius; x < square.centre_x + square.radius;
-         x += square.step) {
-      visit_column(x, y);
-    }
-  }
-  if (count == 0) return {};
-  const auto mean = [count](int64_t sum) { return static_cast<int>(sum / count); };
-  return {mean(intensity), mean(saturation), mean(luma)};
+    ++sums.count;
+  });
+  return {sums.mean(sums.intensity), sums.mean(sums.saturation), sums.mean(luma)};
 }
 
 /// 1 well inside the means that the engine accepts, falling to 0 at their limits.
@@ -67,9 +54,9 @@ bool InRange(int value, int least, int most) {
 
 /// The level that lifts a face of that mean by the wanted share.
 int IntensityLevel(int mean, int whiten) {
-  if (!InRange(mean, kLeastIntensity, kMostIntensity)) return 0;
+  if (!InRange(mean, kLeastIntensity, kMostLifted)) return 0;
   const double taper =
-      std::min(TaperFrom(kLeastIntensity - 1, mean), TaperFrom(kMostIntensity + 1, mean));
+      std::min(TaperFrom(kLeastIntensity - 1, mean), TaperFrom(kMostLifted + 1, mean));
   const double lift = whiten / 100.0 * kFullLift * taper;
   const double logit = std::log(mean / (255.0 - mean));
   const double target = 255 / (1 + std::exp(-(logit + lift)));
@@ -101,8 +88,7 @@ BEAUTYSHOT_EFFECT_t EngineEffect(const Look& look) {
   return look.whiten == 0 ? BEAUTYSHOT_EFFECT_SATURATION : BEAUTYSHOT_EFFECT_BOTH;
 }
 
-void PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
-                   const std::vector<FaceJob>& faces, const Look& look,
+void PlanWhitening(const PaddedFrame& frame, const std::vector<FaceJob>& faces, const Look& look,
                    std::vector<WhiteningJob>* jobs, std::vector<FaceTone>* tones) {
   const BEAUTYSHOT_EFFECT_t effect = EngineEffect(look);
   const bool both = effect == BEAUTYSHOT_EFFECT_BOTH;
@@ -112,7 +98,7 @@ void PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
   for (const FaceJob& face : faces) {
     const Ellipse outer = EllipsesOf(face.record)[kFaceEllipse];
     if (outer.half_along == 0) continue;  // the engine would whiten a corner of the frame instead
-    const Means means = Measure(engine, frame, SampleSquareOf(face.record));
+    const Means means = Measure(frame, MeasureFace(face.record));
     const int intensity = lifts ? IntensityLevel(means.intensity, look.whiten) : 0;
     const int saturation = colours ? SaturationLevel(means.saturation, look.saturate) : 0;
     tones->push_back(

@@ -35,8 +35,7 @@ BEAUTYSHOT_EFFECT_t EngineEffect(const Look& look);
 /// of every skin tone: the engine's own levels lift bright skin to white. Faces for which nothing
 /// would be shifted have no job. `jobs` receives the jobs in place of what it holds, whose memory
 /// is used again; `tones` receives what was measured, behind what it holds.
-void PlanWhitening(android::GPUBeautyFace& engine, PaddedFrame& frame,
-                   const std::vector<FaceJob>& faces, const Look& look,
+void PlanWhitening(const PaddedFrame& frame, const std::vector<FaceJob>& faces, const Look& look,
                    std::vector<WhiteningJob>* jobs, std::vector<FaceTone>* tones);
 
 }  // namespace lumora

@@ -9,6 +9,35 @@
 LUMORA_LOG_TAG("Lumora");
 
 namespace android {
+namespace {
+
+/// Gives the program a face's warp. The shape of the frame is told apart from it.
+void SetWarp(const lumora::Warp& warp, GLProgWarp& program) {
+  program.m_fvController[0] = warp.centre_x;
+  program.m_fvController[1] = warp.centre_y;
+  program.m_fvController[2] = warp.strength;
+  program.m_fvController[3] = warp.radius;
+  program.m_fvAngleLimiter[0] = warp.limiter_direction;
+  program.m_fvAngleLimiter[1] = warp.limiter_distance;
+  program.m_fvAngleLimiter[2] = warp.limiter_scale;
+}
+
+/// What the preview's program is going to draw.
+lumora::Warp PreviewWarpOf(const GLProgWarp& program) {
+  const float* controller = program.m_fvController;
+  const float* limiter = program.m_fvAngleLimiter;
+  return {controller[0],
+          controller[1],
+          controller[2],
+          controller[3],
+          limiter[0],
+          limiter[1],
+          limiter[2],
+          program.m_fAspectRatio,
+          GLProgCheekSlimmer::kEdgeFade};
+}
+
+}  // namespace
 
 int GPUBeautyFace::SetParameters(int loc_x, int loc_y, int dist, int roll, int chin_dist,
                                  int Beauty_Level, int shapetype, bool bLarge,
@@ -25,23 +54,13 @@ int GPUBeautyFace::SetParameters(int loc_x, int loc_y, int dist, int roll, int c
                                     dist_level_ratio,
                                     bLarge,
                                     m_bColorCvtMode};
-  const lumora::WarpParameters warp = lumora::ComputeWarp(face, request);
+  const lumora::FaceWarpParameters warp = lumora::ComputeWarp(face, request);
   LOGI("dist_level = %.2f, dist_level_ratio = %.2f", static_cast<double>(warp.told_strength),
        static_cast<double>(dist_level_ratio));
 
   // A face without measures leaves the previous warp in place.
-  if (warp.valid) {
-    program->m_fvController[0] = warp.centre_x;
-    program->m_fvController[1] = warp.centre_y;
-    program->m_fvController[2] = warp.strength;
-    program->m_fvController[3] = warp.radius;
-    program->m_fvAngleLimiter[0] = warp.limiter_direction;
-    program->m_fvAngleLimiter[1] = warp.limiter_distance;
-    program->m_fvAngleLimiter[2] = warp.limiter_scale;
-  }
-  if (!bLarge) {
-    program->m_fAspectRatio = static_cast<float>(m_nSrcHeight) / static_cast<float>(m_nSrcWidth);
-  }
+  if (warp.valid) SetWarp(warp, *program);
+  if (!bLarge) program->m_fAspectRatio = warp.aspect_ratio;
   LOGI(
       "loc_x = %d, loc_y = %d, dist = %d, roll =%d, chin_dist = %d, Beauty_Level = %d, "
       "shapetype = %d",
@@ -62,12 +81,7 @@ int GPUBeautyFace::SetCheekSlimmerParameters(FACE_INFO_t face, int level, bool b
 lumora::ChangedArea GPUBeautyFace::SlimmingArea() const {
   const auto* program = static_cast<const GLProgWarp*>(m_pProgCheekSlimmer);
   if (program == nullptr || !MayLimitDraws()) return WholeImage();
-  const float* controller = program->m_fvController;
-  const float* limiter = program->m_fvAngleLimiter;
-  return lumora::WarpArea(
-      {controller[0], controller[1], controller[2], controller[3], limiter[0], limiter[1],
-       limiter[2], program->m_fAspectRatio, GLProgCheekSlimmer::kEdgeFade},
-      m_nAlignedWidth, m_nAlignedHeight);
+  return lumora::WarpArea(PreviewWarpOf(*program), m_nAlignedWidth, m_nAlignedHeight);
 }
 
 int GPUBeautyFace::DrawFaceDist(int index) {

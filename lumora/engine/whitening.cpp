@@ -127,26 +127,15 @@ lumora::ColourSums GPUBeautyFace::SampleFace(const lumora::FaceGeometry& face,
   if (frame == nullptr && texels == nullptr) return {};
   const int texel_stride = lumora::RoundUpTo32(m_nFullWidth);
 
-  // The grid starts at the square's own corner, so that a face at the frame's edge is sampled at
-  // the same places as one inside.
-  const auto first = [&face](int64_t start, int least) {
-    const int64_t outside = least - start;
-    const int64_t steps = (outside + face.sample_step - 1) / face.sample_step;
-    return start + steps * face.sample_step;
-  };
   lumora::ColourSums sums;
-  for (int64_t y = first(face.centre_y - face.sample_radius, y0); y < y1; y += face.sample_step) {
-    for (int64_t x = first(face.centre_x - face.sample_radius, x0); x < x1; x += face.sample_step) {
-      const auto column = static_cast<int>(x);
-      const auto row = static_cast<int>(y);
-      const lumora::HsiSample sample =
-          frame != nullptr ? lumora::SampleYuv(frame, column, row, m_nFullWidth, m_nFullHeight)
-                           : lumora::SampleTexel(texels + (y * texel_stride + x) * 4);
-      sums.intensity += sample.intensity;
-      sums.saturation += sample.saturation;
-      ++sums.count;
-    }
-  }
+  lumora::ForEachSample(face, limit_x, limit_y, [&](int x, int y) {
+    const lumora::HsiSample sample =
+        frame != nullptr ? lumora::SampleYuv(frame, x, y, m_nFullWidth, m_nFullHeight)
+                         : lumora::SampleTexel(texels + (int64_t{y} * texel_stride + x) * 4);
+    sums.intensity += sample.intensity;
+    sums.saturation += sample.saturation;
+    ++sums.count;
+  });
   return sums;
 }
 

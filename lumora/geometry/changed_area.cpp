@@ -44,11 +44,11 @@ int BandRows(int rows) {
 }
 
 // How far the warp reaches, as a share of its radius, no farther than `border` from the nearest
-// border (texture coordinates, at most 0.5): the shader multiplies its ratio by 2 - border ^ fade.
+// border (texture coordinates, at most 0.5): the shader multiplies its ratio by the fade.
 double FadedReach(double border, double fade) {
   // Renderers compute powers from approximations of two logarithms.
   constexpr double kSlack = 1.0 / 64;
-  return std::min(1.0, (1.0 + kSlack) / (2.0 - std::pow(border, fade)));
+  return std::min(1.0, (1.0 + kSlack) / EdgeFadeDivisor(border, fade));
 }
 
 // The box around a centre, from texture coordinates to pixels.
@@ -83,7 +83,7 @@ int64_t ChangedArea::Pixels() const {
   return pixels;
 }
 
-ChangedArea WarpArea(const WarpUniforms& warp, int width, int height) {
+ChangedArea WarpArea(const Warp& warp, int width, int height) {
   const ChangedArea whole({0, 0, width, height});
   if (!AllFinite({warp.centre_x, warp.centre_y, warp.strength, warp.radius, warp.limiter_direction,
                   warp.limiter_distance, warp.limiter_scale, warp.aspect_ratio, warp.edge_fade})) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "lumora/geometry/rectangle.h"
+#include "lumora/geometry/warp.h"
 
 namespace lumora {
 
@@ -33,18 +34,8 @@ class ChangedArea {
   int count_ = 0;
 };
 
-/// The uniforms of the slimming warp of a whole frame, as GLProgWarp has them.
-struct WarpUniforms {
-  float centre_x, centre_y;  ///< texture coordinates
-  float strength;
-  float radius;  ///< texture coordinates, measured along the width
-  float limiter_direction, limiter_distance, limiter_scale;
-  float aspect_ratio;  ///< frame height / width
-  float edge_fade;     ///< exponent of the distance to the border
-};
-
 /// The pixels of a width x height image that the warp can move: those of its circle, as bands.
-ChangedArea WarpArea(const WarpUniforms& warp, int width, int height);
+ChangedArea WarpArea(const Warp& warp, int width, int height);
 
 /// The pixels of a width x height image inside an ellipse, given by the matrix, column by column,
 /// that takes texture coordinates (u, v, 1) to its unit circle.

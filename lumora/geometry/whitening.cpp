@@ -16,15 +16,9 @@ constexpr float kThreeQuarterTurn = 2.3562f;
 // A face is sampled at about this many places across half its square.
 constexpr int64_t kSamplesPerRadius = 30;
 // Half axes up to this length, in pixels, make no ellipse.
-constexpr double kLeastHalfAxis = 2.0;
+constexpr float kLeastHalfAxis = 2.0f;
 constexpr float kEmptyScale = 99.0f;
 constexpr int kEyePadding = 10;
-
-// Mean intensities and saturations for which a face is whitened.
-constexpr int kLeastIntensity = 51;
-constexpr int kMostIntensity = 209;
-constexpr int kLeastSaturation = 51;
-constexpr int kMostSaturation = 255;
 
 int64_t Difference(int32_t to, int32_t from) {
   return int64_t{to} - int64_t{from};
@@ -41,10 +35,10 @@ int Distance(const fpf_point& a, const fpf_point& b) {
   return TruncateToInt(std::sqrt(dx * dx + dy * dy));
 }
 
-float DirectionOf(const fpf_point& from, const fpf_point& to) {
+double DirectionOf(const fpf_point& from, const fpf_point& to) {
   const auto dx = static_cast<float>(Difference(to.x, from.x));
   const auto dy = static_cast<float>(Difference(to.y, from.y));
-  return static_cast<float>(std::atan2(static_cast<double>(dy), static_cast<double>(dx)));
+  return std::atan2(static_cast<double>(dy), static_cast<double>(dx));
 }
 
 bool NearerHorizontal(float direction) {
@@ -54,13 +48,13 @@ bool NearerHorizontal(float direction) {
 
 /// Where two axes cross: each coordinate is taken from the axis that runs along it.
 struct Crossing {
-  float direction;
+  double direction;  // of the first axis
   int32_t x;
   int32_t y;
 };
 Crossing Cross(const fpf_point& p0, const fpf_point& p1, const fpf_point& p2, const fpf_point& p3) {
-  const float direction = DirectionOf(p0, p1);
-  if (NearerHorizontal(direction)) {
+  const double direction = DirectionOf(p0, p1);
+  if (NearerHorizontal(static_cast<float>(direction))) {
     return {direction, Middle(p0.x, p1.x), Middle(p2.y, p3.y)};
   }
   return {direction, Middle(p2.x, p3.x), Middle(p0.y, p1.y)};
@@ -109,27 +103,38 @@ HsiSample SampleYuv(const unsigned char* frame, int x, int y, int stride, int he
   return sample;
 }
 
-void EllipseMatrix(const EllipseAxes& axes, int width, int height, float matrix[9]) {
+bool EllipseShape::empty() const {
+  return half_first <= kLeastHalfAxis || half_second <= kLeastHalfAxis;
+}
+
+EllipseShape ShapeOf(const EllipseAxes& axes) {
   const Crossing centre = Cross(axes.p0, axes.p1, axes.p2, axes.p3);
   const auto half_axis = [&axes](const fpf_point& from, const fpf_point& to) {
     const int half = Distance(from, to) / 2;  // whole pixels, before scaling
     return static_cast<float>(axes.padding) + static_cast<float>(half) * axes.scale;
   };
-  const float a = half_axis(axes.p0, axes.p1);
-  const float b = half_axis(axes.p2, axes.p3);
+  return {centre.x, centre.y, centre.direction, half_axis(axes.p0, axes.p1),
+          half_axis(axes.p2, axes.p3)};
+}
+
+void EllipseMatrix(const EllipseAxes& axes, int width, int height, float matrix[9]) {
+  const EllipseShape shape = ShapeOf(axes);
+  const float a = shape.half_first;
+  const float b = shape.half_second;
   std::fill(matrix, matrix + 9, 0.0f);
   matrix[8] = 1.0f;
-  if (a <= kLeastHalfAxis || b <= kLeastHalfAxis) {
+  if (shape.empty()) {
     matrix[0] = kEmptyScale;
     matrix[4] = kEmptyScale;
     return;
   }
   const auto w = static_cast<float>(width);
   const auto h = static_cast<float>(height);
-  const double c = std::cos(static_cast<double>(centre.direction));
-  const double s = std::sin(static_cast<double>(centre.direction));
-  const float u = static_cast<float>(centre.x) / w;
-  const float v = static_cast<float>(centre.y) / h;
+  const auto direction = static_cast<double>(static_cast<float>(shape.direction));
+  const double c = std::cos(direction);
+  const double s = std::sin(direction);
+  const float u = static_cast<float>(shape.centre_x) / w;
+  const float v = static_cast<float>(shape.centre_y) / h;
   // Rotation about the centre by the axis's direction, then division by the half axes.
   matrix[0] = static_cast<float>(c * w / a);
   matrix[1] = static_cast<float>(-w * s / b);
@@ -177,13 +182,8 @@ FaceGeometry MeasureFace(const FACE_INFO_t& face) {
 }
 
 WhiteningShifts ComputeShifts(const ColourSums& sums, int intensity_level, int saturation_level) {
-  const auto mean = [&sums](int sum) {
-    return sums.count > 0
-               ? static_cast<int>(static_cast<float>(sum) / static_cast<float>(sums.count))
-               : 0;
-  };
-  const int intensity = mean(sums.intensity);
-  const int saturation = mean(sums.saturation);
+  const int intensity = sums.mean(sums.intensity);
+  const int saturation = sums.mean(sums.saturation);
 
   const int64_t target = std::min<int64_t>(int64_t{intensity_level} + intensity, 255);
   WhiteningShifts shifts{0.0f, 0.0f};

@@ -2,6 +2,7 @@
 #ifndef LUMORA_GEOMETRY_WHITENING_H_
 #define LUMORA_GEOMETRY_WHITENING_H_
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -11,6 +12,12 @@ namespace lumora {
 
 /// Slope of the logistic curve in which intensity is shifted.
 constexpr double kLogitSlope = 0.85;
+
+/// Mean intensities and saturations for which a face is whitened.
+constexpr int kLeastIntensity = 51;
+constexpr int kMostIntensity = 209;
+constexpr int kLeastSaturation = 51;
+constexpr int kMostSaturation = 255;
 
 /// An 8-bit intensity as a logit in the shader's units. 0 counts as 1 and 255 as 254, since their
 /// own logits are infinite; values outside 0 .. 255 give no number.
@@ -41,9 +48,19 @@ struct EllipseAxes {
   float scale;
 };
 
+/// The ellipse of such axes.
+struct EllipseShape {
+  int32_t centre_x, centre_y;  ///< pixels
+  double direction;            ///< of the first axis, radians
+  float half_first, half_second;
+
+  bool empty()
+      const;  ///< Half axes of 2 pixels or less make an ellipse that holds next to nothing.
+};
+EllipseShape ShapeOf(const EllipseAxes& axes);
+
 /// The matrix, column by column, that takes texture coordinates (u, v, 1) of a width x height frame
-/// to the frame of the ellipse, whose line is the unit circle. Half axes of 2 pixels or less give
-/// an ellipse that holds next to nothing.
+/// to the frame of the ellipse, whose line is the unit circle.
 void EllipseMatrix(const EllipseAxes& axes, int width, int height, float matrix[9]);
 
 /// What whitening measures of a face, in pixels of the frame. Garbage landmarks give garbage
@@ -59,11 +76,35 @@ struct FaceGeometry {
 };
 FaceGeometry MeasureFace(const FACE_INFO_t& face);
 
+/// Calls visit(x, y) for the places where a face is sampled, as far as they lie in a frame of that
+/// size: about 30 to each side of its centre. The grid starts at the square's own corner, so that
+/// a face at the frame's edge is sampled at the same places as one inside.
+template <typename Visit>
+void ForEachSample(const FaceGeometry& face, int frame_width, int frame_height, Visit visit) {
+  const auto first = [&face](int64_t centre) {
+    const int64_t outside = face.sample_radius - centre;
+    const int64_t steps = outside > 0 ? (outside + face.sample_step - 1) / face.sample_step : 0;
+    return centre - face.sample_radius + steps * face.sample_step;
+  };
+  const int64_t x1 = std::min<int64_t>(face.centre_x + face.sample_radius, frame_width);
+  const int64_t y1 = std::min<int64_t>(face.centre_y + face.sample_radius, frame_height);
+  for (int64_t y = first(face.centre_y); y < y1; y += face.sample_step) {
+    for (int64_t x = first(face.centre_x); x < x1; x += face.sample_step) {
+      visit(static_cast<int>(x), static_cast<int>(y));
+    }
+  }
+}
+
 /// Sums of the samples of one face.
 struct ColourSums {
   int intensity = 0;
   int saturation = 0;
   int count = 0;
+
+  /// The mean of one of the sums, cut to a whole number; 0 without samples.
+  int mean(int sum) const {
+    return count > 0 ? static_cast<int>(static_cast<float>(sum) / static_cast<float>(count)) : 0;
+  }
 };
 
 /// The shifts that the requested levels (0 .. 255 units) come to on a face of those colours:

@@ -3,6 +3,7 @@
 #define LUMORA_PROGRAMS_CHEEK_SLIMMER_PROGRAMS_H_
 
 #include "lumora/export.h"
+#include "lumora/geometry/warp.h"
 #include "lumora/gl/gl_program.h"
 
 /// What the three warp programs share: the warp's parameters and their upload. The engine writes
@@ -30,7 +31,7 @@ class LUMORA_API GLProgWarp : public GLProgram {
 class LUMORA_API GLProgCheekSlimmer : public GLProgWarp {
  public:
   /// Exponent of the distance to the nearest border: 0 would be no fade.
-  static constexpr float kEdgeFade = 0.2f;
+  static constexpr float kEdgeFade = static_cast<float>(lumora::kEdgeFade);
 
   ~GLProgCheekSlimmer() override;
   bool Load() override;

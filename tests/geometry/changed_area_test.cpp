@@ -65,18 +65,18 @@ testing::AssertionResult IsClose(const PixelRectangle& box, int width, int heigh
          << testing::PrintToString(box) << " is too large for " << testing::PrintToString(reach);
 }
 
-WarpUniforms Warp(float centre_x, float centre_y, float radius) {
+Warp WarpAt(float centre_x, float centre_y, float radius) {
   return {centre_x, centre_y, 1.2f, radius, 0.5f, 0.55f, 1.1f, 0.75f, 0.2f};
 }
 
-double FromCentre(const WarpUniforms& warp, double u, double v) {
+double FromCentre(const Warp& warp, double u, double v) {
   return std::hypot(
       u - static_cast<double>(warp.centre_x),
       (v - static_cast<double>(warp.centre_y)) * static_cast<double>(warp.aspect_ratio));
 }
 
 // Whether the warp moves a pixel, where its limiter holds nothing back.
-bool IsMoved(const WarpUniforms& warp, double u, double v) {
+bool IsMoved(const Warp& warp, double u, double v) {
   const double border = std::max(0.0, std::min({u, v, 1 - u, 1 - v}));
   const double fade = 2 - std::pow(border, static_cast<double>(warp.edge_fade));
   return FromCentre(warp, u, v) * fade < static_cast<double>(warp.radius);
@@ -90,7 +90,7 @@ TEST(WarpArea, HoldsWhatIsMovedWhereverItIs) {
   std::uniform_real_distribution<float> place(-0.5f, 1.5f);
   std::uniform_real_distribution<float> size(0.01f, 0.4f);
   for (int i = 0; i < 200; ++i) {
-    WarpUniforms warp = Warp(place(random), place(random), size(random));
+    Warp warp = WarpAt(place(random), place(random), size(random));
     warp.edge_fade = 0.1f * static_cast<float>(i % 5);
     const auto moved = [&warp](double u, double v) { return IsMoved(warp, u, v); };
     const auto in_circle = [&warp](double u, double v) {
@@ -106,7 +106,7 @@ TEST(WarpArea, IsLittleMoreThanWhatIsMoved) {
   constexpr int kWidth = 960;
   constexpr int kHeight = 720;
   for (const float radius : {0.1f, 0.2f, 0.3f}) {
-    const WarpUniforms warp = Warp(0.45f, 0.5f, radius);
+    const Warp warp = WarpAt(0.45f, 0.5f, radius);
     const auto moved = [&warp](double u, double v) { return IsMoved(warp, u, v); };
     int64_t pixels = 0;
     ForEachChanged(kWidth, kHeight, moved, [&pixels](int, int) { ++pixels; });
@@ -117,7 +117,7 @@ TEST(WarpArea, IsLittleMoreThanWhatIsMoved) {
 }
 
 TEST(WarpArea, IsEmptyForACircleBesideTheImage) {
-  for (const WarpUniforms& warp : {Warp(-0.5f, 0.5f, 0.2f), Warp(0.5f, 1.8f, 0.2f)}) {
+  for (const Warp& warp : {WarpAt(-0.5f, 0.5f, 0.2f), WarpAt(0.5f, 1.8f, 0.2f)}) {
     const ChangedArea area = WarpArea(warp, 640, 480);
     EXPECT_EQ(0, area.Pixels());
     EXPECT_EQ(1, area.end() - area.begin());  // drawing nothing is a draw
@@ -125,30 +125,29 @@ TEST(WarpArea, IsEmptyForACircleBesideTheImage) {
 }
 
 TEST(WarpArea, IsTheImageWhereTheWarpIsNotKnown) {
-  const auto changed = [](float WarpUniforms::*member, float value) {
-    WarpUniforms warp = Warp(0.5f, 0.5f, 0.2f);
+  const auto changed = [](float Warp::*member, float value) {
+    Warp warp = WarpAt(0.5f, 0.5f, 0.2f);
     warp.*member = value;
     return WarpArea(warp, 640, 480).Box();
   };
   const PixelRectangle whole{0, 0, 640, 480};
   for (const auto member :
-       {&WarpUniforms::centre_x, &WarpUniforms::centre_y, &WarpUniforms::strength,
-        &WarpUniforms::radius, &WarpUniforms::limiter_direction, &WarpUniforms::limiter_distance,
-        &WarpUniforms::limiter_scale, &WarpUniforms::aspect_ratio, &WarpUniforms::edge_fade}) {
+       {&Warp::centre_x, &Warp::centre_y, &Warp::strength, &Warp::radius, &Warp::limiter_direction,
+        &Warp::limiter_distance, &Warp::limiter_scale, &Warp::aspect_ratio, &Warp::edge_fade}) {
     for (const float value : {kNan, kInfinity, -kInfinity})
       EXPECT_EQ(whole, changed(member, value));
   }
   for (const float value : {0.0f, -0.1f}) {
-    EXPECT_EQ(whole, changed(&WarpUniforms::radius, value));
-    EXPECT_EQ(whole, changed(&WarpUniforms::aspect_ratio, value));
+    EXPECT_EQ(whole, changed(&Warp::radius, value));
+    EXPECT_EQ(whole, changed(&Warp::aspect_ratio, value));
   }
-  EXPECT_EQ(whole, changed(&WarpUniforms::edge_fade, -0.1f));
+  EXPECT_EQ(whole, changed(&Warp::edge_fade, -0.1f));
   // Numbers so large that what cancels out leaves more than nothing.
-  EXPECT_EQ(whole, changed(&WarpUniforms::strength, 1000.0f));
-  EXPECT_EQ(whole, changed(&WarpUniforms::strength, -1000.0f));
-  EXPECT_EQ(whole, changed(&WarpUniforms::centre_x, 1e5f));
-  EXPECT_EQ(whole, changed(&WarpUniforms::centre_y, -1e5f));
-  EXPECT_FALSE(whole == changed(&WarpUniforms::strength, 3.0f));
+  EXPECT_EQ(whole, changed(&Warp::strength, 1000.0f));
+  EXPECT_EQ(whole, changed(&Warp::strength, -1000.0f));
+  EXPECT_EQ(whole, changed(&Warp::centre_x, 1e5f));
+  EXPECT_EQ(whole, changed(&Warp::centre_y, -1e5f));
+  EXPECT_FALSE(whole == changed(&Warp::strength, 3.0f));
 }
 
 TEST(EllipseBox, HoldsTheEllipseWhereverItIs) {

@@ -14,7 +14,7 @@ namespace {
 
 using lumora::ComputeWarp;
 using lumora::FaceMeasures;
-using lumora::WarpParameters;
+using lumora::FaceWarpParameters;
 using lumora::WarpRequest;
 
 constexpr FaceMeasures kFace{320, 240, 100, 80, 180, 0};
@@ -28,7 +28,7 @@ WarpRequest Capture(bool hsi_chain) {
 }
 
 TEST(WarpParameters, PlacesThePreviewWarp) {
-  const WarpParameters warp = ComputeWarp(kFace, kPreview);
+  const FaceWarpParameters warp = ComputeWarp(kFace, kPreview);
   EXPECT_TRUE(warp.valid);
   EXPECT_EQ(0.5f, warp.centre_x);
   EXPECT_EQ(0.5f, warp.centre_y);
@@ -43,15 +43,15 @@ TEST(WarpParameters, PlacesThePreviewWarp) {
 }
 
 TEST(WarpParameters, CapturesAreTighterWithAWiderLimiter) {
-  const WarpParameters warp = ComputeWarp(kFace, Capture(false));
+  const FaceWarpParameters warp = ComputeWarp(kFace, Capture(false));
   EXPECT_FLOAT_EQ(105.0f / 640.0f, warp.radius);
   EXPECT_FLOAT_EQ(1.625f, warp.limiter_scale);  // 1.3 / 0.8
   EXPECT_EQ(warp.strength, warp.told_strength);
 }
 
 TEST(WarpParameters, TheHsiChainIsSlimmedLessButTellsTheFullStrength) {
-  const WarpParameters whole = ComputeWarp(kFace, Capture(false));
-  const WarpParameters chain = ComputeWarp(kFace, Capture(true));
+  const FaceWarpParameters whole = ComputeWarp(kFace, Capture(false));
+  const FaceWarpParameters chain = ComputeWarp(kFace, Capture(true));
   EXPECT_EQ(whole.told_strength, chain.told_strength);
   EXPECT_FLOAT_EQ(whole.strength * 0.8f, chain.strength);
   EXPECT_EQ(whole.radius, chain.radius);
@@ -68,7 +68,7 @@ TEST(WarpParameters, TheRadiusIsCappedAndTheStrengthFollowsTheCap) {
   face.dist = 222;  // 255.3 / 640 = 0.3989
   EXPECT_LT(ComputeWarp(face, kPreview).radius, 0.4f);
   face.dist = 223;  // 256.45 / 640 = 0.4007
-  const WarpParameters capped = ComputeWarp(face, kPreview);
+  const FaceWarpParameters capped = ComputeWarp(face, kPreview);
   EXPECT_EQ(0.4f, capped.radius);
   // 1.5 * 0.4^0.3 = 1.5 * 0.759661...
   EXPECT_NEAR(1.139492, static_cast<double>(capped.strength), 1e-5);
@@ -108,7 +108,7 @@ TEST(WarpParameters, TheRatioScalesTheStrengthDownToNone) {
   request.level_ratio = 0.5f;
   EXPECT_FLOAT_EQ(ComputeWarp(kFace, kPreview).strength / 2, ComputeWarp(kFace, request).strength);
   request.level_ratio = 0.0f;
-  const WarpParameters none = ComputeWarp(kFace, request);
+  const FaceWarpParameters none = ComputeWarp(kFace, request);
   EXPECT_TRUE(none.valid);
   EXPECT_EQ(0.0f, none.strength);
 }
@@ -116,7 +116,7 @@ TEST(WarpParameters, TheRatioScalesTheStrengthDownToNone) {
 TEST(WarpParameters, NoChinDistanceGivesAnInfiniteLimiter) {
   FaceMeasures face = kFace;
   face.chin_dist = 0;
-  const WarpParameters warp = ComputeWarp(face, kPreview);
+  const FaceWarpParameters warp = ComputeWarp(face, kPreview);
   EXPECT_TRUE(warp.valid);
   EXPECT_EQ(std::numeric_limits<float>::infinity(), warp.limiter_scale);
   EXPECT_FLOAT_EQ(115.0f / 640.0f, warp.radius);
@@ -170,7 +170,7 @@ TEST(WarpParameters, AgreesWithTheModelForAnyFace) {
     r.frame_height = among(2, 5000);
     lumora::reference::WarpMembers expected;
     const bool valid = lumora::reference::SetParameters(r, &expected);
-    const WarpParameters actual =
+    const FaceWarpParameters actual =
         ComputeWarp({r.loc_x, r.loc_y, r.dist, r.chin_dist, r.roll, r.shape_type},
                     {r.frame_width, r.frame_height, r.level, r.ratio, r.large, r.block_mode});
     ASSERT_EQ(valid, actual.valid);
@@ -192,7 +192,7 @@ TEST(WarpParameters, AnyIntegersAreArithmeticallySafe) {
   for (const int a : kExtremes) {
     for (const int b : kExtremes) {
       for (const bool capture : {false, true}) {
-        const WarpParameters warp = ComputeWarp(
+        const FaceWarpParameters warp = ComputeWarp(
             {b, a, a, b, a, b}, {640, 480, b, std::numeric_limits<float>::max(), capture, capture});
         EXPECT_EQ(a > 0 && b > 0, warp.valid);
         EXPECT_FALSE(warp.radius > 0.4f);

@@ -6,6 +6,8 @@
 #include <climits>
 #include <cmath>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "effects/faces.h"
 #include "reference/whitening_parameters.h"
@@ -272,6 +274,36 @@ WhiteningShifts ShiftsOf(int intensity, int saturation, int intensity_level, int
   return ComputeShifts({intensity * 10, saturation * 10, 10}, intensity_level, saturation_level);
 }
 
+// In single precision, for as many samples as there can be.
+TEST(ColourSums, MeansAreThoseOfWholeNumbers) {
+  for (int count = 1; count <= 15000; count += count < 1000 ? 1 : 37) {
+    const ColourSums sums{0, 0, count};
+    for (int mean = 0; mean < 255; ++mean) {
+      const int last = (mean + 1) * count - 1;  // the largest sum that still has that mean
+      ASSERT_EQ(mean, sums.mean(mean * count)) << count;
+      ASSERT_EQ(mean, sums.mean(last)) << last << " / " << count;
+    }
+  }
+  EXPECT_EQ(0, ColourSums{}.mean(7));
+}
+
+// An axis whose ends are whole numbers, and so is its length: the root must not fall short of it.
+TEST(EllipseShapes, AreMeasuredInWholePixels) {
+  const fpf_point origin{0, 0, 0};
+  for (int m = 2; m < 60; ++m) {
+    for (int n = 1; n < m; ++n) {
+      const int32_t a = m * m - n * n, b = 2 * m * n, c = m * m + n * n;
+      for (const int32_t scale : {2, 38, 140}) {
+        const EllipseShape shape = ShapeOf(
+            {{-scale * a, scale * b, 0}, origin, origin, {scale * a - 1, scale * b, 0}, 0, 1.0f});
+        ASSERT_EQ(static_cast<float>(scale * c / 2), shape.half_first) << a << ", " << b;
+        ASSERT_LT(shape.half_second, shape.half_first);
+        ASSERT_FALSE(shape.empty());
+      }
+    }
+  }
+}
+
 TEST(ComputeShifts, ALiftIsADifferenceOfLogits) {
   const WhiteningShifts shifts = ShiftsOf(100, 120, 50, 33);
   EXPECT_FLOAT_EQ(0.9352116f, shifts.intensity);  // (ln 1.55 - ln 0.7) / 0.85
@@ -361,7 +393,10 @@ TEST(FaceEllipses, TheMiddleOfTheEyesIsCutTowardsZero) {
 
 TEST(WhiteningParameters, AgreeWithTheModelForFacesOfAnyTurn) {
   const Frame frame = TextureFrame(640, 480);
+  using Places = std::vector<std::pair<int, int>>;
+  Places sampled;
   const auto sample = [&](int x, int y) {
+    sampled.emplace_back(x, y);
     return reference::SampleYuv(frame.bytes.data(), x, y, frame.width, frame.height);
   };
   std::mt19937 random(3);
@@ -369,6 +404,7 @@ TEST(WhiteningParameters, AgreeWithTheModelForFacesOfAnyTurn) {
     const FaceRecord face =
         PortraitFace(static_cast<int>(random() % 640), static_cast<int>(random() % 480),
                      3 + static_cast<int>(random() % 200), static_cast<double>(random() % 360));
+    sampled.clear();
     const auto expected = reference::MeasureFace(face, 30, 20, 8, 640, 480, sample);
     const FACE_INFO_t record = face.as<FACE_INFO_t>();
     const FaceGeometry geometry = MeasureFace(record);
@@ -377,6 +413,9 @@ TEST(WhiteningParameters, AgreeWithTheModelForFacesOfAnyTurn) {
     EXPECT_EQ(expected.half_height, geometry.half_height);
     EXPECT_EQ(expected.centre.x, geometry.centre_x);
     EXPECT_EQ(expected.centre.y, geometry.centre_y);
+    Places places;
+    ForEachSample(geometry, 640, 480, [&](int x, int y) { places.emplace_back(x, y); });
+    EXPECT_EQ(sampled, places);
     const auto ellipses = FaceEllipses(record, geometry, 1.0f);
     for (size_t e = 0; e < 7; ++e) {
       const Matrix matrix = MatrixOf(ellipses[e], 640, 480);
@@ -398,6 +437,9 @@ TEST(WhiteningParameters, AnyRecordIsArithmeticallySafe) {
     EXPECT_GE(geometry.sample_radius, 0);
     EXPECT_GE(geometry.half_width, 0);
     EXPECT_GE(geometry.half_height, 0);
+    ForEachSample(geometry, 640, 480, [](int x, int y) {
+      ASSERT_TRUE(x >= 0 && y >= 0 && x < 640 && y < 480) << x << ", " << y;
+    });
     for (const EllipseAxes& axes : FaceEllipses(record, geometry, 1.1f)) {
       EXPECT_EQ(1.0f, MatrixOf(axes, 640, 480)[8]);
     }

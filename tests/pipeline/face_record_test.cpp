@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "lumora/geometry/rounding.h"
 #include "pipeline/face.h"
 #include "pipeline/warp_model.h"
 
@@ -44,8 +45,8 @@ Face FaceAt(double x, double y, double eye_distance, double roll_degrees = 0) {
 WarpModel WarpOf(const Face& face, FrameSize size, int slim = 100) {
   const auto record = MakeFaceRecord(face, size.width, size.height, slim);
   EXPECT_TRUE(record.has_value()) << Describe(face, size);
-  return WarpModel(record.value_or(FACE_INFO_t{}), AlignedSize(size.width),
-                   AlignedSize(size.height), kBeautyLevel);
+  return WarpModel(record.value_or(FACE_INFO_t{}), RoundUpTo32(size.width),
+                   RoundUpTo32(size.height), kBeautyLevel);
 }
 
 /// How far the content seen at `point` has come from, towards the centre of the warp.
@@ -66,8 +67,8 @@ double SmallestStep(const WarpModel& warp, FrameSize size) {
     double before = 0;
     for (double distance = kStride; distance <= warp.radius_pixels() + 1; distance += kStride) {
       const Vector at = {centre.x + outward.x * distance, centre.y + outward.y * distance};
-      if (at.x < 0.5 || at.y < 0.5 || at.x > AlignedSize(size.width) - 0.5 ||
-          at.y > AlignedSize(size.height) - 0.5) {
+      if (at.x < 0.5 || at.y < 0.5 || at.x > RoundUpTo32(size.width) - 0.5 ||
+          at.y > RoundUpTo32(size.height) - 0.5) {
         break;
       }
       const Vector source = warp.Source(at);

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "lumora/geometry/rounding.h"
 #include "pipeline/frame_layout.h"
 #include "pipeline/frame_memory.h"
 
@@ -198,8 +199,8 @@ TEST(PaddedFrame, HoldsAFrameAtAnyPlaceAndExtendsItToAllSides) {
     FrameMemory in(PixelFormat::NV12, width, height), out(PixelFormat::I420, width, height, 3);
     in.Fill(samples);
     PaddedFrame padded;
-    const FramePlace place = {(AlignedSize(width) - width) / 4 * 2,
-                              (AlignedSize(height) - height) / 4 * 2};
+    const FramePlace place = {(RoundUpTo32(width) - width) / 4 * 2,
+                              (RoundUpTo32(height) - height) / 4 * 2};
     padded.Load(in.const_view(), place);
     padded.Store(out.view());
     EXPECT_TRUE(out.Read() == samples);

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -88,28 +87,6 @@ TEST(WhiteningEllipses, LieOnTheFace) {
   EXPECT_FALSE(inside({face.landmarks.chin.x, face.landmarks.chin.y + 3}));
   EXPECT_LT(ellipses[kLeftEyeEllipse].centre.x, ellipses[kRightEyeEllipse].centre.x);
   EXPECT_LT(ellipses[kLeftBrowEllipse].centre.y, ellipses[kLeftEyeEllipse].centre.y);
-}
-
-TEST(SampleSquare, IsTheOneThatTheEngineMeasures) {
-  const Face face = TurnedFace(320, 200, 140, 20);
-  const FACE_INFO_t record = LandmarkRecord(face);
-  int least_x = kWidth, most_x = 0, least_y = kHeight, most_y = 0, count = 0;
-  reference::MeasureFace(reference::FaceRecord::From(&record), 0, 0, 8, kWidth, kHeight,
-                         [&](int x, int y) {
-                           least_x = std::min(least_x, x);
-                           most_x = std::max(most_x, x);
-                           least_y = std::min(least_y, y);
-                           most_y = std::max(most_y, y);
-                           ++count;
-                           return reference::HsiSample{};
-                         });
-  const SampleSquare square = SampleSquareOf(record);
-  EXPECT_EQ(least_x, square.centre_x - square.radius);
-  EXPECT_EQ(least_y, square.centre_y - square.radius);
-  const int steps = (2 * square.radius + square.step - 1) / square.step;
-  EXPECT_EQ(count, steps * steps);
-  EXPECT_EQ(most_x, least_x + (steps - 1) * square.step);
-  EXPECT_EQ(most_y, least_y + (steps - 1) * square.step);
 }
 
 }  // namespace
