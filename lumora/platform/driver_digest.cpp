@@ -1,7 +1,5 @@
 #include "lumora/platform/driver_digest.h"
 
-#include <initializer_list>
-
 #include "lumora/platform/edition.h"
 #include "lumora/platform/gl_api.h"
 
@@ -9,7 +7,8 @@ namespace lumora::platform {
 
 void AddLibraryAndDriver(ByteDigest* digest) {
   digest->AddText(kLibraryVersion);
-  for (const GLenum name : {GL_VENDOR, GL_RENDERER, GL_VERSION}) {
+  constexpr GLenum kNames[] = {GL_VENDOR, GL_RENDERER, GL_VERSION};
+  for (const GLenum name : kNames) {
     digest->AddText(reinterpret_cast<const char*>(glGetString(name)));
   }
 }

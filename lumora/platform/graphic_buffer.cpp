@@ -22,7 +22,7 @@ struct GraphicBuffer::State final : CoherentMemory {
   // What stands in where there is no memory for even this; it never gets a backing, so that nothing
   // is written to it.
   static State& Missing() {
-    static Immortal<State> state(LayOut(0, 0), 0);
+    static Immortal<State> state(LayOut(0, 0), 0U);
     return *state;
   }
   static State* Make(const BufferGeometry& layout, uint32_t usage) {

@@ -87,7 +87,8 @@ class Decoder : Codec {
     const auto width = static_cast<int>(png_get_image_width(png_, info_));
     const auto height = static_cast<int>(png_get_image_height(png_, info_));
     result.pixels.create(height, width, CV_8UC(png_get_channels(png_, info_)));
-    if (png_get_rowbytes(png_, info_) != result.pixels.cols * result.pixels.elemSize()) {
+    if (png_get_rowbytes(png_, info_) !=
+        static_cast<size_t>(result.pixels.cols) * result.pixels.elemSize()) {
       throw PngError("unknown kind of pixels");
     }
     std::vector<png_bytep> rows;
