@@ -1,4 +1,4 @@
-// Picture files before and around their decoders: PNG chunks, JPEG planes and blocks.
+// Picture files before and around their decoders: PNG chunks, JPEG planes and blocks, metadata.
 #include <cstdint>
 #include <opencv2/core.hpp>
 #include <vector>
@@ -8,6 +8,8 @@
 #include "tools/lumora/picture/jpeg_markers.h"
 #include "tools/lumora/picture/jpeg_pixels.h"
 #include "tools/lumora/picture/jpeg_planes.h"
+#include "tools/lumora/picture/metadata.h"
+#include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/png_chunks.h"
 #include "tools/lumora/picture/png_pixels.h"
 
@@ -34,7 +36,7 @@ void Png(const Bytes& file) {
   if (essential->size() < kSignatureAndHeader) return;  // only whole pictures reach the rest
   const Bytes with = tools::WithChunksOf(file, *essential);
   Require(with.size() >= essential->size(), "chunks are added");
-  tools::WithProfile(file.data(), file.size(), *essential);
+  tools::WithChunks(tools::ProfileChunk(file), *essential);
 }
 
 void Jpeg(const Bytes& file) {
@@ -64,10 +66,31 @@ void Jpeg(const Bytes& file) {
   }
 }
 
+/// Whatever metadata a file has, its results are upright and their pixels are left alone.
+void Metadata(const Bytes& file) {
+  const cv::Mat picture(32, 32, CV_8UC1, cv::Scalar(9));
+  const bool cut_short = tools::StartsLikePng(file) && !tools::EssentialPng(file);
+  for (const bool jpeg : {false, true}) {
+    if (cut_short && !jpeg) continue;  // only chunks of whole files are copied
+    const Bytes plain = jpeg ? tools::EncodeJpeg(picture) : tools::EncodePng(picture);
+    Bytes result = plain;
+    tools::CopyMetadata(file, picture.size(), result);
+    Require(result.size() >= plain.size(), "metadata are added");
+    Require(tools::ReadOrientation(result) == 1, "the result is upright");
+    Bytes again = plain;
+    tools::CopyMetadata(result, picture.size(), again);
+    Require(tools::ReadOrientation(again) == 1, "and remains so");
+    const cv::Mat pixels = jpeg ? tools::ReadJpegPlanes(result)[0]
+                                : tools::ReadPngPixels(*tools::EssentialPng(result)).pixels;
+    Require(cv::norm(picture, pixels, cv::NORM_INF) <= 1, "its pixels are those of the picture");
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes file(data, data + size);
+  Metadata(file);
   if (tools::StartsLikePng(file)) {
     Png(file);
     return 0;

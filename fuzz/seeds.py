@@ -122,10 +122,26 @@ def png(width, height, *extra, tail=b""):
     return (b"\x89PNG\r\n\x1a\n" + head + b"".join(extra) + chunk(b"IDAT", rows) + chunk(b"IEND") + tail)
 
 
-def jpeg(planes, step=1):
+def segment(kind, content):
+    return bytes([0xFF, kind]) + struct.pack(">H", len(content) + 2) + content
+
+
+def exif(order):
+    """A block with an orientation, a size and a thumbnail; `order` is struct's sign of it."""
+    number = lambda kinds, *values: struct.pack(order + kinds, *values)
+    return ((b"II" if order == "<" else b"MM") + number("HI", 42, 8) +
+            number("HHHIHHHHIII", 2, 0x0112, 3, 1, 6, 0, 0x8769, 4, 1, 38, 56) +
+            number("HHHIII", 1, 0xA002, 4, 1, 9, 0) +
+            number("HHHIIHHIII", 2, 0x0201, 4, 1, 86, 0x0202, 4, 1, 4, 0) + b"thum")
+
+
+XMP = b'<x xmlns:tiff="http://ns.adobe.com/tiff/1.0/" tiff:Orientation="6"/>'
+IPTC = b"8BIM\4\4\0\0" + struct.pack(">I", 4) + b"\x1c\2x\0"
+
+
+def jpeg(planes, step=1, metadata=b""):
     """A gray or 4:2:0 picture of one flat 16 x 16 square, without help of a library: every coefficient
     is zero. `step` is the first one of the quantisation."""
-    segment = lambda kind, content: bytes([0xFF, kind]) + struct.pack(">H", len(content) + 2) + content
     areas = b"".join(bytes([i + 1, 0x22 if i == 0 and planes == 3 else 0x11, 0]) for i in range(planes))
     # One code of one bit each: a difference of nothing, and the end of a block.
     table = lambda slot: segment(0xC4, bytes([slot, 1] + 15 * [0] + [0]))
@@ -134,7 +150,7 @@ def jpeg(planes, step=1):
     bits = "0" * 2 * blocks
     bits += "1" * (-len(bits) % 8)
     data = bytes(int(bits[i:i + 8], 2) for i in range(0, len(bits), 8))
-    return (b"\xff\xd8" + segment(0xDB, b"\0" + bytes([step] + [1] * 63)) +
+    return (b"\xff\xd8" + metadata + segment(0xDB, b"\0" + bytes([step] + [1] * 63)) +
             segment(0xC0, b"\x08" + struct.pack(">HH", 16, 16) + bytes([planes]) + areas) +
             table(0x00) + table(0x10) + segment(0xDA, scan) + data + b"\xff\xd9")
 
@@ -156,6 +172,18 @@ def picture_files():
     seed("picture_files", "jpeg-cut", jpeg(3)[:-4])
     seed("picture_files", "jpeg-header", jpeg(3)[:100])
     seed("picture_files", "neither", b"GIF89a")
+    raw = lambda name, content: b"\n%s\n%8d\n%s\n" % (name, len(content), content.hex().encode())
+    seed("picture_files", "png-exif", png(32, 32, chunk(b"eXIf", exif(">"))))
+    seed("picture_files", "png-metadata",
+         png(32, 32, chunk(b"zTXt", b"Raw profile type exif\0\0" + zlib.compress(raw(b"exif", exif("<")))),
+             chunk(b"tEXt", b"Raw profile type iptc\0" + raw(b"iptc", IPTC)),
+             chunk(b"iTXt", b"XML:com.adobe.xmp\0\0\0\0\0" + XMP),
+             chunk(b"iCCP", b"profile\0\0" + zlib.compress(b"colours"))))
+    seed("picture_files", "jpeg-metadata",
+         jpeg(3, metadata=segment(0xE1, b"Exif\0\0" + exif("<")) +
+              segment(0xE1, b"http://ns.adobe.com/xap/1.0/\0" + XMP) +
+              segment(0xE2, b"ICC_PROFILE\0\1\1colours") + segment(0xED, b"Photoshop 3.0\0" + IPTC) +
+              segment(0xFE, b"a comment")))
 
 
 # ---- Geometry ----------------------------------------------------------------------------------------

@@ -154,7 +154,7 @@ TEST_F(Appetite, WhateverMemoryThereIsTheSentenceIsOurs) {
       folder_.Put("in.png", PngOf(cv::Mat(1500, 2000, CV_8UC3, cv::Scalar(80, 120, 90))));
   const Words words = {"photo",   in,    "-o",     out_, "--compare", Path("compare.png"),
                        "--faces", none_, "--force"};
-  uint64_t starts = 100 * kMiB;  // the least that the program starts in
+  uint64_t starts = 10 * kMiB;  // up to the least that the program starts in
   while (RunLumora({"--version"}, {}, WithAddressSpace(starts)).exit_code != 0) starts += 10 * kMiB;
   bool failed = false;
   int code = -1;

@@ -42,4 +42,22 @@ JpegMarkers ReadJpegMarkers(const Bytes& file) {
   return markers;
 }
 
+std::vector<JpegSegment> JpegHeaderSegments(const Bytes& file) {
+  std::vector<JpegSegment> segments;
+  size_t at = StartsLikeJpeg(file) ? 2 : file.size();
+  while (at + 4 <= file.size() && file[at] == kMarker) {
+    const uint8_t code = file[at + 1];
+    if (code == kMarker) {  // filling
+      ++at;
+      continue;
+    }
+    if (code == 0 || code == kStartOfScan || code == kEndOfImage || StandsAlone(code)) break;
+    const size_t length = static_cast<size_t>(file[at + 2] << 8 | file[at + 3]);
+    if (length < 2 || length > file.size() - at - 2) break;
+    segments.push_back({code, file.data() + at + 4, length - 2});
+    at += 2 + length;
+  }
+  return segments;
+}
+
 }  // namespace lumora::tools

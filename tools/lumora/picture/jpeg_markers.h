@@ -2,6 +2,8 @@
 #ifndef LUMORA_TOOLS_PICTURE_JPEG_MARKERS_H_
 #define LUMORA_TOOLS_PICTURE_JPEG_MARKERS_H_
 
+#include <vector>
+
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
@@ -14,6 +16,16 @@ struct JpegMarkers {
   size_t end = 0;  ///< where it ends; further pictures or a clip may follow
 };
 JpegMarkers ReadJpegMarkers(const Bytes& file);
+
+/// A segment of a file.
+struct JpegSegment {
+  uint8_t code;            ///< its marker's second byte
+  const uint8_t* content;  ///< behind the length; in the file
+  size_t size;
+};
+
+/// Those before the samples; what is cut short ends the list.
+std::vector<JpegSegment> JpegHeaderSegments(const Bytes& file);
 
 }  // namespace lumora::tools
 

@@ -39,12 +39,6 @@ void ForEachChunk(const Bytes& file, const Use& use) {
   }
 }
 
-Bytes Inserted(const Bytes& chunks, const Bytes& file) {
-  Bytes result = file;
-  result.insert(result.begin() + kBehindHeader, chunks.begin(), chunks.end());
-  return result;
-}
-
 }  // namespace
 
 bool StartsLikePng(const Bytes& file) {
@@ -95,34 +89,56 @@ bool IsAnimatedPng(const Bytes& file) {
   return animated;
 }
 
-Bytes WithChunksOf(const Bytes& from, const Bytes& to) {
+std::vector<PngChunk> PngChunks(const Bytes& file) {
+  std::vector<PngChunk> chunks;
+  ForEachChunk(file, [&chunks](const uint8_t* chunk, size_t whole) {
+    chunks.push_back({chunk + 4, chunk + kChunkHead, whole - kChunkHead - kChunkTail});
+  });
+  return chunks;
+}
+
+Bytes WithChunksOf(const Bytes& from, const Bytes& to,
+                   const std::function<bool(const PngChunk&)>& left_out) {
   constexpr const char* kKept[] = {"cHRM", "gAMA", "iCCP", "sRGB", "cICP",
                                    "pHYs", "tEXt", "zTXt", "iTXt", "eXIf"};
   Bytes chunks;
-  ForEachChunk(from, [&](const uint8_t* chunk, size_t whole) {
-    const bool kept = std::any_of(std::begin(kKept), std::end(kKept), [chunk](const char* type) {
-      return std::memcmp(chunk + 4, type, 4) == 0;
+  for (const PngChunk& chunk : PngChunks(from)) {
+    const bool kept = std::any_of(std::begin(kKept), std::end(kKept), [&chunk](const char* type) {
+      return std::memcmp(chunk.type, type, 4) == 0;
     });
-    if (kept) chunks.insert(chunks.end(), chunk, chunk + whole);
-  });
-  return Inserted(chunks, to);
+    if (!kept || left_out(chunk)) continue;
+    const uint8_t* const end = chunk.content + chunk.size + kChunkTail;
+    chunks.insert(chunks.end(), chunk.content - kChunkHead, end);
+  }
+  return WithChunks(chunks, to);
 }
 
-Bytes WithProfile(const uint8_t* profile, size_t size, const Bytes& to) {
-  // Type, the profile's name with its end, and the number of the only compression there is.
-  constexpr char kHead[] = "iCCPICC profile\0";
-  uLongf packed = compressBound(static_cast<uLong>(size));
+Bytes ChunkOf(const char* type, const Bytes& content) {
+  Bytes chunk;
+  AppendBigEndian(static_cast<uint32_t>(content.size()), chunk);
+  chunk.insert(chunk.end(), type, type + 4);
+  chunk.insert(chunk.end(), content.begin(), content.end());
+  const auto checked = static_cast<uInt>(content.size() + 4);  // the length is not
+  AppendBigEndian(static_cast<uint32_t>(crc32(0, &chunk[4], checked)), chunk);
+  return chunk;
+}
+
+Bytes ProfileChunk(const Bytes& profile) {
+  // The profile's name, without which decoders reject it, and the only compression there is.
+  constexpr char kHead[] = "ICC profile\0";
+  uLongf packed = compressBound(static_cast<uLong>(profile.size()));
   Bytes content(sizeof(kHead) + packed);
   std::memcpy(content.data(), kHead, sizeof(kHead));
-  compress(content.data() + sizeof(kHead), &packed, profile, static_cast<uLong>(size));
+  compress(content.data() + sizeof(kHead), &packed, profile.data(),
+           static_cast<uLong>(profile.size()));
   content.resize(sizeof(kHead) + packed);
+  return ChunkOf("iCCP", content);
+}
 
-  Bytes chunk;
-  AppendBigEndian(static_cast<uint32_t>(content.size() - 4), chunk);  // the type does not count
-  chunk.insert(chunk.end(), content.begin(), content.end());
-  AppendBigEndian(
-      static_cast<uint32_t>(crc32(0, content.data(), static_cast<uInt>(content.size()))), chunk);
-  return Inserted(chunk, to);
+Bytes WithChunks(const Bytes& chunks, const Bytes& file) {
+  Bytes result = file;
+  result.insert(result.begin() + kBehindHeader, chunks.begin(), chunks.end());
+  return result;
 }
 
 }  // namespace lumora::tools

@@ -2,8 +2,10 @@
 #ifndef LUMORA_TOOLS_PICTURE_PNG_CHUNKS_H_
 #define LUMORA_TOOLS_PICTURE_PNG_CHUNKS_H_
 
+#include <functional>
 #include <opencv2/core/types.hpp>
 #include <optional>
+#include <vector>
 
 #include "tools/lumora/support/files.h"
 
@@ -25,12 +27,30 @@ size_t PngEnd(const Bytes& file);
 /// Whether a whole file holds further frames, which decoders that do not know them leave out.
 bool IsAnimatedPng(const Bytes& file);
 
-/// `to` with what `from` says about its colours, its resolution and itself (texts and EXIF). Both
-/// are whole PNG files.
-Bytes WithChunksOf(const Bytes& from, const Bytes& to);
+/// A chunk of a file.
+struct PngChunk {
+  const uint8_t* type;     ///< four letters
+  const uint8_t* content;  ///< in the file
+  size_t size;
+};
 
-/// `to`, a whole PNG file, with an ICC colour profile.
-Bytes WithProfile(const uint8_t* profile, size_t size, const Bytes& to);
+/// The chunks up to the end marker; what is cut short ends the list.
+std::vector<PngChunk> PngChunks(const Bytes& file);
+
+/// `to` with what `from` says about its colours, its resolution and itself (texts and EXIF), apart
+/// from chunks that are to be left out. Both are whole PNG files.
+Bytes WithChunksOf(
+    const Bytes& from, const Bytes& to,
+    const std::function<bool(const PngChunk&)>& left_out = [](const PngChunk&) { return false; });
+
+/// A chunk with its checksum.
+Bytes ChunkOf(const char* type, const Bytes& content);
+
+/// The chunk of an ICC colour profile.
+Bytes ProfileChunk(const Bytes& profile);
+
+/// A whole PNG file with further chunks about its picture.
+Bytes WithChunks(const Bytes& chunks, const Bytes& file);
 
 }  // namespace lumora::tools
 
