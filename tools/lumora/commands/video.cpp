@@ -1,7 +1,7 @@
 // lumora video: a Y4M clip in, the retouched clip out, one frame at a time.
-#include <errno.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>

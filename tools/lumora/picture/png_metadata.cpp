@@ -60,8 +60,7 @@ std::string KeyOf(const PngChunk& chunk) {
 
 /// What follows the key, unpacked.
 Bytes TextOf(const PngChunk& chunk) {
-  const Bytes rest =
-      Part(Bytes(chunk.content, chunk.content + chunk.size), KeyOf(chunk).size() + 1);
+  Bytes rest = Part(Bytes(chunk.content, chunk.content + chunk.size), KeyOf(chunk).size() + 1);
   if (Is(chunk, "tEXt")) return rest;
   if (!Is(chunk, "iTXt")) return Inflated(Part(rest, 1));  // behind the kind of compression
   if (rest.size() < 2) return {};

@@ -92,6 +92,7 @@ class Decoder : Codec {
       throw PngError("unknown kind of pixels");
     }
     std::vector<png_bytep> rows;
+    rows.reserve(static_cast<size_t>(height));
     for (int y = 0; y < height; ++y) rows.push_back(result.pixels.ptr(y));
     Guard([&] {
       png_read_image(png_, rows.data());
@@ -143,6 +144,7 @@ class Encoder : Codec {
 
   Bytes Encode(const cv::Mat& pixels) {
     std::vector<png_bytep> rows;
+    rows.reserve(static_cast<size_t>(pixels.rows));
     for (int y = 0; y < pixels.rows; ++y) rows.push_back(const_cast<png_bytep>(pixels.ptr(y)));
     Guard([&] {
       AskForSpeed();
