@@ -100,10 +100,10 @@ void Patterns(Input& input) {
 
 }  // namespace
 
-// The linker puts this in the place of the library's fopen.
-extern "C" std::FILE* __real_fopen(const char* path, const char* mode);
-extern "C" std::FILE* __wrap_fopen(const char* path, const char* mode) {
-  return s_opened = __real_fopen(path, mode);
+// The linker puts this in the place of the library's fdopen.
+extern "C" std::FILE* __real_fdopen(int file, const char* mode);
+extern "C" std::FILE* __wrap_fdopen(int file, const char* mode) {
+  return s_opened = __real_fdopen(file, mode);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

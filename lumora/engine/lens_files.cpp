@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
 
 #include "lumora/geometry/lens.h"
+#include "lumora/platform/c_locale.h"
+#include "lumora/platform/regular_file.h"
 #include "lumora/platform/settings.h"
 
 namespace lumora {
@@ -21,11 +24,7 @@ struct FileText {
   explicit FileText(const char* path) {
     char whole[PATH_MAX];
     if (!platform::SystemPath(path, whole, sizeof(whole))) return;
-    if (std::FILE* file = std::fopen(whole, "rb")) {
-      const size_t count = std::fread(text, 1, kTextSize, file);
-      std::fclose(file);
-      text[count] = '\0';
-    }
+    text[platform::ReadRegularFile(whole, text, kTextSize)] = '\0';
   }
 };
 
@@ -46,6 +45,8 @@ std::array<float, 4> ReadLensCoefficients(bool second_camera) {
   std::array<float, 4> k{};
   std::copy(std::begin(kDefaultLensCoefficients), std::end(kDefaultLensCoefficients), k.begin());
 
+  const platform::CLocale locale;
+  if (!locale.ok()) return k;
   char path[kTextSize];
   std::snprintf(path, sizeof(path), "/system/etc/%s_1", ReadSensorName(second_camera).text);
   const FileText file(path);
@@ -54,7 +55,11 @@ std::array<float, 4> ReadLensCoefficients(bool second_camera) {
   if (key == nullptr) return k;
   const char* separator = key + std::strlen(kKey);
   if (*separator == '\0') return k;
-  std::sscanf(separator + 1, "%f %f %f %f", &k[0], &k[1], &k[2], &k[3]);
+  float told[4];
+  const int count =
+      std::sscanf(separator + 1, "%f %f %f %f", &told[0], &told[1], &told[2], &told[3]);
+  // What is no finite number ends them, as what is none at all does.
+  for (int i = 0; i < count && std::isfinite(told[i]); ++i) k[static_cast<size_t>(i)] = told[i];
   return k;
 }
 

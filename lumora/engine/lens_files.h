@@ -9,8 +9,9 @@ namespace lumora {
 /// Coefficients k0 .. k3 of the lens of the first or second camera. The camera's sensor name is the
 /// first word after the first space in "/sys/android_camera/sensor" ("/sys/android_camera2/sensor"
 /// for the second); the coefficients are the numbers after "r_param" and one separator in
-/// "/system/etc/<name>_1". Only the first 100 bytes of a file count. Whatever is missing or does
-/// not parse keeps the default of kDefaultLensCoefficients. Paths lie below the system root.
+/// "/system/etc/<name>_1", with a decimal point whatever the host's locale. Only regular files and
+/// their first 100 bytes count. Whatever is missing, does not parse or is not finite, and all that
+/// follows it, keeps the default of kDefaultLensCoefficients. Paths lie below the system root.
 std::array<float, 4> ReadLensCoefficients(bool second_camera);
 
 }  // namespace lumora

@@ -9,6 +9,7 @@
 #include "lumora/gl/log.h"
 #include "lumora/gl/step_timer.h"
 #include "lumora/platform/gl_api.h"
+#include "lumora/platform/regular_file.h"
 
 LUMORA_LOG_TAG("EGLImageTest");
 
@@ -53,7 +54,7 @@ void FillStripes(unsigned short* pixels, unsigned width, unsigned height) {
 }  // namespace
 
 int Load565FromFile(const char* path, unsigned short* buf, int n) {
-  std::FILE* file = std::fopen(path, "rb");
+  std::FILE* file = lumora::platform::OpenRegularFile(path);
   if (file == nullptr) {
     LOGE("File is fail, fp: %d", 0);
     LOGE("Cannot open input RGB565 file....\n");
@@ -71,7 +72,7 @@ int Load565FromFile(const char* path, unsigned short* buf, int n) {
 
 unsigned char* LoadTGA(const char* path, unsigned int* pWidth, unsigned int* pHeight,
                        unsigned int* pFormat) {
-  std::FILE* file = std::fopen(path, "rb");
+  std::FILE* file = lumora::platform::OpenRegularFile(path);
   if (file == nullptr) return nullptr;
   std::memset(s_tgaHeader, 0, sizeof(s_tgaHeader));
   const size_t header = std::fread(s_tgaHeader, 1, sizeof(s_tgaHeader), file);

@@ -13,6 +13,7 @@ set(lumora_platform_sources
   platform/gralloc.cpp
   platform/graphic_buffer.cpp
   platform/pixel_digest.cpp
+  platform/regular_file.cpp
   platform/settings.cpp)
 set(lumora_platform_libraries "")
 set(lumora_platform_rpath "")

@@ -4,6 +4,8 @@
 #include <GLES2/gl2.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -37,6 +39,27 @@ class Pixels {
 ptrdiff_t OpenFiles() {
   const std::filesystem::directory_iterator files("/proc/self/fd");
   return std::distance(begin(files), end(files));
+}
+
+// A pipe that nobody writes into would keep its reader for ever.
+TEST(ImageFiles, OnlyRegularFilesAreRead) {
+  const TempDirectory directory;
+  const std::string pipe = directory.file("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const ptrdiff_t open_files = OpenFiles();
+  alarm(20);
+  for (const std::string& path : {pipe, directory.path(), std::string("/dev/zero")}) {
+    LogCapture log;
+    unsigned short pixel = 7;
+    EXPECT_EQ(0, Load565FromFile(path.c_str(), &pixel, 0)) << path;
+    EXPECT_TRUE(LogIs(log, {Error(kTag, "File is fail, fp: 0"),
+                            Error(kTag, "Cannot open input RGB565 file....\n")}));
+    unsigned width = 7, height = 7, format = 7;
+    EXPECT_EQ(nullptr, LoadTGA(path.c_str(), &width, &height, &format)) << path;
+    EXPECT_EQ(width, 7u);
+  }
+  alarm(0);
+  EXPECT_EQ(open_files, OpenFiles());
 }
 
 TEST(Load565, NoPixelsOfAFileThatIsThereAreASuccess) {

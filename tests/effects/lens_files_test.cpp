@@ -1,12 +1,20 @@
 // The sensor and parameter files of a lens, in every shape that they may have.
 #include "lumora/engine/lens_files.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <cmath>
+#include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <ostream>
+#include <random>
 
 #include "lumora/platform/settings.h"
+#include "support/comma_locale.h"
 #include "support/scoped.h"
 
 namespace lumora::test {
@@ -66,6 +74,81 @@ TEST_F(LensFiles, ADirectoryIsNoFile) {
   std::filesystem::create_directories(root_.path() + "/sys/android_camera/sensor");
   std::filesystem::create_directories(root_.path() + "/system/etc/_1");
   EXPECT_EQ(kDefaults, ReadLensCoefficients(false));
+}
+
+TEST_F(LensFiles, NumbersHaveADecimalPointInEveryLocale) {
+  write_sensor("back lens");
+  const CommaLocale comma;
+  write("/system/etc/lens_1", "r_param 1.25 -0.5 .125 2.5e-1");
+  EXPECT_EQ((std::array<float, 4>{1.25f, -0.5f, 0.125f, 0.25f}), ReadLensCoefficients(false));
+  write("/system/etc/lens_1", "r_param 1,25 2 3 4");
+  EXPECT_EQ((std::array<float, 4>{1, k1, k2, k3}), ReadLensCoefficients(false));
+  float number = 0;
+  EXPECT_EQ(std::sscanf("1,25", "%f", &number), 1);
+  EXPECT_EQ(number, 1.25f) << "the host keeps its locale";
+}
+
+// All that could be a number or nearly: what counts is what the C library's reader makes of it.
+TEST_F(LensFiles, NumbersAreThoseOfTheCLibrary) {
+  write_sensor("back lens");
+  std::mt19937 random(17);
+  const char* const kWords[] = {"1",   "-2.5", "+.5", "3.",    "1e3",  "1E-2", "0x1p3",  "0x.8",
+                                "007", "1e",   "1e+", "0x",    "1e50", "-inf", "nan(1)", "infinit",
+                                ".",   "-",    "+-1", "1.2.3", "4d",   "1_0",  "1e-60",  "x"};
+  const char* const kBetween[] = {" ", " ", " ", "\t", "\n", "  ", ",", ""};
+  int all = 0;
+  for (int round = 0; round < 300; ++round) {
+    std::string text;
+    for (int word = 0; word < 4; ++word) {
+      const size_t likely = random() % 4 == 0 ? std::size(kWords) : 8;
+      text += kWords[random() % likely];
+      text += kBetween[random() % std::size(kBetween)];
+    }
+    std::array<float, 4> expected = kDefaults;
+    std::array<float, 4> told = {};
+    const int count =
+        std::sscanf(text.c_str(), "%f %f %f %f", &told[0], &told[1], &told[2], &told[3]);
+    for (size_t i = 0; static_cast<int>(i) < count && std::isfinite(told[i]); ++i) {
+      expected[i] = told[i];
+    }
+    write("/system/etc/lens_1", "r_param=" + text);
+    ASSERT_EQ(expected, ReadLensCoefficients(false)) << text;
+    all += expected[3] != k3 ? 1 : 0;
+  }
+  EXPECT_GT(all, 50);
+}
+
+// Nobody writes into the pipes, and devices have no end: reading either would never return.
+TEST_F(LensFiles, OnlyRegularFilesAreRead) {
+  write("/system/etc/lens_1", "r_param 1 2 3 4");
+  write("/system/etc/_1", "r_param 5 6 7 8");  // of a sensor without a name
+  const std::string sensor = root_.path() + "/sys/android_camera/sensor";
+  const std::string lens = root_.path() + "/system/etc/lens_1";
+  constexpr std::array<float, 4> kNameless = {5, 6, 7, 8};
+  alarm(20);
+  std::filesystem::create_directories(root_.path() + "/sys/android_camera");
+  ASSERT_EQ(mkfifo(sensor.c_str(), 0600), 0);
+  EXPECT_EQ(kNameless, ReadLensCoefficients(false));
+  std::filesystem::remove(sensor);
+  std::filesystem::create_symlink("/dev/zero", sensor);
+  EXPECT_EQ(kNameless, ReadLensCoefficients(false));
+  std::filesystem::remove(sensor);
+
+  write_sensor("back lens");
+  EXPECT_EQ((std::array<float, 4>{1, 2, 3, 4}), ReadLensCoefficients(false));
+  std::filesystem::remove(lens);
+  ASSERT_EQ(mkfifo(lens.c_str(), 0600), 0);
+  EXPECT_EQ(kDefaults, ReadLensCoefficients(false));
+  // One that has something to say is no file either.
+  const int pipe = open(lens.c_str(), O_RDWR);
+  ASSERT_EQ(::write(pipe, "r_param 1 2 3 4", 15), 15);
+  EXPECT_EQ(kDefaults, ReadLensCoefficients(false));
+  close(pipe);
+  alarm(0);
+  std::filesystem::remove(lens);
+  write("/elsewhere", "r_param 1 2 3 4");
+  std::filesystem::create_symlink(root_.path() + "/elsewhere", lens);
+  EXPECT_EQ((std::array<float, 4>{1, 2, 3, 4}), ReadLensCoefficients(false)) << "links lead on";
 }
 
 struct Sensor {
@@ -155,6 +238,14 @@ const Parameters kParameters[] = {
     {"NotANumber", "r_param x 2 3 4", kDefaults},
     {"NotANumberLater", "r_param 1 2 x 4", {1, 2, k2, k3}},
     {"CommasEndTheNumbers", "r_param 1,2,3,4", {1, k1, k2, k3}},
+    {"NanEndsTheNumbers", "r_param 1 nan 3 4", {1, k1, k2, k3}},
+    {"InfEndsTheNumbers", "r_param 1 2 -inf 4", {1, 2, k2, k3}},
+    {"InfinityFirst", "r_param infinity 2 3 4", kDefaults},
+    {"TooLargeEndsTheNumbers", "r_param 1 2 3 1e999", {1, 2, 3, k3}},
+    {"TooLargeAndNegative", "r_param -1e999 2 3 4", kDefaults},
+    {"TheLargest", "r_param 3.4028234e38 1 1 1", {3.4028234e38f, 1, 1, 1}},
+    {"JustTooLarge", "r_param 1 3.4028236e38 1 1", {1, k1, k2, k3}},
+    {"TooSmallIsZero", "r_param 1e-999 -1e-999 3 4", {0, -0.0f, 3, 4}},
     {"OtherCase", "R_PARAM 1 2 3 4", kDefaults},
     {"OtherKey", "k_param 1 2 3 4", kDefaults},
     {"Empty", "", kDefaults},

@@ -59,11 +59,11 @@ enum class Call {
   Stat,
   Read,
   MakeDirectory,
-  MakeTemporary,  ///< mkostemp
+  MakeTemporary,  ///< openat of a file that is not there yet
   Write,
   Close,  ///< closes and says that it could not
   Rename,
-  OpenStream,  ///< fopen
+  OpenStream,  ///< fdopen
   ReadStream,  ///< fread
 };
 constexpr size_t kCalls = static_cast<size_t>(Call::ReadStream) + 1;

@@ -43,8 +43,8 @@ TEST_F(ImageFileFaults, OfLoad565AreTold) {
   const LogLine cannot_open = Error(kTag, "Cannot open input RGB565 file....\n");
   unsigned short pixels[2] = {7, 7};
   const MeantLeaks leaks;  // the stream of a file that cannot be read stays open
-  {
-    const FaultScope scope(Fault{Call::OpenStream, 1});
+  for (const Call call : {Call::Open, Call::Stat, Call::OpenStream}) {
+    const FaultScope scope(Fault{call, 1});
     LogCapture log;
     EXPECT_EQ(0, Load565FromFile(path_.c_str(), pixels, 0));
     EXPECT_TRUE(LogIs(log, {Error(kTag, "File is fail, fp: 0"), cannot_open}));
@@ -62,7 +62,9 @@ TEST_F(ImageFileFaults, OfLoadTgaGiveNothingOrZeros) {
   const struct {
     Fault fault;
     std::string pixels;
-  } rows[] = {{{Call::OpenStream, 1}, "none"},
+  } rows[] = {{{Call::Open, 1}, "none"},
+              {{Call::Stat, 1}, "none"},
+              {{Call::OpenStream, 1}, "none"},
               {{Call::ReadStream, 1}, ""},  // the header: a picture of nothing
               {{Call::ReadStream, 2}, std::string(6, '\0')},
               {{Call::NewArray, 1}, "none"}};

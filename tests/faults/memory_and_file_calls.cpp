@@ -39,7 +39,7 @@ int __real_mkdir(const char* path, mode_t mode);
 ssize_t __real_write(int file, const void* data, size_t size);
 int __real_close(int file);
 int __real_renameat(int from_folder, const char* from, int to_folder, const char* to);
-std::FILE* __real_fopen(const char* path, const char* mode);
+std::FILE* __real_fdopen(int file, const char* mode);
 size_t __real_fread(void* data, size_t size, size_t count, std::FILE* file);
 
 void* __wrap_malloc(size_t size) {
@@ -116,8 +116,8 @@ int __wrap_renameat(int from_folder, const char* from, int to_folder, const char
   return __real_renameat(from_folder, from, to_folder, to);
 }
 
-std::FILE* __wrap_fopen(const char* path, const char* mode) {
-  return FailsWithErrno(Call::OpenStream, EMFILE) ? nullptr : __real_fopen(path, mode);
+std::FILE* __wrap_fdopen(int file, const char* mode) {
+  return FailsWithErrno(Call::OpenStream, ENOMEM) ? nullptr : __real_fdopen(file, mode);
 }
 
 size_t __wrap_fread(void* data, size_t size, size_t count, std::FILE* file) {

@@ -9,7 +9,7 @@ set(lumora_wrapped_functions
   glGetUniformLocation
   dlsym
   malloc calloc posix_memalign _ZnwmRKSt9nothrow_t _ZnamRKSt9nothrow_t
-  open openat fstat read mkdir write close renameat fopen fread)
+  open openat fstat read mkdir write close renameat fdopen fread)
 
 # Every form of operator new.
 set(lumora_allocating_functions _Znwm _Znam _ZnwmSt11align_val_t _ZnamSt11align_val_t)

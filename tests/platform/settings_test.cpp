@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <optional>
@@ -73,6 +74,36 @@ TEST(SystemProperty, ComesFromTheFileElse) {
 TEST(SystemProperty, AMissingFileIsNoFailure) {
   const ScopedEnvironment file("LUMORA_PROP_FILE", "/nonexistent/file");
   EXPECT_EQ(Get("a.b").length, 0);
+}
+
+// A pipe that nobody writes into would keep its reader for ever, a device has no end.
+TEST(SystemProperty, OnlyARegularFileIsRead) {
+  const TempDirectory directory;
+  ASSERT_EQ(mkfifo(directory.file("pipe").c_str(), 0600), 0);
+  alarm(20);
+  for (const std::string& path :
+       {directory.file("pipe"), directory.path(), std::string("/dev/zero")}) {
+    const ScopedEnvironment file("LUMORA_PROP_FILE", path);
+    EXPECT_EQ(Get("a.b").length, 0) << path;
+  }
+  alarm(0);
+}
+
+TEST(SystemProperty, LinesOfTheFileMayHaveAnyLength) {
+  const TempDirectory directory;
+  const std::string path = directory.file("properties");
+  const ScopedEnvironment file("LUMORA_PROP_FILE", path);
+  for (const char* const end : {"\n", "\r\n", ""}) {
+    for (const size_t size : {0u, 1u, 90u, 91u, 92u, 93u, 5000u, 1000000u}) {
+      const std::string value(size, 'v');
+      WriteFile(path, std::string(size, 'x') + "=a.b=" + end + "\na.bc=1\na.b=" + value + end);
+      EXPECT_EQ(Get("a.b").value, value.substr(0, 91)) << size;
+      EXPECT_EQ(Get("a.bc").value, "1");
+    }
+  }
+  WriteFile(path, std::string("a.b=x\0y\n", 8) + "\r\n=\n\n==\r");
+  EXPECT_EQ(Get("a.b").length, 3);
+  EXPECT_EQ(Get("=").length, 0);
 }
 
 constexpr unsigned kVerboseBit = 0x01, kDebugBit = 0x02, kInfoBit = 0x04, kErrorBit = 0x10;

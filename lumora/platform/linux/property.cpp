@@ -1,22 +1,49 @@
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <memory>
 #include <string>
 
 #include "lumora/platform/out_of_memory.h"
+#include "lumora/platform/regular_file.h"
 #include "lumora/platform/settings.h"
 
 namespace {
 
+/// The file of a stream that is closed at the end.
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+/// Reads a line of "name=value" from its start, and says whether it is that of `name`. The value,
+/// as far as it fits, and whatever else the line holds, has then been read.
+bool ReadLine(std::FILE* file, const std::string& name, std::string* value) {
+  constexpr size_t kKept = lumora::platform::kPropertyValueMax;  // one more than a value has
+  size_t matched = 0;
+  bool fits = true, cut = false;
+  value->clear();
+  int c = std::getc(file);
+  for (; c != EOF && c != '\n'; c = std::getc(file)) {
+    if (matched <= name.size()) {
+      fits = fits && c == (matched < name.size() ? static_cast<unsigned char>(name[matched]) : '=');
+      ++matched;
+    } else if (value->size() < kKept) {
+      value->push_back(static_cast<char>(c));
+    } else {
+      cut = true;
+    }
+  }
+  if (!cut && !value->empty() && value->back() == '\r') value->pop_back();
+  return fits && matched > name.size();
+}
+
 // The value in a file of "name=value" lines; empty when absent.
 std::string FromFile(const char* path, const std::string& name) {
-  std::ifstream file(path);
-  for (std::string line; std::getline(file, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.size() > name.size() && line[name.size()] == '=' && line.rfind(name, 0) == 0) {
-      return line.substr(name.size() + 1);
-    }
+  const std::unique_ptr<std::FILE, CloseFile> file(lumora::platform::OpenRegularFile(path));
+  std::string value;
+  while (file != nullptr && std::feof(file.get()) == 0 && std::ferror(file.get()) == 0) {
+    if (ReadLine(file.get(), name, &value)) return value;
   }
   return {};
 }
