@@ -25,8 +25,7 @@ namespace android {
 /// beauty engines may live in one process, one a thread.
 ///
 /// Failure: nothing throws; the log (tag "GPUColorConvert") tells. A converter whose construction
-/// failed
-/// (`m_bEGLReady` false) is good for destruction only.
+/// failed (`m_bEGLReady` false) is good for destruction only.
 class LUMORA_API GPUColorConverter {
  public:
   GPUColorConverter();
@@ -53,8 +52,8 @@ class LUMORA_API GPUColorConverter {
   int ConvertYUV(void* pSrc);
 
   /// The RGB image: R, G, B, A bytes, rows of the width rounded up to 32 pixels. Null before Init,
-  /// and when the converter's context, in which it was drawn, is not current.
-  /// Valid until DeInit; read it after ConvertYUV and ask again for each frame.
+  /// and when the converter's context, in which it was drawn, is not current. Valid until DeInit;
+  /// read it after ConvertYUV and ask again for each frame.
   unsigned char* GetRGB_Image();
   /// The HSI image: hue (255 is a turn), saturation, intensity, 255; rows as above.
   unsigned char* GetHSI_Image();

@@ -71,28 +71,31 @@ class LUMORA_API GPUBeautyFace {
 
   // ---- Set-up -----------------------------------------------------------------------------------
 
+  // clang-format off
   /// Prepares the preview path; a set-up that is still there is released first.
-  ///   nSrcImageWidth, nSrcImageHeight  size of the caller's frames, pixels; width at least 16 and
-  ///   even procWidth, procHeight            size of the result, normally the same; a result that
-  ///   is wider in
-  ///                                    shape than the source lays the frame across (`m_bRotate`)
+  ///   nSrcImageWidth, nSrcImageHeight
+  ///               size of the caller's frames, pixels; the width is even and at least 16
+  ///   procWidth, procHeight
+  ///               size of the result, normally the same; a result that is wider in shape than the
+  ///               source lays the frame across (`m_bRotate`)
   ///   pStride     with colorCvt: receives the source width rounded up to 32; else not written
   ///   colorCvt    the caller fills the input image through LoadPreviewFrameBuffer and ConvertYUV,
-  ///   and
-  ///               processing calls do not upload the frame again
+  ///               and processing calls do not upload the frame again
   /// Always returns 1: a texture or program that failed shows in the log and in the drawing calls.
+  // clang-format on
   int Init(int nSrcImageWidth, int nSrcImageHeight, int procWidth, int procHeight, int* pStride,
            bool colorCvt);
 
+  // clang-format off
   /// Prepares a still capture. Captures wider than 1280 pixels are processed in blocks of 384 x
   /// 384, smaller ones at once (at most 2048 x 1536).
   ///   pY, pCbCr      the frame's planes; read during this call when blockMode is false
   ///   width, height  size of the capture, pixels
   ///   pStride        with blockMode: receives the width rounded up to 32; else not written
-  ///   blockMode      true: the capture goes through the HSI chain, with a store of the whole
-  ///   frame;
+  ///   blockMode      true: the frame goes through the HSI chain, with a store of all of it;
   ///                  false: its planes become two textures
   /// Always returns 1, as Init does. A preview set-up must have been released before.
+  // clang-format on
   int InitCapture(void* pY, void* pCbCr, int width, int height, int* pStride, bool blockMode);
 
   /// Releases what Init made. Returns 1.
@@ -205,16 +208,19 @@ class LUMORA_API GPUBeautyFace {
   /// image i mod 2. Returns 1, or 0 when a program or image is missing.
   int DrawFaceDist(int index);
 
+  // clang-format off
   /// Slims the faces of a capture, block by block around each face, and writes the processed blocks
   /// to two planes whose rows have the full capture width; the rest of them is left as it is.
   ///   in, out        luma and chroma plane to write to
   ///   width, height  size of the capture, pixels; at least 20 rows in block mode
   ///   faces, count   consecutive records; in block mode at most 10 (more: ERROR, and 10 are
-  ///   processed) level          beauty level, as in FaceProcess
+  ///                  processed)
+  ///   level          beauty level, as in FaceProcess
   /// Outside block mode blocks lie around each face's centre. In block mode they lie in the
   /// rectangles that whitening recorded, and a GLProgCheekSlimmerLarge_HSI must be in
   /// `m_pProgCheekSlimmer`: the set-up makes none. The argument after height is not used. Always
   /// returns 1.
+  // clang-format on
   int FaceProcessLarge(void* in, void* out, int width, int height, int unused, FACE_INFO_t* faces,
                        int count, int level);
 
@@ -224,6 +230,7 @@ class LUMORA_API GPUBeautyFace {
 
   // ---- Face whitening ---------------------------------------------------------------------------
 
+  // clang-format off
   /// Whitens faces of a preview frame in colour-convert mode, between ConvertYUV and
   /// ConvertHSItoYUV.
   ///   pFaces, nFaces    consecutive records
@@ -232,17 +239,19 @@ class LUMORA_API GPUBeautyFace {
   /// `m_nResultIdx` names the image with the result: 2 after an odd number of faces, 1 after an
   /// even one, and 3, the input image, without a face. Returns 1, or 0 when an image or program is
   /// missing.
+  // clang-format on
   int DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel, int nSaturationLevel,
                       BEAUTYSHOT_EFFECT_t eEffect);
 
+  // clang-format off
   /// Whitens faces of a capture in block mode into the store of the whole frame;
   /// CopyMemYUVfromSrcTextureLarge then brings the blocks back. At most 10 faces (more: ERROR, and
   /// 10 are processed); frames must be at least 20 x 20 pixels.
   ///   pSrcY   luma plane, tightly packed, with the chroma rows directly after it (faces are
-  ///   measured
-  ///           there)
+  ///           measured there)
   ///   pSrcUV  chroma plane that is expanded, rows of the full capture width
   /// Returns 1.
+  // clang-format on
   int DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSrcUV, FACE_INFO_t* pFaces,
                            int nFaces, int nIntensityLevel, int nSaturationLevel,
                            BEAUTYSHOT_EFFECT_t eEffect);

@@ -54,8 +54,8 @@ struct EllipseShape {
   double direction;            ///< of the first axis, radians
   float half_first, half_second;
 
-  bool empty()
-      const;  ///< Half axes of 2 pixels or less make an ellipse that holds next to nothing.
+  /// Half axes of 2 pixels or less make an ellipse that holds next to nothing.
+  bool empty() const;
 };
 EllipseShape ShapeOf(const EllipseAxes& axes);
 

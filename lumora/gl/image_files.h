@@ -27,16 +27,17 @@ LUMORA_API unsigned char* LoadTGA(const char* path, unsigned int* pWidth, unsign
 LUMORA_API int InputImageMemcopy(unsigned short* src, unsigned short* dst, int w, int h);
 
 /// Fills `buf` (w x h RGBA pixels, tightly packed) with a colour gradient under an 8 x 8
-/// checkerboard of full and half brightness. `format` 1 alone does anything; w and h are at
-/// least 2.
+/// checkerboard of full and half brightness. `format` 1 alone does anything; w and h are 2 or more.
 LUMORA_API void CreateTestPattern(int w, int h, int format, char* buf);
 
+// clang-format off
 /// Vertical RGB565 stripes: red up to 0.3125 of the width, blue beyond 0.6875, green between.
 ///   mode 0  w x h pixels, tightly packed, into `buf`
-///   mode 1  for w that is no multiple of 32: on aligned rows into `buf`; returns
-///   InputImageMemcopy's 1
+///   mode 1  for w that is no multiple of 32: on aligned rows into `buf`; returns the 1 of
+///           InputImageMemcopy
 /// Any other case writes nothing, and the result means nothing outside that of mode 1. A null `buf`
 /// is replaced by memory that is left to nobody; so is the packed image of mode 1.
+// clang-format on
 LUMORA_API int Create565Pattern(unsigned int w, unsigned int h, int mode, unsigned short* buf);
 
 #endif  // LUMORA_GL_IMAGE_FILES_H_

@@ -42,8 +42,8 @@ class LUMORA_API SEGLImage {
 
   /// The address of the first pixel (buffer mode), null in plain mode and when the GPU has newer
   /// pixels that cannot be had without the context. Rows are the width rounded up to 32 pixels, 4
-  /// bytes a pixel. Everything that the GPU has drawn is visible there: call it
-  /// at each use and never keep the address over a draw.
+  /// bytes a pixel. Everything that the GPU has drawn is visible there: call it at each use and
+  /// never keep the address over a draw.
   unsigned char* Lock();
 
   /// Writes back what the CPU wrote since `Lock`, so that the GPU sees it. Returns the allocator's

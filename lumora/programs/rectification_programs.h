@@ -21,8 +21,8 @@ class LUMORA_API GLProgRectificaton : public GLProgram {
   bool Load() override;
   bool Use() override;
 
-  /// Corners in texture coordinates of the input: 0 and 1 the ends of the edge drawn at y = 0 (x =
-  /// 0 and x = 1), 2 and 3 those of the edge at y = 1.
+  /// Corners in texture coordinates of the input: 0 and 1 the ends of the edge drawn at y = 0 (at
+  /// x = 0 and x = 1), 2 and 3 those of the edge at y = 1.
   float m_fvQuad[4][2] = {};
   /// Chosen before Load: the variant that paints a red dot showing `m_fDegree`.
   bool m_bShowMask = false;
