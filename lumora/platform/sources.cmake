@@ -4,15 +4,15 @@
 #   lumora_platform_rpath      run-time directories of libraries outside the loader's path
 
 set(lumora_platform_sources
-  platform/buffer_geometry.cpp
-  platform/buffer_registry.cpp
+  platform/buffer/buffer_geometry.cpp
+  platform/buffer/buffer_registry.cpp
+  platform/buffer/coherence.cpp
+  platform/buffer/gralloc.cpp
+  platform/buffer/graphic_buffer.cpp
+  platform/buffer/pixel_digest.cpp
   platform/byte_digest.cpp
-  platform/coherence.cpp
   platform/driver_digest.cpp
   platform/gl_api.cpp
-  platform/gralloc.cpp
-  platform/graphic_buffer.cpp
-  platform/pixel_digest.cpp
   platform/regular_file.cpp
   platform/settings.cpp)
 set(lumora_platform_libraries "")

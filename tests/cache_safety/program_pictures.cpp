@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "lumora/platform/pixel_digest.h"
+#include "lumora/platform/buffer/pixel_digest.h"
 #include "programs/program_draw.h"
 #include "support/pictures.h"
 

@@ -1,5 +1,5 @@
 // The coherence rule against a memory that is always coherent: whoever writes, everybody sees it.
-#include "lumora/platform/coherence.h"
+#include "lumora/platform/buffer/coherence.h"
 
 #include <gtest/gtest.h>
 

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <vector>
 
-#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/buffer/buffer_geometry.h"
+#include "lumora/platform/buffer/pixel_digest.h"
 #include "lumora/platform/gralloc.h"
 #include "lumora/platform/graphic_buffer.h"
-#include "lumora/platform/pixel_digest.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "lumora/platform/buffer_backing.h"
+#include "lumora/platform/buffer/buffer_backing.h"
 #include "lumora/platform/linux/memory_object.h"
 #include "lumora/platform/linux/memory_object_proof.h"
 #include "lumora/platform/linux/staged.h"

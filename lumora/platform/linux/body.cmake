@@ -5,7 +5,7 @@ list(APPEND lumora_platform_sources
   platform/linux/cache_levels.cpp
   platform/linux/display.cpp
   platform/linux/fresh_memory.cpp
-  platform/linux/log_mask.cpp
+  platform/linux/log.cpp
   platform/linux/memory_object.cpp
   platform/linux/memory_object_proof.cpp
   platform/linux/memory_object_rehearsal.cpp

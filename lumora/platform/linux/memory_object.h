@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "lumora/platform/buffer_backing.h"
+#include "lumora/platform/buffer/buffer_backing.h"
 #include "lumora/platform/linux/vulkan_memory.h"
 
 namespace lumora::platform {

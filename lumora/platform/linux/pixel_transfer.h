@@ -4,7 +4,7 @@
 
 #include <GLES2/gl2.h>
 
-#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/buffer/buffer_geometry.h"
 
 namespace lumora::platform {
 

@@ -8,8 +8,8 @@
 #include <memory>
 #include <optional>
 
-#include "lumora/platform/buffer_backing.h"
-#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/buffer/buffer_backing.h"
+#include "lumora/platform/buffer/buffer_geometry.h"
 #include "lumora/platform/linux/owned_texture.h"
 #include "lumora/platform/linux/pixel_transfer.h"
 

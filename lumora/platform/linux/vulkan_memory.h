@@ -11,7 +11,7 @@
 #include <cstddef>
 #include <optional>
 
-#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/buffer/buffer_geometry.h"
 
 namespace lumora::platform {
 

@@ -1,6 +1,6 @@
 // The process's live graphic buffers, found by the address of their memory or by their texture.
-#ifndef LUMORA_PLATFORM_BUFFER_REGISTRY_H_
-#define LUMORA_PLATFORM_BUFFER_REGISTRY_H_
+#ifndef LUMORA_PLATFORM_BUFFER_BUFFER_REGISTRY_H_
+#define LUMORA_PLATFORM_BUFFER_BUFFER_REGISTRY_H_
 
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
@@ -50,4 +50,4 @@ class BufferRegistry {
 
 }  // namespace lumora::platform
 
-#endif  // LUMORA_PLATFORM_BUFFER_REGISTRY_H_
+#endif  // LUMORA_PLATFORM_BUFFER_BUFFER_REGISTRY_H_

@@ -4,13 +4,13 @@
 #include <cerrno>
 #include <vector>
 
-#include "lumora/platform/buffer_backing.h"
-#include "lumora/platform/buffer_geometry.h"
-#include "lumora/platform/buffer_registry.h"
-#include "lumora/platform/coherence.h"
+#include "lumora/platform/buffer/buffer_backing.h"
+#include "lumora/platform/buffer/buffer_geometry.h"
+#include "lumora/platform/buffer/buffer_registry.h"
+#include "lumora/platform/buffer/coherence.h"
+#include "lumora/platform/buffer/pixel_digest.h"
 #include "lumora/platform/immortal.h"
 #include "lumora/platform/out_of_memory.h"
-#include "lumora/platform/pixel_digest.h"
 
 namespace lumora::platform {
 

@@ -1,6 +1,6 @@
 // Sizes of a graphic buffer's rows and memory.
-#ifndef LUMORA_PLATFORM_BUFFER_GEOMETRY_H_
-#define LUMORA_PLATFORM_BUFFER_GEOMETRY_H_
+#ifndef LUMORA_PLATFORM_BUFFER_BUFFER_GEOMETRY_H_
+#define LUMORA_PLATFORM_BUFFER_BUFFER_GEOMETRY_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -39,4 +39,4 @@ BufferGeometry LayOut(uint32_t width, uint32_t height);
 
 }  // namespace lumora::platform
 
-#endif  // LUMORA_PLATFORM_BUFFER_GEOMETRY_H_
+#endif  // LUMORA_PLATFORM_BUFFER_BUFFER_GEOMETRY_H_

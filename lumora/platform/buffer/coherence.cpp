@@ -1,4 +1,4 @@
-#include "lumora/platform/coherence.h"
+#include "lumora/platform/buffer/coherence.h"
 
 namespace lumora::platform {
 

@@ -1,4 +1,4 @@
-#include "lumora/platform/buffer_registry.h"
+#include "lumora/platform/buffer/buffer_registry.h"
 
 #include <algorithm>
 

@@ -21,8 +21,8 @@
 // lock fetches (there is nothing to lose) and an unlock does not publish (there is nothing to
 // tell); once they differ, the CPU wrote, and its bytes stand. After an announced draw the image's
 // draws are taken to be announced until the next unlock, so that repeated locks cost nothing.
-#ifndef LUMORA_PLATFORM_COHERENCE_H_
-#define LUMORA_PLATFORM_COHERENCE_H_
+#ifndef LUMORA_PLATFORM_BUFFER_COHERENCE_H_
+#define LUMORA_PLATFORM_BUFFER_COHERENCE_H_
 
 namespace lumora::platform {
 
@@ -84,4 +84,4 @@ class Coherence {
 
 }  // namespace lumora::platform
 
-#endif  // LUMORA_PLATFORM_COHERENCE_H_
+#endif  // LUMORA_PLATFORM_BUFFER_COHERENCE_H_

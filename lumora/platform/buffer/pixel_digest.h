@@ -1,6 +1,6 @@
 // A short fingerprint of an image's pixels, to notice whether they were written.
-#ifndef LUMORA_PLATFORM_PIXEL_DIGEST_H_
-#define LUMORA_PLATFORM_PIXEL_DIGEST_H_
+#ifndef LUMORA_PLATFORM_BUFFER_PIXEL_DIGEST_H_
+#define LUMORA_PLATFORM_BUFFER_PIXEL_DIGEST_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -13,4 +13,4 @@ uint64_t PixelDigest(const unsigned char* pixels, size_t row_bytes, size_t rows,
 
 }  // namespace lumora::platform
 
-#endif  // LUMORA_PLATFORM_PIXEL_DIGEST_H_
+#endif  // LUMORA_PLATFORM_BUFFER_PIXEL_DIGEST_H_

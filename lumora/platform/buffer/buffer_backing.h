@@ -1,13 +1,13 @@
 // The kinds of memory behind a graphic buffer, as each platform body provides them.
-#ifndef LUMORA_PLATFORM_BUFFER_BACKING_H_
-#define LUMORA_PLATFORM_BUFFER_BACKING_H_
+#ifndef LUMORA_PLATFORM_BUFFER_BUFFER_BACKING_H_
+#define LUMORA_PLATFORM_BUFFER_BUFFER_BACKING_H_
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 
 #include <memory>
 
-#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/buffer/buffer_geometry.h"
 #include "lumora/platform/graphic_buffer.h"
 
 namespace lumora::platform {
@@ -50,4 +50,4 @@ std::unique_ptr<BufferBacking> MakeBacking(const BufferGeometry& geometry);
 
 }  // namespace lumora::platform
 
-#endif  // LUMORA_PLATFORM_BUFFER_BACKING_H_
+#endif  // LUMORA_PLATFORM_BUFFER_BUFFER_BACKING_H_

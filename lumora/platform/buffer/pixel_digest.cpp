@@ -1,4 +1,4 @@
-#include "lumora/platform/pixel_digest.h"
+#include "lumora/platform/buffer/pixel_digest.h"
 
 #include <array>
 #include <cstring>

@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "lumora/platform/buffer_registry.h"
+#include "lumora/platform/buffer/buffer_registry.h"
 #include "lumora/platform/graphic_buffer.h"
 #include "lumora/platform/immortal.h"
 

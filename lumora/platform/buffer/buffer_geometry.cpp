@@ -1,4 +1,4 @@
-#include "lumora/platform/buffer_geometry.h"
+#include "lumora/platform/buffer/buffer_geometry.h"
 
 #include <algorithm>
 #include <cstring>
