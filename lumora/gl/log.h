@@ -16,8 +16,6 @@
 
 namespace lumora {
 
-enum LogPriority : int { kLogDebug = 3, kLogInfo = 4, kLogError = 6 };
-
 /// A file's tag and its level mask.
 struct LogChannel {
   const char* tag;  ///< null is a tag of its own
@@ -27,7 +25,7 @@ struct LogChannel {
   bool enabled(LogPriority priority) {
     unsigned char levels = __atomic_load_n(&mask, __ATOMIC_RELAXED);
     if ((levels & 0x80) != 0) levels = __korvolog_init_mask(tag, -1, &mask);
-    return (levels & (1u << (priority - 2))) != 0;
+    return (levels & LevelBit(priority)) != 0;
   }
 };
 

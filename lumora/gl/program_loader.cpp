@@ -7,9 +7,7 @@
 #include "lumora/gl/log.h"
 #include "lumora/gl/program_binary.h"
 #include "lumora/platform/gl_api.h"
-#include "lumora/platform/paths.h"
 #include "lumora/platform/settings.h"
-
 // Messages of Load carry no tag: the platform log then shows the process's own name.
 LUMORA_LOG_TAG(nullptr);
 

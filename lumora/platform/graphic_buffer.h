@@ -11,6 +11,7 @@
 
 #include "lumora/export.h"
 #include "lumora/geometry/rectangle.h"
+#include "lumora/platform/buffer_kind.h"
 #include "lumora/platform/ref_base.h"
 
 namespace lumora::platform {
@@ -31,12 +32,6 @@ struct PrivateHandle {
   int offset = 0;        ///< bytes from the start of the memory to the first pixel
   void* base = nullptr;  ///< CPU address of the first pixel
 };
-
-/// How CPU and GPU share a buffer's memory.
-enum class BufferKind { Staged, MemoryObject, DmaBuf, HardwareBuffer };
-
-/// "staged", "memobj", "dmabuf" or "hardware buffer".
-LUMORA_API const char* BufferKindName(BufferKind kind);
 
 /// An RGBA image in shared memory.
 ///
@@ -136,9 +131,6 @@ LUMORA_API void BeforeDraw();
 /// lock that follows an announced draw and the next clean, draws are taken to be announced. Thread
 /// and context: as for BeforeDraw.
 void NoteColorAttachment(GLuint texture);
-
-/// The kind a buffer made now would get in the current context, for diagnostics.
-LUMORA_API BufferKind PreferredBufferKind();
 
 }  // namespace lumora::platform
 

@@ -6,6 +6,25 @@
 
 #include "lumora/export.h"
 
+namespace lumora {
+
+/// Priorities of lines, as the platform log numbers them. kLogUnset is no line's.
+enum LogPriority : int {
+  kLogUnset = 1,
+  kLogVerbose = 2,
+  kLogDebug = 3,
+  kLogInfo = 4,
+  kLogError = 6,
+  kLogFatal = 7,
+};
+
+/// The bit of a level mask that lets lines of `priority` through.
+constexpr unsigned LevelBit(int priority) {
+  return 1u << (priority - kLogVerbose);
+}
+
+}  // namespace lumora
+
 extern "C" {
 
 // Provided by the platform's liblog.

@@ -18,14 +18,14 @@ class DirectorySetting {
  public:
   explicit DirectorySetting(const char* variable) : variable_(variable) {}
 
-  void set(std::string directory) {
+  void Set(std::string directory) {
     const std::lock_guard<std::mutex> guard(mutex_);
     directory_ = std::move(directory);
   }
 
   // What `use` makes of it, without trailing slashes; empty when nobody chose.
   template <typename Use>
-  auto read(Use use) {
+  auto Read(Use use) {
     const std::lock_guard<std::mutex> guard(mutex_);
     std::string_view directory = directory_;
     if (directory.empty()) {
@@ -34,8 +34,8 @@ class DirectorySetting {
     while (directory.size() > 1 && directory.back() == '/') directory.remove_suffix(1);
     return use(directory);
   }
-  std::string get() {
-    return read([](std::string_view directory) { return std::string(directory); });
+  std::string Get() {
+    return Read([](std::string_view directory) { return std::string(directory); });
   }
 
  private:
@@ -55,24 +55,42 @@ DirectorySetting& RootSetting() {
 }
 
 void Set(DirectorySetting& setting, const std::string& directory) {
-  UnlessOutOfMemory([&] { setting.set(directory); });
+  UnlessOutOfMemory([&] { setting.Set(directory); });
+}
+
+// What a root puts before an absolute path: the system's own puts nothing there.
+std::string_view AsPrefix(std::string_view root) {
+  return root == "/" ? std::string_view() : root;
 }
 
 }  // namespace
 
-std::string ChosenCacheDirectory() {
-  return CacheSetting().get();
-}
-
 std::string CacheDirectory() {
   return UnlessOutOfMemory(std::string(), [] {
-    std::string chosen = ChosenCacheDirectory();
+    std::string chosen = CacheSetting().Get();
     return chosen.empty() ? DefaultCacheDirectory() : chosen;
   });
 }
 
 void SetCacheDirectory(const std::string& directory) {
   Set(CacheSetting(), directory);
+}
+
+void MakeCacheDirectory() {
+  UnlessOutOfMemory([] {
+    const std::string chosen = CacheSetting().Get();
+    if (chosen.empty()) {
+      MakeDefaultCacheDirectory();
+    } else {
+      MakeNamedCacheDirectory(chosen);
+    }
+  });
+}
+
+void NoteCacheUse() {
+  UnlessOutOfMemory([] {
+    if (CacheSetting().Get().empty()) NoteDefaultCacheUse();
+  });
 }
 
 bool FullQuads() {
@@ -82,18 +100,17 @@ bool FullQuads() {
 
 std::string SystemRoot() {
   return UnlessOutOfMemory(std::string(), [] {
-    std::string root = RootSetting().get();
-    return root == "/" ? std::string() : root;
+    return RootSetting().Read([](std::string_view root) { return std::string(AsPrefix(root)); });
   });
 }
 
 bool SystemPath(const char* path, char* text, size_t size) {
-  return RootSetting().read([&](std::string_view root) {
-    if (root == "/") root = {};
+  return RootSetting().Read([&](std::string_view root) {
+    const std::string_view prefix = AsPrefix(root);
     const size_t length = std::strlen(path);
-    if (root.size() + length + 1 > size) return false;
-    root.copy(text, root.size());
-    std::memcpy(text + root.size(), path, length + 1);
+    if (prefix.size() + length + 1 > size) return false;
+    prefix.copy(text, prefix.size());
+    std::memcpy(text + prefix.size(), path, length + 1);
     return true;
   });
 }

@@ -1,5 +1,5 @@
-// Settings of the running system: properties, the program cache directory, the system root.
-// Everything is read when needed, never at load.
+// Settings of the library: the program cache directory, the system root, and with them the
+// properties of the running system. Everything is read when needed, never at load.
 #ifndef LUMORA_PLATFORM_SETTINGS_H_
 #define LUMORA_PLATFORM_SETTINGS_H_
 
@@ -7,21 +7,9 @@
 #include <string>
 
 #include "lumora/export.h"
-
-extern "C" {
-
-/// The system property `name`, with Bionic's contract: copies at most 91 bytes and a terminator to
-/// `value`, returns the length; an absent property gives 0 and an empty value. On Linux the value
-/// is the environment variable LUMORA_PROP_<name, dots as underscores>, else the line "name=value"
-/// of the file that LUMORA_PROP_FILE names. A host program may define its own in place of this one.
-LUMORA_API int __system_property_get(const char* name, char* value);
-
-}  // extern "C"
+#include "lumora/platform/property.h"
 
 namespace lumora::platform {
-
-/// The longest property value, terminator included.
-constexpr int kPropertyValueMax = 92;
 
 /// The directory of the program binary cache, without a trailing slash: what SetCacheDirectory set,
 /// else LUMORA_CACHE_DIR, else the platform's default (Linux: "lumora" below the user's cache home,
@@ -38,6 +26,9 @@ LUMORA_API void SetCacheDirectory(const std::string& directory);
 /// default; Android: the directory alone, mode 0755). An existing one is left as it is. The result
 /// is not reported: a failure shows when a file in it cannot be written.
 void MakeCacheDirectory();
+
+/// Says that the programs of the current context are looked for in the cache directory now.
+void NoteCacheUse();
 
 /// Whether every pass is to draw its whole image, also where it can change only a part of it:
 /// LUMORA_FULL_QUADS is 1.

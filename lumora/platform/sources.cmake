@@ -10,6 +10,7 @@ set(lumora_platform_sources
   platform/buffer/gralloc.cpp
   platform/buffer/graphic_buffer.cpp
   platform/buffer/pixel_digest.cpp
+  platform/buffer_kind.cpp
   platform/byte_digest.cpp
   platform/driver_digest.cpp
   platform/gl_api.cpp

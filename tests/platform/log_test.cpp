@@ -1,8 +1,6 @@
 // The library's lines and the host program's, which share the platform's log.
 #include <gtest/gtest.h>
 
-#include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -10,31 +8,18 @@
 
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/log.h"
+#include "lumora/platform/linux/liblog.h"
 #include "support/scoped.h"
-
-// Provided by the platform's liblog.
-extern "C" {
-struct __android_logger_data {
-  size_t struct_size;
-  int32_t buffer_id;
-  int32_t priority;
-  const char* tag;
-  const char* file;
-  uint32_t line;
-};
-using __android_logger_function = void (*)(const __android_logger_data* data, const char* message);
-void __android_log_set_logger(__android_logger_function logger);
-void __android_log_stderr_logger(const __android_logger_data* data, const char* message);
-int __android_log_get_minimum_priority(void);
-int __android_log_set_minimum_priority(int priority);
-}
 
 namespace {
 
+using lumora::kLogDebug;
+using lumora::kLogError;
+using lumora::kLogInfo;
+using lumora::kLogUnset;
 using lumora::LogChannel;
 using lumora::test::ScopedEnvironment;
 
-constexpr int kUnset = 1, kDebug = 3, kInfo = 4, kError = 6;
 constexpr const char* kHostTag = "Host";
 
 using Line = std::pair<std::string, int>;
@@ -51,7 +36,7 @@ class LiblogLines : public testing::Test {
   }
   ~LiblogLines() override {
     __android_log_set_logger(__android_log_stderr_logger);
-    __android_log_set_minimum_priority(kUnset);
+    __android_log_set_minimum_priority(kLogUnset);
   }
 
   // The lines of a library file that logs for the first time, and of a host program after it.
@@ -62,18 +47,18 @@ class LiblogLines : public testing::Test {
     LOGI("info %d", 4);
     LOGE("error");
     LogLine("unmasked %s", "line");
-    __android_log_print(kDebug, kHostTag, "debug");
-    __android_log_print(kInfo, kHostTag, "info");
+    __android_log_print(kLogDebug, kHostTag, "debug");
+    __android_log_print(kLogInfo, kHostTag, "info");
     return g_lines;
   }
 };
 
-const Line kLibraryDebug = {"Library: debug 3", kDebug};
-const Line kLibraryInfo = {"Library: info 4", kInfo};
-const Line kLibraryError = {"Library: error", kError};
-const Line kUnmasked = {"EGLImageTest: unmasked line", kInfo};
-const Line kHostDebug = {"Host: debug", kDebug};
-const Line kHostInfo = {"Host: info", kInfo};
+const Line kLibraryDebug = {"Library: debug 3", kLogDebug};
+const Line kLibraryInfo = {"Library: info 4", kLogInfo};
+const Line kLibraryError = {"Library: error", kLogError};
+const Line kUnmasked = {"EGLImageTest: unmasked line", kLogInfo};
+const Line kHostDebug = {"Host: debug", kLogDebug};
+const Line kHostInfo = {"Host: info", kLogInfo};
 
 TEST_F(LiblogLines, OfTheHostAreTheSameWhateverTheLibraryPrints) {
   const struct {
@@ -88,25 +73,25 @@ TEST_F(LiblogLines, OfTheHostAreTheSameWhateverTheLibraryPrints) {
   for (const auto& row : rows) {
     const ScopedEnvironment variable("LUMORA_LOG", row.choice);
     EXPECT_EQ(LinesOfBoth(), row.lines) << row.choice.value_or("unset");
-    EXPECT_EQ(__android_log_get_minimum_priority(), kUnset) << row.choice.value_or("unset");
+    EXPECT_EQ(__android_log_get_minimum_priority(), kLogUnset) << row.choice.value_or("unset");
   }
 }
 
 TEST_F(LiblogLines, FollowTheHostsLeastPriorityWhereNobodyChooses) {
   const ScopedEnvironment variable("LUMORA_LOG", std::nullopt);
-  __android_log_set_minimum_priority(kDebug);
+  __android_log_set_minimum_priority(kLogDebug);
   EXPECT_EQ(LinesOfBoth(), (std::vector<Line>{kLibraryDebug, kLibraryInfo, kLibraryError, kUnmasked,
                                               kHostDebug, kHostInfo}));
-  __android_log_set_minimum_priority(kError);
+  __android_log_set_minimum_priority(kLogError);
   EXPECT_EQ(LinesOfBoth(), (std::vector<Line>{kLibraryError}));
-  EXPECT_EQ(__android_log_get_minimum_priority(), kError);
+  EXPECT_EQ(__android_log_get_minimum_priority(), kLogError);
 }
 
 TEST_F(LiblogLines, AreNotHeldBackByTheHostsLeastPriorityWhereSomebodyChooses) {
   const ScopedEnvironment variable("LUMORA_LOG", "info");
-  __android_log_set_minimum_priority(kError);
+  __android_log_set_minimum_priority(kLogError);
   EXPECT_EQ(LinesOfBoth(), (std::vector<Line>{kLibraryInfo, kLibraryError, kUnmasked}));
-  EXPECT_EQ(__android_log_get_minimum_priority(), kError);
+  EXPECT_EQ(__android_log_get_minimum_priority(), kLogError);
 }
 
 }  // namespace

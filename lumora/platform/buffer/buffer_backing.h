@@ -5,10 +5,8 @@
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 
-#include <memory>
-
 #include "lumora/platform/buffer/buffer_geometry.h"
-#include "lumora/platform/graphic_buffer.h"
+#include "lumora/platform/buffer_kind.h"
 
 namespace lumora::platform {
 
@@ -44,9 +42,6 @@ class BufferBacking {
   virtual bool publishFrom(const CpuImage& image, const PixelRectangle& part) = 0;
   virtual bool fetchInto(const CpuImage& image, const PixelRectangle& part) = 0;
 };
-
-/// Zeroed memory for `geometry`, of the best kind for the current context; null when there is none.
-std::unique_ptr<BufferBacking> MakeBacking(const BufferGeometry& geometry);
 
 }  // namespace lumora::platform
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "lumora/platform/graphic_buffer.h"
+#include "lumora/geometry/rectangle.h"
 
 namespace lumora::platform {
 

@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <vector>
 
-#include "lumora/platform/buffer/buffer_backing.h"
+#include "lumora/platform/buffer/backing_factory.h"
 #include "lumora/platform/buffer/buffer_geometry.h"
 #include "lumora/platform/buffer/buffer_registry.h"
 #include "lumora/platform/buffer/coherence.h"
@@ -231,20 +231,6 @@ void NoteColorAttachment(GLuint texture) {
   Coherence* const attached =
       BufferRegistry::Instance().findByTexture(eglGetCurrentContext(), texture);
   if (attached != nullptr) attached->watch();
-}
-
-const char* BufferKindName(BufferKind kind) {
-  switch (kind) {
-    case BufferKind::Staged:
-      return "staged";
-    case BufferKind::MemoryObject:
-      return "memobj";
-    case BufferKind::DmaBuf:
-      return "dmabuf";
-    case BufferKind::HardwareBuffer:
-      return "hardware buffer";
-  }
-  return "unknown";
 }
 
 }  // namespace lumora::platform

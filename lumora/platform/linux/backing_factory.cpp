@@ -1,9 +1,10 @@
+#include "lumora/platform/buffer/backing_factory.h"
+
 #include <array>
 #include <atomic>
 #include <cstdlib>
 #include <string_view>
 
-#include "lumora/platform/buffer/buffer_backing.h"
 #include "lumora/platform/linux/memory_object.h"
 #include "lumora/platform/linux/memory_object_proof.h"
 #include "lumora/platform/linux/staged.h"
@@ -37,12 +38,11 @@ constexpr const Candidate& kFallback = kCandidates.back();
 void ReportMissingKind(const char* name) {
   static std::atomic<bool> reported{false};
   if (reported.exchange(true)) return;
-  constexpr int kError = 6;
   constexpr const char* kTag = "LumoraPlatform";
   unsigned char mask = 0;
-  if ((__korvolog_init_mask(kTag, -1, &mask) & (1u << (kError - 2))) == 0) return;
-  __android_log_print(kError, kTag, "LUMORA_BUFFER=%s is not available here, using staged buffers",
-                      name);
+  if ((__korvolog_init_mask(kTag, -1, &mask) & LevelBit(kLogError)) == 0) return;
+  PrinterFor(kLogError, kTag)(kLogError, kTag,
+                              "LUMORA_BUFFER=%s is not available here, using staged buffers", name);
 }
 
 const Candidate& ForcedCandidate(const char* name) {

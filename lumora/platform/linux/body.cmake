@@ -14,6 +14,7 @@ list(APPEND lumora_platform_sources
   platform/linux/pixel_transfer.cpp
   platform/linux/property.cpp
   platform/linux/staged.cpp
+  platform/linux/texture_image.cpp
   platform/linux/vulkan_loader.cpp
   platform/linux/vulkan_memory.cpp)
 

@@ -1,79 +1,39 @@
 // What of the library's log is printed: LUMORA_LOG decides for the library's lines alone, so that
 // those of the host program, which share the platform's liblog, stay as they are.
+#include "lumora/platform/log.h"
+
 #include <dlfcn.h>
 
 #include <cstdarg>
-#include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
-#include "lumora/platform/log.h"
-
-extern "C" {
-
-// A line as liblog's loggers take it: up to release 29 beside its text, then with it.
-struct __android_logger_data {
-  size_t struct_size;
-  int32_t buffer_id;
-  int32_t priority;
-  const char* tag;
-  const char* file;
-  uint32_t line;
-};
-struct __android_log_message {
-  size_t struct_size;
-  int32_t buffer_id;
-  int32_t priority;
-  const char* tag;
-  const char* file;
-  uint32_t line;
-  const char* message;
-};
-
-// Provided by the platform's liblog: whether `priority` is printed for `tag`, and the least
-// priority of the process (kUnset when nobody has set it), below which __android_log_print drops
-// every line.
-int __android_log_is_loggable(int priority, const char* tag, int default_priority);
-int __android_log_get_minimum_priority(void);
-// Hand a line to the process's logger whatever its priority; each liblog has one of the two.
-__attribute__((weak)) void __android_log_write_logger_data(__android_logger_data* data,
-                                                           const char* message);
-__attribute__((weak)) void __android_log_write_log_message(__android_log_message* message);
-
-}  // extern "C"
+#include "lumora/platform/linux/liblog.h"
 
 namespace lumora::platform {
 namespace {
 
-constexpr int kUnset = 1;
-constexpr int kVerbose = 2;
-constexpr int kDebug = 3;
-constexpr int kInfo = 4;
-constexpr int kError = 6;
-constexpr int kFatal = 7;
-
-// What LUMORA_LOG asks for, or kUnset.
+// What LUMORA_LOG asks for, or kLogUnset.
 int ChosenPriority() {
   const char* const text = std::getenv("LUMORA_LOG");
   const std::string_view choice = text != nullptr ? text : "";
-  if (choice == "debug") return kDebug;
-  if (choice == "info") return kInfo;
-  return choice == "error" ? kError : kUnset;
+  if (choice == "debug") return kLogDebug;
+  if (choice == "info") return kLogInfo;
+  return choice == "error" ? kLogError : kLogUnset;
 }
 
-// The least priority to print, or kUnset to ask liblog for each one.
+// The least priority to print, or kLogUnset to ask liblog for each one.
 int LeastPriority() {
   const int chosen = ChosenPriority();
-  if (chosen != kUnset) return chosen;
+  if (chosen != kLogUnset) return chosen;
   // Off a device liblog disregards the default that it is given and lets INFO through.
-  return __android_log_get_minimum_priority() == kUnset ? kError : kUnset;
+  return __android_log_get_minimum_priority() == kLogUnset ? kLogError : kLogUnset;
 }
 
 bool Prints(int least, int priority, const char* tag) {
-  return least != kUnset ? priority >= least
-                         : __android_log_is_loggable(priority, tag, kError) != 0;
+  return least != kLogUnset ? priority >= least
+                            : __android_log_is_loggable(priority, tag, kLogError) != 0;
 }
 
 // Whether a printing function is liblog's own and not the host program's.
@@ -98,7 +58,8 @@ bool LiblogPrintsLists() {
 
 // Whether liblog's own functions would drop a line that LUMORA_LOG asks for.
 bool LiblogDrops(int priority, const char* tag) {
-  return ChosenPriority() != kUnset && __android_log_is_loggable(priority, tag, kVerbose) == 0;
+  return ChosenPriority() != kLogUnset &&
+         __android_log_is_loggable(priority, tag, kLogVerbose) == 0;
 }
 
 // What liblog's own functions do with a line that they do not drop.
@@ -153,8 +114,8 @@ extern "C" __attribute__((weak)) unsigned char __korvolog_init_mask(const char* 
   using namespace lumora::platform;
   const int least = LeastPriority();
   unsigned int levels = 0;
-  for (int priority = kVerbose; priority <= kFatal; ++priority) {
-    if (Prints(least, priority, tag)) levels |= 1u << (priority - kVerbose);
+  for (int priority = lumora::kLogVerbose; priority <= lumora::kLogFatal; ++priority) {
+    if (Prints(least, priority, tag)) levels |= lumora::LevelBit(priority);
   }
   const auto answer = static_cast<unsigned char>(levels);
   __atomic_store_n(mask, answer, __ATOMIC_RELAXED);

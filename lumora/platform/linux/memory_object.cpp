@@ -9,6 +9,7 @@
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/linux/owned_texture.h"
 #include "lumora/platform/linux/staged.h"
+#include "lumora/platform/linux/texture_image.h"
 
 namespace lumora::platform {
 namespace {

@@ -5,8 +5,6 @@
 #include <cstdlib>
 
 #include "lumora/platform/linux/cache_levels.h"
-#include "lumora/platform/out_of_memory.h"
-#include "lumora/platform/settings.h"
 
 namespace lumora::platform {
 namespace {
@@ -39,21 +37,16 @@ std::string DefaultCacheDirectory() {
   return levels.empty() || level.text[0] == '\0' ? levels : levels + "/" + level.text;
 }
 
-void MakeCacheDirectory() {
-  UnlessOutOfMemory([] {
-    const std::string chosen = ChosenCacheDirectory();
-    if (chosen.empty()) {
-      MakeWithParents(DefaultCacheDirectory(), 0700);
-    } else {
-      MakeWithParents(chosen, 0755);
-    }
-  });
+void MakeDefaultCacheDirectory() {
+  MakeWithParents(DefaultCacheDirectory(), 0700);
 }
 
-void NoteCacheUse() {
-  UnlessOutOfMemory([] {
-    if (ChosenCacheDirectory().empty()) KeepLevels(LevelsDirectory().c_str(), CurrentLevel());
-  });
+void MakeNamedCacheDirectory(const std::string& directory) {
+  MakeWithParents(directory, 0755);
+}
+
+void NoteDefaultCacheUse() {
+  KeepLevels(LevelsDirectory().c_str(), CurrentLevel());
 }
 
 }  // namespace lumora::platform

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "lumora/platform/out_of_memory.h"
+#include "lumora/platform/property.h"
 #include "lumora/platform/regular_file.h"
-#include "lumora/platform/settings.h"
 
 namespace {
 

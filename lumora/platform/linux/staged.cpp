@@ -1,11 +1,11 @@
 #include "lumora/platform/linux/staged.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
 
 #include "lumora/platform/gl_api.h"
+#include "lumora/platform/linux/texture_image.h"
 
 namespace lumora::platform {
 namespace {
@@ -55,20 +55,6 @@ class StagedBacking final : public BufferBacking {
 };
 
 }  // namespace
-
-bool FitsTexture(const BufferGeometry& geometry) {
-  GLint largest = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
-  return std::max(geometry.width, geometry.height) <= static_cast<GLuint>(largest);
-}
-
-EGLImageKHR CreateTextureImage(EGLDisplay display, GLuint texture, const EGLint* attributes) {
-  const gl::ExtensionApi& api = gl::Extensions();
-  if (api.eglCreateImageKHR == nullptr) return EGL_NO_IMAGE_KHR;
-  const auto client_buffer = reinterpret_cast<EGLClientBuffer>(static_cast<uintptr_t>(texture));
-  return api.eglCreateImageKHR(display, eglGetCurrentContext(), EGL_GL_TEXTURE_2D_KHR,
-                               client_buffer, attributes);
-}
 
 StagedTexture::StagedTexture(unsigned char* pixels, const BufferGeometry& geometry)
     : image_{pixels, static_cast<int>(geometry.stride)}, features_(QueryTransferFeatures()) {

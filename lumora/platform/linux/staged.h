@@ -15,12 +15,6 @@
 
 namespace lumora::platform {
 
-/// Whether a texture of the current context can be that large.
-bool FitsTexture(const BufferGeometry& geometry);
-
-/// An EGL image over `texture` of the current context; EGL_NO_IMAGE_KHR on failure.
-EGLImageKHR CreateTextureImage(EGLDisplay display, GLuint texture, const EGLint* attributes);
-
 /// The texture side of a staged image, over CPU memory that somebody else owns.
 /// Context: the one that is current at construction; operations elsewhere return false.
 class StagedTexture {

@@ -2,9 +2,20 @@
 #ifndef LUMORA_PLATFORM_LINUX_VULKAN_LOADER_H_
 #define LUMORA_PLATFORM_LINUX_VULKAN_LOADER_H_
 
-#include "lumora/platform/linux/vulkan_memory.h"
+#define VK_NO_PROTOTYPES
+#include <vulkan/vulkan_core.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
 
 namespace lumora::platform {
+
+/// What tells that two drivers speak of one device and understand each other's memory.
+struct DeviceIdentity {
+  std::array<unsigned char, VK_UUID_SIZE> device;
+  std::array<unsigned char, VK_UUID_SIZE> driver;
+};
 
 struct OpenedVulkanDevice {
   VkDevice device;

@@ -9,7 +9,6 @@
 
 #include "lumora/platform/immortal.h"
 #include "lumora/platform/linux/fresh_memory.h"
-#include "lumora/platform/linux/vulkan_loader.h"
 #include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {

@@ -4,22 +4,13 @@
 #ifndef LUMORA_PLATFORM_LINUX_VULKAN_MEMORY_H_
 #define LUMORA_PLATFORM_LINUX_VULKAN_MEMORY_H_
 
-#define VK_NO_PROTOTYPES
-#include <vulkan/vulkan_core.h>
-
-#include <array>
 #include <cstddef>
 #include <optional>
 
 #include "lumora/platform/buffer/buffer_geometry.h"
+#include "lumora/platform/linux/vulkan_loader.h"
 
 namespace lumora::platform {
-
-/// What tells that two drivers speak of one device and understand each other's memory.
-struct DeviceIdentity {
-  std::array<unsigned char, VK_UUID_SIZE> device;
-  std::array<unsigned char, VK_UUID_SIZE> driver;
-};
 
 /// Memory mapped for the CPU for its whole life.
 struct VulkanAllocation {
