@@ -5,11 +5,11 @@
 #include <opencv2/imgproc.hpp>
 
 #include "tests/tools/pictures.h"
-#include "tools/lumora/drawing/compare.h"
-#include "tools/lumora/drawing/explain.h"
-#include "tools/lumora/drawing/portrait.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/face_geometry.h"
+#include "tools/lumora/portraits/portrait.h"
+#include "tools/lumora/sheets/compare.h"
+#include "tools/lumora/sheets/explain.h"
 
 namespace lumora::test {
 namespace {

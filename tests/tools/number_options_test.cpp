@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/lumora/support/number_options.h"
+#include "tools/lumora/options/number_options.h"
 
 namespace lumora::test {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/lumora/support/command.h"
+#include "tools/lumora/commands/command.h"
 #include "tools/lumora/support/driver_cache.h"
 #include "tools/lumora/support/failure.h"
 #include "tools/lumora/support/memory.h"

@@ -11,10 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/lumora/support/command.h"
-#include "tools/lumora/support/engine.h"
-#include "tools/lumora/support/number_options.h"
-#include "tools/lumora/support/report_json.h"
+#include "tools/lumora/commands/command.h"
+#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {

@@ -9,14 +9,14 @@
 #include <string>
 
 #include "pipeline/converter.h"
+#include "tools/lumora/commands/command.h"
+#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/picture/losses.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/picture_file.h"
 #include "tools/lumora/picture/raw_frame.h"
-#include "tools/lumora/support/command.h"
-#include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
-#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/places.h"
 #include "tools/lumora/support/talk.h"
 

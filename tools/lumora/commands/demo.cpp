@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "tools/lumora/drawing/compare.h"
-#include "tools/lumora/drawing/explain.h"
-#include "tools/lumora/drawing/portrait.h"
+#include "tools/lumora/commands/command.h"
+#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/picture/colour_picture.h"
 #include "tools/lumora/picture/picture.h"
-#include "tools/lumora/support/command.h"
-#include "tools/lumora/support/engine.h"
+#include "tools/lumora/portraits/portrait.h"
+#include "tools/lumora/sheets/compare.h"
+#include "tools/lumora/sheets/explain.h"
 #include "tools/lumora/support/files.h"
-#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {

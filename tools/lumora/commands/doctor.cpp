@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "tools/lumora/commands/command.h"
+#include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/self_test.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/picture/picture.h"
-#include "tools/lumora/support/command.h"
-#include "tools/lumora/support/engine.h"
 #include "tools/lumora/support/files.h"
 #include "tools/lumora/support/talk.h"
 

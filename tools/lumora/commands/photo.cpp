@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "tools/lumora/drawing/compare.h"
-#include "tools/lumora/drawing/explain.h"
+#include "tools/lumora/commands/command.h"
+#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/report_json.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/face_geometry.h"
 #include "tools/lumora/faces/faces_json.h"
+#include "tools/lumora/options/look_options.h"
 #include "tools/lumora/picture/picture_edit.h"
-#include "tools/lumora/support/command.h"
-#include "tools/lumora/support/engine.h"
+#include "tools/lumora/sheets/compare.h"
+#include "tools/lumora/sheets/explain.h"
 #include "tools/lumora/support/files.h"
-#include "tools/lumora/support/look_options.h"
-#include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/lumora/drawing/compare.h"
+#include "tools/lumora/commands/command.h"
+#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/picture/picture_edit.h"
-#include "tools/lumora/support/command.h"
-#include "tools/lumora/support/engine.h"
-#include "tools/lumora/support/number_options.h"
-#include "tools/lumora/support/report_json.h"
+#include "tools/lumora/sheets/compare.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {

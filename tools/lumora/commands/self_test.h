@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tools/lumora/support/engine.h"
+#include "tools/lumora/commands/engine.h"
 
 namespace lumora::tools {
 

@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "tools/lumora/commands/command.h"
+#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/report_json.h"
 #include "tools/lumora/faces/faces_json.h"
+#include "tools/lumora/options/look_options.h"
+#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/picture/appetite.h"
-#include "tools/lumora/support/command.h"
-#include "tools/lumora/support/engine.h"
-#include "tools/lumora/support/look_options.h"
-#include "tools/lumora/support/number_options.h"
 #include "tools/lumora/support/places.h"
-#include "tools/lumora/support/report_json.h"
 #include "tools/lumora/support/talk.h"
 #include "tools/lumora/video/containers.h"
 #include "tools/lumora/video/face_source.h"

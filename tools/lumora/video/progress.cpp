@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "tools/lumora/support/report_json.h"
+#include "tools/lumora/commands/report_json.h"
 
 namespace lumora::tools {
 namespace {

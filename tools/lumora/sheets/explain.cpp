@@ -1,4 +1,4 @@
-#include "tools/lumora/drawing/explain.h"
+#include "tools/lumora/sheets/explain.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Parts of the reports for machines that several commands share.
-#ifndef LUMORA_TOOLS_SUPPORT_REPORT_JSON_H_
-#define LUMORA_TOOLS_SUPPORT_REPORT_JSON_H_
+#ifndef LUMORA_TOOLS_COMMANDS_REPORT_JSON_H_
+#define LUMORA_TOOLS_COMMANDS_REPORT_JSON_H_
 
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -22,4 +22,4 @@ double Now();
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_SUPPORT_REPORT_JSON_H_
+#endif  // LUMORA_TOOLS_COMMANDS_REPORT_JSON_H_

@@ -1,7 +1,7 @@
 // Options that take numbers. A number is written in decimal digits, whatever the user's language
 // is, and is the whole value: "0x10", "010x" and "nan" are refused, and "010" is ten.
-#ifndef LUMORA_TOOLS_SUPPORT_NUMBER_OPTIONS_H_
-#define LUMORA_TOOLS_SUPPORT_NUMBER_OPTIONS_H_
+#ifndef LUMORA_TOOLS_OPTIONS_NUMBER_OPTIONS_H_
+#define LUMORA_TOOLS_OPTIONS_NUMBER_OPTIONS_H_
 
 #include <CLI/CLI.hpp>
 #include <optional>
@@ -32,4 +32,4 @@ CLI::Option* AddDecimalList(CLI::App& command, const std::string& name, std::vec
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_SUPPORT_NUMBER_OPTIONS_H_
+#endif  // LUMORA_TOOLS_OPTIONS_NUMBER_OPTIONS_H_

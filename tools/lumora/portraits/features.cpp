@@ -1,4 +1,4 @@
-#include "tools/lumora/drawing/portrait_features.h"
+#include "tools/lumora/portraits/features.h"
 
 namespace lumora::tools {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/lumora/drawing/compare.h"
+#include "tools/lumora/sheets/compare.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "tools/lumora/drawing/canvas.h"
+#include "tools/lumora/portraits/canvas.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // Hair of the drawn portraits. It comes in two layers, with the head between them.
-#ifndef LUMORA_TOOLS_DRAWING_PORTRAIT_HAIR_H_
-#define LUMORA_TOOLS_DRAWING_PORTRAIT_HAIR_H_
+#ifndef LUMORA_TOOLS_PORTRAITS_HAIR_H_
+#define LUMORA_TOOLS_PORTRAITS_HAIR_H_
 
-#include "tools/lumora/drawing/canvas.h"
-#include "tools/lumora/drawing/portrait_people.h"
+#include "tools/lumora/portraits/canvas.h"
+#include "tools/lumora/portraits/people.h"
 
 namespace lumora::tools {
 
@@ -12,4 +12,4 @@ void DrawHairOverForehead(Canvas& canvas, const Person& person);
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_DRAWING_PORTRAIT_HAIR_H_
+#endif  // LUMORA_TOOLS_PORTRAITS_HAIR_H_

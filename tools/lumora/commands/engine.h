@@ -1,6 +1,6 @@
 // The pipeline as the commands use it: planes of pictures, and Failures instead of Statuses.
-#ifndef LUMORA_TOOLS_SUPPORT_ENGINE_H_
-#define LUMORA_TOOLS_SUPPORT_ENGINE_H_
+#ifndef LUMORA_TOOLS_COMMANDS_ENGINE_H_
+#define LUMORA_TOOLS_COMMANDS_ENGINE_H_
 
 #include <functional>
 #include <memory>
@@ -32,4 +32,4 @@ class Engine {
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_SUPPORT_ENGINE_H_
+#endif  // LUMORA_TOOLS_COMMANDS_ENGINE_H_

@@ -1,4 +1,4 @@
-#include "tools/lumora/drawing/portrait_hair.h"
+#include "tools/lumora/portraits/hair.h"
 
 #include <cmath>
 

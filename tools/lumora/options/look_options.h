@@ -1,6 +1,6 @@
 // The options that say how faces are to look, the same in every command.
-#ifndef LUMORA_TOOLS_SUPPORT_LOOK_OPTIONS_H_
-#define LUMORA_TOOLS_SUPPORT_LOOK_OPTIONS_H_
+#ifndef LUMORA_TOOLS_OPTIONS_LOOK_OPTIONS_H_
+#define LUMORA_TOOLS_OPTIONS_LOOK_OPTIONS_H_
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -43,4 +43,4 @@ void AddChain(CLI::App& command, Chain* chain);
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_SUPPORT_LOOK_OPTIONS_H_
+#endif  // LUMORA_TOOLS_OPTIONS_LOOK_OPTIONS_H_

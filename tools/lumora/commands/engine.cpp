@@ -1,4 +1,4 @@
-#include "tools/lumora/support/engine.h"
+#include "tools/lumora/commands/engine.h"
 
 #include "tools/lumora/support/failure.h"
 

@@ -1,10 +1,10 @@
-#include "tools/lumora/support/look_options.h"
+#include "tools/lumora/options/look_options.h"
 
 #include <map>
 #include <vector>
 
+#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/support/failure.h"
-#include "tools/lumora/support/number_options.h"
 
 namespace lumora::tools {
 namespace {

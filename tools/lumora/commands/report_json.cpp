@@ -1,4 +1,4 @@
-#include "tools/lumora/support/report_json.h"
+#include "tools/lumora/commands/report_json.h"
 
 #include <sys/resource.h>
 

@@ -1,7 +1,7 @@
 // The commands of the program. A new one is a new file in commands/ and a line in `kCommands` of
 // main.cpp.
-#ifndef LUMORA_TOOLS_SUPPORT_COMMAND_H_
-#define LUMORA_TOOLS_SUPPORT_COMMAND_H_
+#ifndef LUMORA_TOOLS_COMMANDS_COMMAND_H_
+#define LUMORA_TOOLS_COMMANDS_COMMAND_H_
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -29,4 +29,4 @@ extern const char kExitCodes[];
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_SUPPORT_COMMAND_H_
+#endif  // LUMORA_TOOLS_COMMANDS_COMMAND_H_

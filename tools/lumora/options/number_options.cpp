@@ -1,4 +1,4 @@
-#include "tools/lumora/support/number_options.h"
+#include "tools/lumora/options/number_options.h"
 
 #include <charconv>
 #include <cmath>
