@@ -7,7 +7,7 @@
 #include "bench/engines.h"
 #include "bench/families.h"
 #include "bench/report.h"
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/pipeline.h"
 
 namespace lumora::bench {
 namespace {

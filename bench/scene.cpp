@@ -10,7 +10,7 @@
 #include <random>
 
 #include "bench/report.h"
-#include "pipeline/face_record.h"
+#include "pipeline/faces/face_record.h"
 
 namespace lumora::bench {
 namespace {

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "lumora/engine/face_info.h"
-#include "pipeline/face.h"
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/face.h"
+#include "lumora/pipeline/pipeline.h"
 
 namespace lumora::bench {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "pipeline/pipeline.h"
+#include <lumora/pipeline/pipeline.h>
 
 int main() {
   lumora::Status status;

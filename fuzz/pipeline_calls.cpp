@@ -6,8 +6,8 @@
 
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
+#include "lumora/pipeline/pipeline.h"
 #include "pipeline/frame_memory.h"
-#include "pipeline/pipeline.h"
 
 namespace {
 

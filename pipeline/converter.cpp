@@ -1,19 +1,19 @@
-#include "pipeline/converter.h"
+#include "lumora/pipeline/converter.h"
 
 #include <cstddef>
 #include <utility>
 
 #include "lumora/convert/gpu_color_converter.h"
 #include "lumora/platform/display.h"
-#include "pipeline/engine_faults.h"
-#include "pipeline/failure.h"
-#include "pipeline/frame_check.h"
-#include "pipeline/frame_copy.h"
-#include "pipeline/gl_state.h"
-#include "pipeline/guarded.h"
-#include "pipeline/reported.h"
-#include "pipeline/serial_thread.h"
-#include "pipeline/stopwatch.h"
+#include "pipeline/backends/gl/engine_faults.h"
+#include "pipeline/backends/gl/gl_state.h"
+#include "pipeline/frames/frame_check.h"
+#include "pipeline/frames/frame_copy.h"
+#include "pipeline/support/failure.h"
+#include "pipeline/support/guarded.h"
+#include "pipeline/support/reported.h"
+#include "pipeline/support/serial_thread.h"
+#include "pipeline/support/stopwatch.h"
 
 namespace lumora {
 namespace {

@@ -1,19 +1,19 @@
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/pipeline.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "lumora/geometry/frame_sizes.h"
-#include "pipeline/engine_faults.h"
-#include "pipeline/engine_host.h"
-#include "pipeline/failure.h"
-#include "pipeline/frame_check.h"
-#include "pipeline/frame_copy.h"
-#include "pipeline/guarded.h"
-#include "pipeline/reported.h"
-#include "pipeline/serial_thread.h"
-#include "pipeline/stopwatch.h"
-#include "pipeline/warp_geometry.h"
+#include "pipeline/backends/gl/engine_faults.h"
+#include "pipeline/backends/gl/engine_host.h"
+#include "pipeline/frames/frame_check.h"
+#include "pipeline/frames/frame_copy.h"
+#include "pipeline/plan/warp_geometry.h"
+#include "pipeline/support/failure.h"
+#include "pipeline/support/guarded.h"
+#include "pipeline/support/reported.h"
+#include "pipeline/support/serial_thread.h"
+#include "pipeline/support/stopwatch.h"
 
 namespace lumora {
 namespace {

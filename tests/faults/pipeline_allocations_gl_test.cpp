@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "faults/allocation_faults.h"
-#include "pipeline/converter.h"
-#include "pipeline/face_tracker.h"
+#include "lumora/pipeline/converter.h"
+#include "lumora/pipeline/face_tracker.h"
+#include "lumora/pipeline/pipeline.h"
 #include "pipeline/frame_memory.h"
-#include "pipeline/pipeline.h"
 #include "support/scoped.h"
 
 namespace lumora::test {

@@ -8,8 +8,8 @@
 
 #include "faults/fault_layer.h"
 #include "faults/fault_test.h"
+#include "lumora/pipeline/pipeline.h"
 #include "pipeline/frame_memory.h"
-#include "pipeline/pipeline.h"
 #include "support/log_capture.h"
 
 namespace lumora::test {

@@ -1,5 +1,5 @@
 // Frames to RGB and HSI images.
-#include "pipeline/converter.h"
+#include "lumora/pipeline/converter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

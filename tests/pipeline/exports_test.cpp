@@ -3,11 +3,11 @@
 
 #include <vector>
 
-#include "pipeline/converter.h"
-#include "pipeline/face.h"
-#include "pipeline/face_tracker.h"
-#include "pipeline/frame.h"
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/converter.h"
+#include "lumora/pipeline/face.h"
+#include "lumora/pipeline/face_tracker.h"
+#include "lumora/pipeline/frame.h"
+#include "lumora/pipeline/pipeline.h"
 
 namespace lumora::test {
 namespace {

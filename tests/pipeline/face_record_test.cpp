@@ -1,5 +1,5 @@
 // The record that the engine gets, and the warp that follows from it.
-#include "pipeline/face_record.h"
+#include "pipeline/faces/face_record.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "lumora/geometry/rounding.h"
-#include "pipeline/face.h"
+#include "lumora/pipeline/face.h"
 #include "pipeline/warp_model.h"
 
 namespace lumora::test {

@@ -1,5 +1,5 @@
 // Faces from eyes, boxes and the usual landmark sets.
-#include "pipeline/face.h"
+#include "lumora/pipeline/face.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/canonical_face.h"
-#include "pipeline/landmarks.h"
+#include "pipeline/faces/canonical_face.h"
+#include "pipeline/faces/landmarks.h"
 
 namespace lumora::test {
 namespace {

@@ -1,5 +1,5 @@
 // Faces followed from frame to frame.
-#include "pipeline/face_tracker.h"
+#include "lumora/pipeline/face_tracker.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "pipeline/landmarks.h"
+#include "pipeline/faces/landmarks.h"
 #include "pipeline/random_faces.h"
 
 namespace lumora::test {

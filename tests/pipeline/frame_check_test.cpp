@@ -1,5 +1,5 @@
 // What is refused before any work, and with which words.
-#include "pipeline/frame_check.h"
+#include "pipeline/frames/frame_check.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Moving frames between formats, strides and the engine's padded frame.
-#include "pipeline/frame_copy.h"
+#include "pipeline/frames/frame_copy.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "lumora/geometry/rounding.h"
-#include "pipeline/frame_layout.h"
 #include "pipeline/frame_memory.h"
+#include "pipeline/frames/frame_layout.h"
 
 namespace lumora::test {
 namespace {

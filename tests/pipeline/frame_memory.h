@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "pipeline/frame.h"
+#include "lumora/pipeline/frame.h"
 
 namespace lumora::test {
 

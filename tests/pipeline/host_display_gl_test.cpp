@@ -9,8 +9,8 @@
 #include <memory>
 
 #include "lumora/engine/gpu_beauty_face.h"
-#include "pipeline/converter.h"
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/converter.h"
+#include "lumora/pipeline/pipeline.h"
 
 namespace lumora::test {
 namespace {

@@ -1,5 +1,5 @@
 // Looks and presets.
-#include "pipeline/look.h"
+#include "lumora/pipeline/look.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/converter.h"
+#include "lumora/pipeline/converter.h"
 #include "pipeline/pipeline_fixture.h"
 
 namespace lumora::test {

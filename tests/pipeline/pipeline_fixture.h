@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "lumora/pipeline/pipeline.h"
 #include "pipeline/frame_memory.h"
-#include "pipeline/pipeline.h"
 
 namespace lumora::test {
 

@@ -8,8 +8,8 @@
 
 #include <vector>
 
-#include "pipeline/face.h"
-#include "pipeline/landmarks.h"
+#include "lumora/pipeline/face.h"
+#include "pipeline/faces/landmarks.h"
 
 namespace lumora::test {
 

@@ -1,5 +1,5 @@
 // The thread that serves calls one after another.
-#include "pipeline/serial_thread.h"
+#include "pipeline/support/serial_thread.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>

@@ -1,5 +1,5 @@
 // The weights that make skin retouching of the engine's whitening.
-#include "pipeline/skin_mask.h"
+#include "pipeline/plan/skin_mask.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "pipeline/landmarks.h"
-#include "pipeline/merge.h"
+#include "pipeline/faces/landmarks.h"
+#include "pipeline/frames/merge.h"
+#include "pipeline/plan/whitening_geometry.h"
 #include "pipeline/random_faces.h"
 #include "pipeline/touched_area.h"
-#include "pipeline/whitening_geometry.h"
 
 namespace lumora::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/face_record.h"
+#include "pipeline/faces/face_record.h"
 #include "pipeline/pipeline_fixture.h"
 #include "pipeline/smooth_samples.h"
 #include "pipeline/touched_area.h"

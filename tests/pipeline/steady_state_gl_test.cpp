@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "pipeline/converter.h"
+#include "lumora/pipeline/converter.h"
 #include "pipeline/pipeline_fixture.h"
 #include "support/allocation_count.h"
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "pipeline/face.h"
+#include "lumora/pipeline/face.h"
 #include "pipeline/frame_memory.h"
 
 namespace lumora::test {

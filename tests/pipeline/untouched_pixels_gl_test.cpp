@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/landmarks.h"
+#include "pipeline/faces/landmarks.h"
 #include "pipeline/pipeline_fixture.h"
 #include "pipeline/random_faces.h"
 #include "pipeline/touched_area.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "pipeline/face_record.h"
-#include "pipeline/warp_geometry.h"
+#include "pipeline/faces/face_record.h"
+#include "pipeline/plan/warp_geometry.h"
 #include "pipeline/warp_model.h"
 
 namespace lumora::test {

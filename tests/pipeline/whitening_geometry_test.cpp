@@ -1,12 +1,12 @@
 // Where whitening acts, against the arithmetic of the engine's shaders.
-#include "pipeline/whitening_geometry.h"
+#include "pipeline/plan/whitening_geometry.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
 
-#include "pipeline/face_record.h"
+#include "pipeline/faces/face_record.h"
 #include "reference/whitening_parameters.h"
 
 namespace lumora::test {

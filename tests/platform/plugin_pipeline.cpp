@@ -1,5 +1,5 @@
 // A plug-in of some application: it asks a pipeline of its own what it works with.
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/pipeline.h"
 
 extern "C" __attribute__((visibility("default"))) int Work() {
   const auto pipeline = lumora::Pipeline::Create(nullptr);

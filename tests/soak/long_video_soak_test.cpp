@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/pipeline.h"
 #include "pipeline/touched_area.h"
 #include "soak/soak.h"
 #include "soak/street_scene.h"

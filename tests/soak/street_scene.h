@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "pipeline/face.h"
+#include "lumora/pipeline/face.h"
 #include "pipeline/frame_memory.h"
 
 namespace lumora::test {

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "pipeline/converter.h"
+#include "lumora/pipeline/converter.h"
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
 #include "tools/lumora/options/number_options.h"

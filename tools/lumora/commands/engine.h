@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/pipeline.h"
 #include "tools/lumora/picture/planes.h"
 
 namespace lumora::tools {

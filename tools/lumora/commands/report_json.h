@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
-#include "pipeline/report.h"
+#include "lumora/pipeline/report.h"
 
 namespace lumora::tools {
 

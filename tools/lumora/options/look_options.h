@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/pipeline.h"
 
 namespace lumora::tools {
 

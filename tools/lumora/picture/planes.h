@@ -4,7 +4,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "pipeline/frame.h"
+#include "lumora/pipeline/frame.h"
 
 namespace lumora::tools {
 

@@ -6,7 +6,7 @@
 #include <opencv2/core.hpp>
 #include <vector>
 
-#include "pipeline/face.h"
+#include "lumora/pipeline/face.h"
 
 namespace lumora::tools {
 

@@ -5,8 +5,8 @@
 #include <opencv2/core.hpp>
 #include <vector>
 
-#include "pipeline/face.h"
-#include "pipeline/report.h"
+#include "lumora/pipeline/face.h"
+#include "lumora/pipeline/report.h"
 
 namespace lumora::tools {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "pipeline/pipeline.h"
+#include "lumora/pipeline/pipeline.h"
 
 namespace lumora::tools {
 

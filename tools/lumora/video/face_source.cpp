@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "pipeline/face_tracker.h"
+#include "lumora/pipeline/face_tracker.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/faces_json.h"
 #include "tools/lumora/support/failure.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "pipeline/face.h"
+#include "lumora/pipeline/face.h"
 
 namespace lumora::tools {
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "pipeline/frame.h"
+#include "lumora/pipeline/frame.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {

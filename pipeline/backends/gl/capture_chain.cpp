@@ -1,0 +1,79 @@
+#include "pipeline/backends/gl/chains.h"
+
+#include <algorithm>
+
+#include "lumora/geometry/blocks.h"
+#include "pipeline/faces/face_record.h"
+#include "pipeline/frames/merge.h"
+#include "pipeline/plan/warp_geometry.h"
+#include "pipeline/support/failure.h"
+
+namespace lumora {
+namespace {
+
+/// Adds the blocks that the engine walks in a rectangle of a frame.
+void ReportBlocks(const android::GPUBeautyFace& engine, const PixelRect& area, Report* report) {
+  ForEachBlock(
+      ClipToFrame(area, engine.m_nFullWidth, engine.m_nFullHeight), engine.m_nSrcWidth,
+      engine.m_nSrcHeight, [&](int x, int y) {
+        report->blocks.push_back({x, y, std::min(engine.m_nSrcWidth, engine.m_nFullWidth - x),
+                                  std::min(engine.m_nSrcHeight, engine.m_nFullHeight - y)});
+        return true;
+      });
+}
+
+}  // namespace
+
+Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look) {
+  android::GPUBeautyFace& engine = chain.setup.engine();
+  std::vector<WhiteningJob>& jobs = chain.memory.whitening;
+  PlanWhitening(chain.frame, faces, look, &jobs, &chain.report.tones);
+  if (jobs.empty()) return {};
+  PaddedFrame& frame = chain.frame;
+  PaddedFrame& work = chain.memory.work;
+  const CaptureScope capture(chain.setup);
+  if (Status status = chain.setup.CaptureBlocks(frame.width(), frame.height()); !status.ok()) {
+    return status;
+  }
+  work.Resize(frame);
+  for (WhiteningJob& job : jobs) {
+    const bool done = engine.DoFaceWhiteningLarge(frame.luma(), frame.chroma(), &job.record, 1,
+                                                  job.intensity_level, job.saturation_level,
+                                                  EngineEffect(look)) != 0 &&
+                      engine.CopyMemYUVfromSrcTextureLarge(work.luma(), work.chroma(), 0, 1) != 0;
+    if (!done) return EngineRefused();
+    const android::FaceProcessRect& area = engine.m_rcFaceProcess[0];
+    ReportBlocks(engine, {area.X, area.Y, area.Width, area.Height}, &chain.report);
+    Blend(work, job.mask, &frame, &chain.memory.weights);
+  }
+  return {};
+}
+
+Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
+  android::GPUBeautyFace& engine = chain.setup.engine();
+  PaddedFrame& frame = chain.frame;
+  PaddedFrame& work = chain.memory.work;
+  const CaptureScope capture(chain.setup);
+  if (Status status = chain.setup.CapturePlanes(frame); !status.ok()) return status;
+  work.Resize(frame);
+  for (const FaceJob& face : faces) {
+    FACE_INFO_t record = face.record;
+    engine.FaceProcessLarge(work.luma(), work.chroma(), frame.width(), frame.height(), 0, &record,
+                            1, kBeautyLevel);
+    ReportBlocks(
+        engine,
+        BlocksAroundFace(record.loc_x, record.loc_y, std::max(record.dist, record.chin_dist),
+                         engine.m_nSrcWidth, engine.m_nSrcHeight),
+        &chain.report);
+    const PointF centre = WarpCentre(record);
+    const double radius = CaptureRadius(record, frame.width());
+    CopyCircle(work, centre, radius, &frame);
+    // The engine reads every face from the plane textures: the next one has to find this one's
+    // result there.
+    const PixelRect changed = CircleBounds(centre, radius, frame.width(), frame.height());
+    chain.setup.UpdatePlanes(frame, changed.y, changed.height);
+  }
+  return {};
+}
+
+}  // namespace lumora

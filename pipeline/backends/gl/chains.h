@@ -1,0 +1,45 @@
+// The engine's chains of effects, from a frame to the same frame.
+#ifndef LUMORA_PIPELINE_BACKENDS_GL_CHAINS_H_
+#define LUMORA_PIPELINE_BACKENDS_GL_CHAINS_H_
+
+#include <vector>
+
+#include "lumora/pipeline/report.h"
+#include "lumora/pipeline/status.h"
+#include "pipeline/backends/gl/engine_setup.h"
+#include "pipeline/frames/frame_copy.h"
+#include "pipeline/plan/whitening_plan.h"
+
+namespace lumora {
+
+/// Memory that the chains fill anew for each frame. A frame like the one before needs no more.
+struct ChainMemory {
+  PaddedFrame work;
+  std::vector<FACE_INFO_t> records;
+  std::vector<WhiteningJob> whitening;
+  std::vector<float> weights;
+};
+
+/// What a chain works with. `frame` is its input and receives its result; outside of the faces it
+/// keeps every byte, whatever the engine makes of the rest. On failure its contents are not
+/// defined.
+struct ChainFrame {
+  EngineSetup& setup;
+  PaddedFrame& frame;
+  ChainMemory& memory;
+  Report& report;
+};
+
+/// Whole frames at once; `faces` is not empty. Whitening works in colour-convert mode. The set-up
+/// then serves slimming as well.
+Status WhitenPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look);
+Status SlimPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces);
+
+/// Block by block, for stills. One face after the other, so that there may be any number of them,
+/// and each works on what the ones before have left. The set-up is gone afterwards.
+Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look);
+Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces);
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_BACKENDS_GL_CHAINS_H_

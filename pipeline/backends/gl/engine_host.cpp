@@ -1,0 +1,171 @@
+#include "pipeline/backends/gl/engine_host.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "lumora/geometry/rounding.h"
+#include "lumora/platform/display.h"
+#include "lumora/platform/settings.h"
+#include "pipeline/backends/gl/gl_state.h"
+#include "pipeline/backends/gl/rectification.h"
+#include "pipeline/faces/face_record.h"
+#include "pipeline/support/failure.h"
+#include "pipeline/support/stopwatch.h"
+
+namespace lumora {
+namespace {
+
+/// Cuts rectangles at the borders of the caller's frame, which the engine's is larger than.
+void ClipBlocks(int width, int height, std::vector<PixelRect>* blocks) {
+  for (PixelRect& block : *blocks) {
+    block.width = std::min(block.width, width - block.x);
+    block.height = std::min(block.height, height - block.y);
+  }
+  blocks->erase(
+      std::remove_if(blocks->begin(), blocks->end(),
+                     [](const PixelRect& block) { return block.width <= 0 || block.height <= 0; }),
+      blocks->end());
+}
+
+/// Where a frame has its middle in the middle of what the engine gets.
+FramePlace MiddlePlace(int width, int height) {
+  const auto offset = [](int size) { return (RoundUpTo32(size) - size) / 4 * 2; };
+  return {offset(width), offset(height)};
+}
+
+}  // namespace
+
+Status EngineHost::Beautify(const ConstFrameView& in, const FrameView& out,
+                            const std::vector<Face>& faces, const Look& look, Chain chain,
+                            Report* report) {
+  report = reports_.For(report);
+  Stopwatch stopwatch;
+  TakeFaces(faces, in.width, in.height, look.slim, chain);
+  frame_.Load(in);
+  report->upload_ms = stopwatch.Lap();
+
+  Status status = RunEffects(look, chain, report);
+  report->engine_ms = stopwatch.Lap();
+  if (status.ok()) {
+    // Nothing may fail any more once `out` is written.
+    report->chain = chain == Chain::Capture ? "capture" : "preview";
+    report->faces = static_cast<int>(faces_.size());
+    report->buffer_kind = BufferKind();
+    if (chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
+    ClipBlocks(in.width, in.height, &report->blocks);
+    frame_.Store(out);
+    report->download_ms = stopwatch.Lap();
+  }
+  if (chain == Chain::Capture) FreeMemory();
+  return status;
+}
+
+void EngineHost::TakeFaces(const std::vector<Face>& faces, int width, int height, int slim,
+                           Chain chain) {
+  faces_.clear();
+  for (size_t i = 0; i < faces.size(); ++i) {
+    if (const auto record = MakeFaceRecord(faces[i], width, height, slim, chain)) {
+      faces_.push_back({static_cast<int>(i), faces[i], *record});
+    }
+  }
+}
+
+Status EngineHost::RunEffects(const Look& look, Chain chain, Report* report) {
+  const bool capture = chain == Chain::Capture;
+  const ChainFrame frame = {setup_, frame_, memory_, *report};
+  Stopwatch stopwatch;
+  // A driver that failed may have left anything behind: the next frame finds a new set-up.
+  const auto checked = [this](Status status) {
+    if (status.ok()) status = CheckGlErrors();
+    if (!status.ok()) setup_.Release();
+    return status;
+  };
+  ClearGlErrors();
+  if (Whitens(look)) {
+    if (Status status = checked(capture ? WhitenCapture(frame, faces_, look)
+                                        : WhitenPreview(frame, faces_, look));
+        !status.ok()) {
+      return status;
+    }
+    report->whiten_ms = stopwatch.Lap();
+  }
+  if (look.slim > 0) {
+    if (Status status = checked(capture ? SlimCapture(frame, faces_) : SlimPreview(frame, faces_));
+        !status.ok()) {
+      return status;
+    }
+    report->slim_ms = stopwatch.Lap();
+  }
+  return {};
+}
+
+Status EngineHost::Rectify(const ConstFrameView& in, const FrameView& out, int degree,
+                           Report* report) {
+  return Correct(in, out, FramePlace{}, report, [&] {
+    return DrawKeystone(setup_, degree,
+                        {static_cast<double>(in.width) / frame_.width(),
+                         static_cast<double>(in.height) / frame_.height()});
+  });
+}
+
+Status EngineHost::RectifyRadial(const ConstFrameView& in, const FrameView& out,
+                                 const LensCoefficients* lens, Camera camera, Report* report) {
+  return Correct(in, out, MiddlePlace(in.width, in.height), report, [&] {
+    const FrameShare share = {static_cast<double>(in.width) / frame_.width(),
+                              static_cast<double>(in.height) / frame_.height()};
+    return DrawRadial(setup_, lens, camera, share);
+  });
+}
+
+template <typename Draw>
+Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, FramePlace place,
+                           Report* report, Draw draw) {
+  report = reports_.For(report);
+  Stopwatch stopwatch;
+  frame_.Load(in, place);
+  report->upload_ms = stopwatch.Lap();
+  // A set-up for whitening serves as well, so that a stream may change its mind.
+  if (Status status = setup_.Preview(frame_.width(), frame_.height(), false); !status.ok()) {
+    return status;
+  }
+  setup_.SetPreviewFilters(GL_LINEAR);
+  ClearGlErrors();
+  android::GPUBeautyFace& engine = setup_.engine();
+  bool done = engine.LoadPreviewFrameBuffer(frame_.luma()) != 0 && draw() &&
+              engine.DrawRGBtoYY(1) != 0 && engine.DrawRGBtoUV(1) != 0;
+  glFlush();
+  glFinish();
+  done = done && engine.MemcpyYUV(frame_.luma(), frame_.chroma()) != 0;
+  Status status = done ? CheckGlErrors() : EngineRefused();
+  report->engine_ms = stopwatch.Lap();
+  if (!status.ok()) {
+    setup_.Release();
+    return status;
+  }
+  report->chain = "preview";
+  report->buffer_kind = BufferKind();
+  report->blocks.push_back({0, 0, in.width, in.height});
+  frame_.Store(out);
+  report->download_ms = stopwatch.Lap();
+  return {};
+}
+
+void EngineHost::FreeMemory() {
+  frame_ = PaddedFrame();
+  memory_ = ChainMemory();
+}
+
+DeviceInfo EngineHost::Device() {
+  DeviceInfo info;
+  info.display = platform::DisplayOrigin();
+  info.vendor = GlText(GL_VENDOR);
+  info.renderer = GlText(GL_RENDERER);
+  info.version = GlText(GL_VERSION);
+  info.buffer_kind = BufferKind();
+  info.max_texture_size = MaxTextureSize();
+  info.cache_directory = platform::CacheDirectory();
+  info.program_binaries = OffersProgramBinaries();
+  return info;
+}
+
+}  // namespace lumora

@@ -1,0 +1,55 @@
+// The engine with everything that is bound to its thread.
+#ifndef LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_
+#define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_
+
+#include <vector>
+
+#include "lumora/pipeline/pipeline.h"
+#include "pipeline/backends/gl/chains.h"
+#include "pipeline/backends/gl/engine_setup.h"
+#include "pipeline/frames/frame_copy.h"
+#include "pipeline/support/reported.h"
+
+namespace lumora {
+
+/// Owns one engine and runs frames through its chains.
+///
+/// Thread: constructed, used and destroyed on one thread, which has no other engine. All operations
+/// leave `out` as it was when they fail, and `in` and `out` may be the same memory. Reports are
+/// empty before, and may be null.
+class EngineHost {
+ public:
+  /// Whether the engine has its context; nothing else may be called where it has none.
+  bool ready() { return setup_.engine().m_bEGLReady; }
+
+  /// `out` receives `in` with `look` applied to those of `faces` that can be processed, at least
+  /// one. `chain` is Preview or Capture.
+  Status Beautify(const ConstFrameView& in, const FrameView& out, const std::vector<Face>& faces,
+                  const Look& look, Chain chain, Report* report);
+
+  /// The two corrections of Pipeline; `camera` counts where `lens` is null.
+  Status Rectify(const ConstFrameView& in, const FrameView& out, int degree, Report* report);
+  Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const LensCoefficients* lens,
+                       Camera camera, Report* report);
+
+  DeviceInfo Device();
+
+ private:
+  void TakeFaces(const std::vector<Face>& faces, int width, int height, int slim, Chain chain);
+  Status RunEffects(const Look& look, Chain chain, Report* report);
+  /// The way of both corrections: `draw` draws from the input image to the first work image.
+  template <typename Draw>
+  Status Correct(const ConstFrameView& in, const FrameView& out, FramePlace place, Report* report,
+                 Draw draw);
+  void FreeMemory();
+
+  EngineSetup setup_;
+  PaddedFrame frame_;
+  ChainMemory memory_;
+  std::vector<FaceJob> faces_;  // of the frame at hand
+  ReportPlace reports_;
+};
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_

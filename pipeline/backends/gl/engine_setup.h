@@ -1,0 +1,72 @@
+// The engine and what it is set up for.
+#ifndef LUMORA_PIPELINE_BACKENDS_GL_ENGINE_SETUP_H_
+#define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_SETUP_H_
+
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/pipeline/status.h"
+#include "pipeline/frames/frame_copy.h"
+
+namespace lumora {
+
+/// Owns one engine and keeps to its order of calls: one set-up at a time, released by its own
+/// counterpart. A set-up that fails leaves the engine without one.
+///
+/// Thread: constructed, used and destroyed on one thread, which has no other engine.
+class EngineSetup {
+ public:
+  EngineSetup();
+  ~EngineSetup() { Release(); }
+  EngineSetup(const EngineSetup&) = delete;
+  EngineSetup& operator=(const EngineSetup&) = delete;
+
+  android::GPUBeautyFace& engine() { return engine_; }
+
+  /// The preview chain for frames of that size, kept as long as it fits. `colour` adds what
+  /// whitening needs; a set-up that has it serves slimming too.
+  Status Preview(int width, int height, bool colour);
+  /// Whether the preview set-up that there is has been made with `colour`.
+  bool has_colour() const { return state_ == State::kColourPreview; }
+
+  /// Makes all images of the preview set-up be sampled with that filter. The engine's passes leave
+  /// some with another one than they found, so that results would depend on the frames before.
+  void SetPreviewFilters(GLint filter);
+
+  /// A capture in blocks, for whitening.
+  Status CaptureBlocks(int width, int height);
+  /// A capture from the planes of `frame`, for slimming.
+  Status CapturePlanes(PaddedFrame& frame);
+
+  /// Brings rows of `frame` to the plane textures of such a capture; both numbers are even.
+  void UpdatePlanes(const PaddedFrame& frame, int first_row, int rows);
+
+  void Release();
+
+ private:
+  enum class State { kNone, kPreview, kColourPreview, kBlocks, kPlanes };
+
+  Status Keep(State state, const char* fault);
+  const char* PreviewFault(bool colour);
+  const char* BlocksFault();
+  const char* PlanesFault();
+
+  android::GPUBeautyFace engine_;
+  State state_ = State::kNone;
+  int width_ = 0;  // of the preview set-up
+  int height_ = 0;
+};
+
+/// Releases a capture at the end of a scope: stills are rare and their images large.
+class CaptureScope {
+ public:
+  explicit CaptureScope(EngineSetup& setup) : setup_(setup) {}
+  ~CaptureScope() { setup_.Release(); }
+  CaptureScope(const CaptureScope&) = delete;
+  CaptureScope& operator=(const CaptureScope&) = delete;
+
+ private:
+  EngineSetup& setup_;
+};
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_BACKENDS_GL_ENGINE_SETUP_H_

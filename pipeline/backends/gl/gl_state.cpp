@@ -1,0 +1,52 @@
+#include "pipeline/backends/gl/gl_state.h"
+
+#include "lumora/platform/graphic_buffer.h"
+#include "pipeline/support/failure.h"
+
+namespace lumora {
+
+int MaxTextureSize() {
+  GLint size = 0;
+  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &size);
+  return size;
+}
+
+std::string GlText(GLenum name) {
+  const GLubyte* const text = glGetString(name);
+  return text == nullptr ? "" : reinterpret_cast<const char*>(text);
+}
+
+bool OffersProgramBinaries() {
+  const std::string extensions = " " + GlText(GL_EXTENSIONS) + " ";
+  if (extensions.find(" GL_OES_get_program_binary ") == std::string::npos) return false;
+  GLint formats = 0;
+  glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &formats);
+  return formats > 0;
+}
+
+std::string BufferKind() {
+  return platform::BufferKindName(platform::PreferredBufferKind());
+}
+
+void ClearGlErrors() {
+  // A lost context reports errors for ever, hence the bound.
+  for (int i = 0; i < 16 && glGetError() != GL_NO_ERROR; ++i) {
+  }
+}
+
+Status CheckGlErrors() {
+  const GLenum error = glGetError();
+  if (error == GL_NO_ERROR) return {};
+  return Failure(StatusCode::EngineFailed,
+                 "the driver failed to draw the frame (GL error " + std::to_string(error) + ")");
+}
+
+Status CheckTextureSize(int width, int height) {
+  const int largest = MaxTextureSize();
+  if (width <= largest && height <= largest) return {};
+  return Failure(StatusCode::TooLarge,
+                 "the frame takes " + std::to_string(width) + " x " + std::to_string(height) +
+                     " pixels, but the driver's textures end at " + std::to_string(largest));
+}
+
+}  // namespace lumora

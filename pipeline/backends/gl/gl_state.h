@@ -1,0 +1,30 @@
+// Questions to the GL context of the calling thread.
+#ifndef LUMORA_PIPELINE_BACKENDS_GL_GL_STATE_H_
+#define LUMORA_PIPELINE_BACKENDS_GL_GL_STATE_H_
+
+#include <string>
+
+#include "lumora/pipeline/status.h"
+#include "lumora/platform/gl_api.h"
+
+namespace lumora {
+
+int MaxTextureSize();
+/// One of the driver's texts, empty when there is none.
+std::string GlText(GLenum name);
+bool OffersProgramBinaries();
+
+/// How CPU and GPU share memory here.
+std::string BufferKind();
+
+/// Forgets errors of earlier calls.
+void ClearGlErrors();
+/// A failure when a GL call has failed since the errors were last cleared.
+Status CheckGlErrors();
+
+/// TooLarge when a texture of width x height pixels cannot be had.
+Status CheckTextureSize(int width, int height);
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_BACKENDS_GL_GL_STATE_H_

@@ -1,0 +1,27 @@
+// The engine's corrections of whole frames, for frames that fill a part of the engine's only.
+#ifndef LUMORA_PIPELINE_BACKENDS_GL_RECTIFICATION_H_
+#define LUMORA_PIPELINE_BACKENDS_GL_RECTIFICATION_H_
+
+#include "lumora/pipeline/pipeline.h"
+#include "pipeline/backends/gl/engine_setup.h"
+
+namespace lumora {
+
+/// The sides of the caller's frame as shares of those of the engine's.
+struct FrameShare {
+  double x = 1;
+  double y = 1;
+};
+
+/// Draws the keystone correction from the input image to the first work image. The frame lies in
+/// the upper left. Returns whether the engine did.
+bool DrawKeystone(EngineSetup& setup, int degree, const FrameShare& share);
+
+/// Draws the radial correction, with the coefficients of `camera` where `lens` is null. The frame
+/// lies in the middle.
+bool DrawRadial(EngineSetup& setup, const LensCoefficients* lens, Camera camera,
+                const FrameShare& share);
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_BACKENDS_GL_RECTIFICATION_H_

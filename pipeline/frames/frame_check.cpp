@@ -1,0 +1,151 @@
+#include "pipeline/frames/frame_check.h"
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "pipeline/faces/number_bounds.h"
+#include "pipeline/frames/frame_layout.h"
+#include "pipeline/support/failure.h"
+
+namespace lumora {
+namespace {
+
+Status Invalid(std::string message) {
+  return Failure(StatusCode::InvalidArgument, std::move(message));
+}
+
+std::string SizeText(int width, int height) {
+  return std::to_string(width) + " x " + std::to_string(height);
+}
+
+/// `which` is "input" or "output". Makes no text for a frame that is as it should be.
+template <typename Byte>
+Status CheckFrame(const BasicFrameView<Byte>& frame, const char* which) {
+  const auto subject = [which] { return "the " + std::string(which) + " frame"; };
+  switch (frame.format) {
+    case PixelFormat::NV21:
+    case PixelFormat::NV12:
+    case PixelFormat::I420:
+      break;
+    default:
+      return Invalid(subject() + " has an unknown pixel format (" +
+                     std::to_string(static_cast<int>(frame.format)) + ")");
+  }
+  if (frame.width < kSmallestSide || frame.height < kSmallestSide) {
+    return Invalid(subject() + " is " + SizeText(frame.width, frame.height) +
+                   " pixels, but at least " + SizeText(kSmallestSide, kSmallestSide) +
+                   " are needed");
+  }
+  if (frame.width > kLargestSide || frame.height > kLargestSide) {
+    return Failure(StatusCode::TooLarge, subject() + " is " + SizeText(frame.width, frame.height) +
+                                             " pixels, but at most " +
+                                             std::to_string(kLargestSide) +
+                                             " are possible in each direction");
+  }
+  for (size_t plane = 0; plane < PlaneCount(frame.format); ++plane) {
+    const auto part = [&] { return "plane " + std::to_string(plane) + " of " + subject(); };
+    if (frame.planes[plane] == nullptr) return Invalid(part() + " is null");
+    const int row_bytes = RowBytes(frame.format, plane, frame.width);
+    if (frame.strides[plane] < row_bytes) {
+      return Invalid(part() + " has a stride of " + std::to_string(frame.strides[plane]) +
+                     " bytes, but its rows hold " + std::to_string(row_bytes));
+    }
+    if (frame.strides[plane] > std::numeric_limits<int>::max()) {
+      return Invalid(part() + " has a stride of " + std::to_string(frame.strides[plane]) +
+                     " bytes, which is more than can be addressed");
+    }
+  }
+  return {};
+}
+
+Status CheckScale(int value, const char* name) {
+  if (value >= 0 && value <= 100) return {};
+  return Invalid(std::string(name) + " is " + std::to_string(value) +
+                 ", but its range is 0 to 100");
+}
+
+std::string WholeText(float number) {
+  return std::to_string(static_cast<int>(number));
+}
+
+/// Makes no text for a face that is as it should be.
+Status CheckFace(const Face& face, size_t index, int width, int height) {
+  const float farthest = FarthestIn(width, height);
+  if (IsWithin(face, farthest)) return {};
+  const std::string subject = "face " + std::to_string(index) + " holds ";
+  constexpr float kLargest = std::numeric_limits<float>::max();
+  if (!IsWithin(face, kLargest, kLargest)) return Invalid(subject + "a number that is not finite");
+  if (!IsWithin(face.roll_degrees, kLargestRoll)) {
+    return Invalid(subject + "a roll of more than " + WholeText(kLargestRoll) + " degrees");
+  }
+  return Invalid(subject + "a number beyond " + WholeText(farthest) + ", " +
+                 WholeText(kFarthestInSides) + " times the longer side of the frame");
+}
+
+/// `which` is "RGB" or "HSI". An image that is left out is fine.
+Status CheckImage(const ConstFrameView& in, const ImageView& image, const std::string& which) {
+  if (image.data == nullptr) return {};
+  const std::string subject = "the " + which + " image";
+  if (image.width != in.width || image.height != in.height) {
+    return Invalid(subject + " is " + SizeText(image.width, image.height) +
+                   " pixels, but the frame is " + SizeText(in.width, in.height));
+  }
+  if (image.channels != 3 && image.channels != 4) {
+    return Invalid(subject + " has " + std::to_string(image.channels) +
+                   " channels, but only 3 or 4 are possible");
+  }
+  const int row_bytes = image.width * image.channels;
+  if (image.stride < row_bytes) {
+    return Invalid(subject + " has a stride of " + std::to_string(image.stride) +
+                   " bytes, but its rows hold " + std::to_string(row_bytes));
+  }
+  return {};
+}
+
+}  // namespace
+
+Status CheckFrames(const ConstFrameView& in, const FrameView& out) {
+  if (Status status = CheckFrame(in, "input"); !status.ok()) return status;
+  if (Status status = CheckFrame(out, "output"); !status.ok()) return status;
+  if (in.width != out.width || in.height != out.height) {
+    return Invalid("the input frame is " + SizeText(in.width, in.height) +
+                   " pixels, but the output frame is " + SizeText(out.width, out.height));
+  }
+  return {};
+}
+
+Status CheckArguments(const ConstFrameView& in, const FrameView& out,
+                      const std::vector<Face>& faces, const Look& look) {
+  if (Status status = CheckFrames(in, out); !status.ok()) return status;
+  if (Status status = CheckScale(look.slim, "slim"); !status.ok()) return status;
+  if (Status status = CheckScale(look.whiten, "whiten"); !status.ok()) return status;
+  if (Status status = CheckScale(look.saturate, "saturate"); !status.ok()) return status;
+  if (look.effect < Effect::Auto || look.effect > Effect::Mask) {
+    return Invalid("the effect (" + std::to_string(static_cast<int>(look.effect)) +
+                   ") is not one that there is");
+  }
+  for (size_t i = 0; i < faces.size(); ++i) {
+    if (Status status = CheckFace(faces[i], i, in.width, in.height); !status.ok()) return status;
+  }
+  return {};
+}
+
+Status CheckLens(const LensCoefficients& lens) {
+  if (IsUsable(lens)) return {};
+  for (const float k : {lens.k0, lens.k1, lens.k2, lens.k3}) {
+    if (!std::isfinite(k)) return Invalid("a lens coefficient is not finite");
+  }
+  const std::string most = WholeText(kLargestCoefficient);
+  return Invalid("a lens coefficient is beyond its range, which is -" + most + " to " + most);
+}
+
+Status CheckConversion(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi) {
+  if (Status status = CheckFrame(in, "input"); !status.ok()) return status;
+  if (rgb.data == nullptr && hsi.data == nullptr) return Invalid("no image to convert to is given");
+  if (Status status = CheckImage(in, rgb, "RGB"); !status.ok()) return status;
+  return CheckImage(in, hsi, "HSI");
+}
+
+}  // namespace lumora

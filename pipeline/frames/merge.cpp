@@ -1,0 +1,99 @@
+#include "pipeline/frames/merge.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "pipeline/frames/row_span.h"
+
+namespace lumora {
+namespace {
+
+uint8_t Mix(uint8_t from, uint8_t to, float weight) {
+  const float moved = static_cast<float>(from) + weight * static_cast<float>(to - from);
+  return static_cast<uint8_t>(std::lround(moved));
+}
+
+/// The start of a row in both planes of a padded frame.
+size_t RowStart(const PaddedFrame& frame, int row) {
+  return static_cast<size_t>(row) * static_cast<size_t>(frame.width());
+}
+
+/// The columns of a row whose pixel centres lie in a circle.
+RowSpan SpanOf(PointF centre, double radius, int y, int width) {
+  const double dy = y + 0.5 - static_cast<double>(centre.y);
+  const double left = radius * radius - dy * dy;
+  if (left < 0) return {};
+  return SpanAround(static_cast<double>(centre.x), std::sqrt(left), width);
+}
+
+}  // namespace
+
+void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
+           std::vector<float>* memory) {
+  const PixelRect& bounds = mask.bounds();
+  if (bounds.width <= 0 || bounds.height <= 0) return;
+  const auto columns = static_cast<size_t>(bounds.width);
+  memory->resize(2 * columns);
+  float* const upper = memory->data();
+  float* const lower = upper + columns;
+  const auto blend_luma = [&](int y, float* weights) {
+    mask.Row(y, weights);
+    const size_t start = RowStart(*frame, y) + static_cast<size_t>(bounds.x);
+    uint8_t* const to = frame->luma() + start;
+    const uint8_t* const from = processed.luma() + start;
+    for (size_t x = 0; x < columns; ++x) {
+      weights[x] *= mask.ShareOf(to[x]);
+      to[x] = Mix(to[x], from[x], weights[x]);
+    }
+  };
+  for (int y = bounds.y; y < bounds.y + bounds.height; y += 2) {
+    blend_luma(y, upper);
+    blend_luma(y + 1, lower);
+    const size_t start = RowStart(*frame, y / 2) + static_cast<size_t>(bounds.x);
+    uint8_t* const to = frame->chroma() + start;
+    const uint8_t* const from = processed.chroma() + start;
+    for (size_t x = 0; x < columns; x += 2) {
+      const float weight = (upper[x] + upper[x + 1] + lower[x] + lower[x + 1]) / 4;
+      to[x] = Mix(to[x], from[x], weight);
+      to[x + 1] = Mix(to[x + 1], from[x + 1], weight);
+    }
+  }
+}
+
+PixelRect CircleBounds(PointF centre, double radius, int width, int height) {
+  const auto clip = [](double value, int limit) {
+    return static_cast<int>(std::clamp(std::floor(value / 2) * 2, 0.0, static_cast<double>(limit)));
+  };
+  const auto x = static_cast<double>(centre.x);
+  const auto y = static_cast<double>(centre.y);
+  PixelRect bounds;
+  bounds.x = clip(x - radius, width);
+  bounds.y = clip(y - radius, height);
+  bounds.width = clip(x + radius + 2, width) - bounds.x;
+  bounds.height = clip(y + radius + 2, height) - bounds.y;
+  return bounds;
+}
+
+void CopyCircle(const PaddedFrame& processed, PointF centre, double radius, PaddedFrame* frame) {
+  const PixelRect bounds = CircleBounds(centre, radius, frame->width(), frame->height());
+  const auto copy = [](const uint8_t* from, uint8_t* to, size_t start, RowSpan span) {
+    if (span.begin >= span.end) return;
+    const size_t at = start + static_cast<size_t>(span.begin);
+    std::memcpy(to + at, from + at, static_cast<size_t>(span.end - span.begin));
+  };
+  for (int y = bounds.y; y < bounds.y + bounds.height; y += 2) {
+    const RowSpan upper = SpanOf(centre, radius, y, frame->width());
+    const RowSpan lower = SpanOf(centre, radius, y + 1, frame->width());
+    copy(processed.luma(), frame->luma(), RowStart(*frame, y), upper);
+    copy(processed.luma(), frame->luma(), RowStart(*frame, y + 1), lower);
+    // The longer one holds the other: both are symmetric to the same column.
+    const RowSpan& longer = upper.end - upper.begin > lower.end - lower.begin ? upper : lower;
+    const RowSpan chroma = {longer.begin / 2 * 2, (longer.end + 1) / 2 * 2};
+    copy(processed.chroma(), frame->chroma(), RowStart(*frame, y / 2), chroma);
+  }
+}
+
+}  // namespace lumora

@@ -1,0 +1,26 @@
+// Taking parts of what the engine made into a frame, and leaving every other byte as it was.
+#ifndef LUMORA_PIPELINE_FRAMES_MERGE_H_
+#define LUMORA_PIPELINE_FRAMES_MERGE_H_
+
+#include <vector>
+
+#include "lumora/pipeline/face.h"
+#include "pipeline/frames/frame_copy.h"
+#include "pipeline/plan/skin_mask.h"
+
+namespace lumora {
+
+/// Moves the pixels of `frame` towards `processed`, of the same size, by the weights of `mask`.
+/// `memory` is for its own use.
+void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
+           std::vector<float>* memory);
+
+/// Copies the pixels in a circle from `processed`, and the chroma samples with any pixel in it.
+void CopyCircle(const PaddedFrame& processed, PointF centre, double radius, PaddedFrame* frame);
+
+/// The rectangle around a circle as far as it lies in a frame: whole chroma samples.
+PixelRect CircleBounds(PointF centre, double radius, int width, int height);
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_FRAMES_MERGE_H_

@@ -1,0 +1,54 @@
+// YUV frames to RGB and HSI images, on the GPU.
+#ifndef LUMORA_PIPELINE_CONVERTER_H_
+#define LUMORA_PIPELINE_CONVERTER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "lumora/pipeline/export.h"
+#include "lumora/pipeline/frame.h"
+#include "lumora/pipeline/report.h"
+#include "lumora/pipeline/status.h"
+
+namespace lumora {
+
+/// An interleaved image in the caller's memory, 8 bits a channel. Nothing is owned.
+struct ImageView {
+  uint8_t* data = nullptr;    ///< first byte; null: this image is not wanted
+  int width = 0;              ///< pixels
+  int height = 0;             ///< pixels
+  int channels = 3;           ///< 3, or 4 with 255 in the fourth
+  std::ptrdiff_t stride = 0;  ///< bytes from row to row
+};
+
+/// Converts frames. Owns a converter of the engine library on a worker thread of its own; any
+/// number of converters and pipelines may live side by side.
+///
+/// Thread-safety: every member may be called from any thread; calls are served one after another.
+class LUMORA_PIPELINE_API Converter {
+ public:
+  /// Starts the worker. On failure returns null. `status` may be null.
+  static std::unique_ptr<Converter> Create(Status* status);
+  ~Converter();
+
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+
+  /// Converts a frame, from 32 x 32 pixels up, odd sizes too.
+  ///   rgb  receives red, green, blue
+  ///   hsi  receives hue (255 is a turn), saturation ((max - min) / max) and intensity (max)
+  /// Images have the frame's size; one of the two may be left out by a null `data`. Bytes between
+  /// their rows are not written. On failure both are left as they were. `report` may be null.
+  Status Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
+                 Report* report = nullptr);
+
+ private:
+  class LUMORA_PIPELINE_LOCAL Worker;
+  LUMORA_PIPELINE_LOCAL explicit Converter(std::unique_ptr<Worker> worker);
+  std::unique_ptr<Worker> worker_;
+};
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_CONVERTER_H_

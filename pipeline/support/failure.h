@@ -1,0 +1,24 @@
+// Making a Status that says what went wrong.
+#ifndef LUMORA_PIPELINE_SUPPORT_FAILURE_H_
+#define LUMORA_PIPELINE_SUPPORT_FAILURE_H_
+
+#include <string>
+#include <utility>
+
+#include "lumora/pipeline/status.h"
+
+namespace lumora {
+
+inline Status Failure(StatusCode code, std::string message) {
+  return {code, std::move(message)};
+}
+
+/// One of the engine's operations came back with 0.
+inline Status EngineRefused() {
+  return Failure(StatusCode::EngineFailed,
+                 "the engine refused the frame; set LUMORA_LOG=debug to see why");
+}
+
+}  // namespace lumora
+
+#endif  // LUMORA_PIPELINE_SUPPORT_FAILURE_H_
