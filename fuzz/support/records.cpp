@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 
 namespace lumora::fuzz {
 namespace {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 

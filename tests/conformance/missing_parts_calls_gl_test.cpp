@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "conformance/operations.h"
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "engine/caller_memory.h"
 
 namespace lumora::test {

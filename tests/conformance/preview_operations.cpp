@@ -1,7 +1,7 @@
 #include "conformance/preview_operations.h"
 
 #include "conformance/gl_text.h"
-#include "effects/faces.h"
+#include "support/faces.h"
 
 namespace lumora::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "conformance/capture_engine.h"
 #include "conformance/gl_text.h"
-#include "effects/faces.h"
+#include "support/faces.h"
 
 namespace lumora::test {
 namespace {

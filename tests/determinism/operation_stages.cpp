@@ -1,5 +1,5 @@
 #include "determinism/stages.h"
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "lumora/lumora.h"
 #include "support/pictures.h"
 

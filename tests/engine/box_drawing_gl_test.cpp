@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "lumora/platform/gl_api.h"

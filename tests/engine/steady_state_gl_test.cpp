@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "lumora/lumora.h"
 #include "support/allocation_count.h"
 #include "support/pictures.h"

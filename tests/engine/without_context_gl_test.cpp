@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "lumora/lumora.h"
 #include "support/log_capture.h"

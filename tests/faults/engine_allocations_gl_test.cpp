@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "faults/allocation_faults.h"
 #include "lumora/convert/gpu_color_converter.h"

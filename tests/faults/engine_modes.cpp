@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 
 namespace lumora::test {
 namespace {

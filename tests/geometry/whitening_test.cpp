@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "reference/whitening_parameters.h"
 #include "support/pictures.h"
 

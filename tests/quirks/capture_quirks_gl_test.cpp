@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "effects/capture_scene.h"
+#include "engine/capture_scene.h"
 
 namespace lumora::test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "lumora/convert/gpu_color_converter.h"

@@ -5,7 +5,7 @@
 #include <climits>
 #include <memory>
 
-#include "effects/capture_scene.h"
+#include "engine/capture_scene.h"
 #include "lumora/programs/cheek_slimmer_programs.h"
 #include "reference/slimming_capture.h"
 #include "support/log_capture.h"

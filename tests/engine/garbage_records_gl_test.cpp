@@ -7,7 +7,7 @@
 #include <functional>
 #include <memory>
 
-#include "effects/capture_scene.h"
+#include "engine/capture_scene.h"
 #include "lumora/programs/cheek_slimmer_programs.h"
 #include "support/pictures.h"
 

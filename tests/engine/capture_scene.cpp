@@ -1,4 +1,4 @@
-#include "effects/capture_scene.h"
+#include "engine/capture_scene.h"
 
 #include <algorithm>
 #include <cstring>

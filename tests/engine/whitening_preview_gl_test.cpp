@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "effects/capture_scene.h"
+#include "engine/capture_scene.h"
 #include "lumora/programs/face_whitening_programs.h"
 #include "reference/colour_bounds.h"
 #include "reference/whitening_bounds.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "effects/faces.h"
+#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/capture_blocks.h"

@@ -5,7 +5,7 @@
 #include <climits>
 #include <ostream>
 
-#include "effects/capture_scene.h"
+#include "engine/capture_scene.h"
 #include "support/compare.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"

@@ -1,4 +1,4 @@
-#include "effects/faces.h"
+#include "support/faces.h"
 
 #include <climits>
 #include <cmath>

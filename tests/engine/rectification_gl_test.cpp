@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "effects/capture_scene.h"
+#include "engine/capture_scene.h"
 #include "lumora/platform/settings.h"
 #include "lumora/programs/rectification_programs.h"
 #include "reference/engine_model.h"
