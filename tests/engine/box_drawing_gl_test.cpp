@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "lumora/platform/gl_api.h"
+#include "support/faces.h"
 #include "support/gl_objects.h"
 #include "support/pictures.h"
 #include "support/property_override.h"

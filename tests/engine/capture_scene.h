@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/capture_blocks.h"
 #include "reference/whitening_capture.h"
+#include "support/faces.h"
 #include "support/guarded_buffer.h"
 
 namespace lumora::test {

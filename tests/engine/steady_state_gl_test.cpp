@@ -3,9 +3,9 @@
 
 #include <vector>
 
-#include "support/faces.h"
 #include "lumora/lumora.h"
 #include "support/allocation_count.h"
+#include "support/faces.h"
 #include "support/pictures.h"
 
 namespace lumora::test {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "lumora/lumora.h"
+#include "support/faces.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"
 #include "support/scoped.h"

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "support/faces.h"
 #include "reference/whitening_parameters.h"
+#include "support/faces.h"
 #include "support/pictures.h"
 
 namespace lumora::test {

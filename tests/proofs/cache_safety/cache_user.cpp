@@ -26,8 +26,8 @@
 #include <string>
 #include <vector>
 
-#include "proofs/cache_safety/program_pictures.h"
 #include "lumora/platform/settings.h"
+#include "proofs/cache_safety/program_pictures.h"
 #include "support/gl_test.h"
 #include "support/next_function.h"
 

@@ -2,8 +2,8 @@
 #ifndef LUMORA_TESTS_CONFORMANCE_CAPTURE_ENGINE_H_
 #define LUMORA_TESTS_CONFORMANCE_CAPTURE_ENGINE_H_
 
-#include "proofs/conformance/operations.h"
 #include "engine/caller_memory.h"
+#include "proofs/conformance/operations.h"
 
 namespace lumora::test {
 

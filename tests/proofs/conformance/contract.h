@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "proofs/conformance/transcript.h"
 #include "programs/program_cases.h"
+#include "proofs/conformance/transcript.h"
 
 namespace lumora::test {
 

@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "proofs/conformance/contract.h"
 #include "engine/caller_memory.h"
+#include "proofs/conformance/contract.h"
 
 namespace lumora::test {
 namespace {

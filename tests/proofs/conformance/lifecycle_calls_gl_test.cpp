@@ -4,9 +4,9 @@
 #include <memory>
 #include <ostream>
 
-#include "proofs/conformance/contract.h"
 #include "engine/engine_images.h"
 #include "engine/setup_transcript.h"
+#include "proofs/conformance/contract.h"
 #include "support/property_override.h"
 #include "support/scoped.h"
 

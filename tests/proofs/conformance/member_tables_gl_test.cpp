@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
+#include "support/faces.h"
 
 namespace lumora::test {
 namespace {

@@ -2,9 +2,9 @@
 // nothing.
 #include <gtest/gtest.h>
 
+#include "engine/caller_memory.h"
 #include "proofs/conformance/operations.h"
 #include "support/faces.h"
-#include "engine/caller_memory.h"
 
 namespace lumora::test {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "proofs/conformance/contract.h"
 #include "engine/engine_images.h"
+#include "proofs/conformance/contract.h"
 #include "reference/face_record.h"
 #include "reference/warp_parameters.h"
 

@@ -3,8 +3,8 @@
 #include <GLES2/gl2.h>
 #include <gtest/gtest.h>
 
-#include "proofs/conformance/transcript.h"
 #include "engine/engine_images.h"
+#include "proofs/conformance/transcript.h"
 
 namespace lumora::test {
 namespace {

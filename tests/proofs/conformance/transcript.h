@@ -19,8 +19,8 @@
 #include <string>
 #include <vector>
 
-#include "proofs/conformance/gl_recorder.h"
 #include "lumora/lumora.h"
+#include "proofs/conformance/gl_recorder.h"
 #include "support/log_capture.h"
 
 namespace lumora::test {

@@ -1,6 +1,6 @@
+#include "lumora/lumora.h"
 #include "proofs/determinism/stages.h"
 #include "support/faces.h"
-#include "lumora/lumora.h"
 #include "support/pictures.h"
 
 namespace lumora::test {

@@ -2,9 +2,9 @@
 #include <memory>
 #include <utility>
 
-#include "proofs/determinism/stages.h"
 #include "lumora/programs/programs.h"
 #include "programs/program_draw.h"
+#include "proofs/determinism/stages.h"
 #include "support/pictures.h"
 
 namespace lumora::test {

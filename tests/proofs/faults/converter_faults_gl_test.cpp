@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "engine/caller_memory.h"
+#include "lumora/convert/gpu_color_converter.h"
 #include "proofs/faults/fault_layer.h"
 #include "proofs/faults/fault_test.h"
-#include "lumora/convert/gpu_color_converter.h"
 
 namespace lumora::test {
 namespace {

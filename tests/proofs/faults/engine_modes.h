@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "engine/caller_memory.h"
-#include "proofs/faults/setup_model.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "proofs/faults/setup_model.h"
 #include "support/log_capture.h"
 
 namespace lumora::test {

@@ -6,9 +6,9 @@
 
 #include <cstring>
 
-#include "proofs/faults/allocation_faults.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/segl_image.h"
+#include "proofs/faults/allocation_faults.h"
 
 namespace lumora::test {
 namespace {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
+#include "lumora/gl/image_files.h"
 #include "proofs/faults/fault_layer.h"
 #include "proofs/faults/fault_test.h"
-#include "lumora/gl/image_files.h"
 #include "support/log_capture.h"
 #include "support/scoped.h"
 

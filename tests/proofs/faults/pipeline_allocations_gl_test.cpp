@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "proofs/faults/allocation_faults.h"
 #include "lumora/pipeline/converter.h"
 #include "lumora/pipeline/face_tracker.h"
 #include "lumora/pipeline/pipeline.h"
 #include "pipeline/frame_memory.h"
+#include "proofs/faults/allocation_faults.h"
 #include "support/scoped.h"
 
 namespace lumora::test {

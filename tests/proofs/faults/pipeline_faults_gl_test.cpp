@@ -6,10 +6,10 @@
 #include <memory>
 #include <vector>
 
-#include "proofs/faults/fault_layer.h"
-#include "proofs/faults/fault_test.h"
 #include "lumora/pipeline/pipeline.h"
 #include "pipeline/frame_memory.h"
+#include "proofs/faults/fault_layer.h"
+#include "proofs/faults/fault_test.h"
 #include "support/log_capture.h"
 
 namespace lumora::test {

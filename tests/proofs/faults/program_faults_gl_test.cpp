@@ -3,10 +3,10 @@
 
 #include <memory>
 
-#include "proofs/faults/fault_layer.h"
-#include "proofs/faults/fault_test.h"
 #include "lumora/gl/gl_helpers.h"
 #include "programs/program_cases.h"
+#include "proofs/faults/fault_layer.h"
+#include "proofs/faults/fault_test.h"
 #include "support/gl_test.h"
 
 namespace lumora::test {

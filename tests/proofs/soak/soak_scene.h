@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
-#include "support/faces.h"
 #include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "lumora/convert/gpu_color_converter.h"
+#include "support/faces.h"
 #include "support/pictures.h"
 
 namespace lumora::test {
