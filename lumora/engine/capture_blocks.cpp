@@ -5,19 +5,23 @@
 #include <cstdint>
 #include <cstring>
 
-#include "lumora/engine/pass.h"
-#include "lumora/engine/process_rectangle.h"
-#include "lumora/engine/whole_frame_store.h"
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/internal/packed_targets.h"
+#include "lumora/engine/internal/process_rectangle.h"
+#include "lumora/engine/internal/set_up.h"
+#include "lumora/engine/internal/whole_frame_store.h"
 #include "lumora/geometry/blocks.h"
 #include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/quad.h"
 #include "lumora/platform/gl_api.h"
 
 LUMORA_LOG_TAG("Lumora");
 
 namespace android {
+
+namespace internal = lumora::engine;
+
 namespace {
 
 constexpr size_t kPixelBytes = 4;
@@ -35,6 +39,70 @@ void ForEachBlockRow(int x, int y, int block_width, int block_height, int full_w
     copy_row((full_row + static_cast<size_t>(x)) * kPixelBytes, block_row * kPixelBytes,
              static_cast<size_t>(columns) * kPixelBytes);
   }
+}
+
+/// Two planes of a caller's frame, with rows of the full capture width.
+struct FramePlanes {
+  unsigned char* luma;
+  unsigned char* chroma;
+};
+
+/// Makes the texture coordinates and, above the size of a texture, work image 2 what the block at
+/// (x, y) of the store is drawn from.
+bool PrepareBlockSource(GPUBeautyFace& engine, int x, int y, int rows) {
+  const int full_stride = lumora::RoundUpTo32(engine.m_nFullWidth);
+  if (!engine.m_bLargeCapture) {
+    // The whole frame is a texture: the block is a rectangle of it.
+    const auto width = static_cast<float>(full_stride);
+    const auto height = static_cast<float>(engine.m_nFullHeight);
+    lumora::quad::SetTextureRectangle(static_cast<float>(x) / width, static_cast<float>(y) / height,
+                                      static_cast<float>(x + engine.m_nSrcWidth) / width,
+                                      static_cast<float>(y + engine.m_nSrcHeight) / height);
+    return true;
+  }
+  SEGLImage* const image = engine.m_pWorkImage[2];
+  unsigned char* block = image != nullptr ? image->Lock() : nullptr;
+  const internal::LockedStoreBlock store(engine, x, y, engine.m_nSrcWidth, rows);
+  if (store.texels() == nullptr || block == nullptr) {
+    LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
+    return false;
+  }
+  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.texels(), block, x, y,
+                                           lumora::RoundUpTo32(engine.m_nSrcWidth), rows,
+                                           full_stride, engine.m_nFullHeight);
+  if (image->Unlock() < 0) return false;
+  lumora::quad::ResetTextureCoordinates();
+  return true;
+}
+
+/// Brings the block at (x, y) of the store back.
+bool CopyBlock(GPUBeautyFace& engine, const FramePlanes& planes, int x, int y) {
+  const int rows = std::min(engine.m_nFullHeight - y, engine.m_nSrcHeight);
+  const int columns = std::min(engine.m_nFullWidth - x, engine.m_nSrcWidth);
+  if (!PrepareBlockSource(engine, x, y, rows) || engine.DrawColorConvertHSI2YUV() == 0 ||
+      engine.DrawRGBtoYY(-1) == 0 || engine.DrawRGBtoUV(-1) == 0) {
+    return false;
+  }
+  glFlush();
+  glFinish();
+  return engine.BlockCopyYUV(planes.luma, planes.chroma, engine.m_nFullWidth, engine.m_nFullHeight,
+                             x, y, columns, rows) == 1;
+}
+
+/// Brings the blocks of one face back.
+bool CopyFaceBlocks(GPUBeautyFace& engine, const FramePlanes& planes, const FaceProcessRect& face) {
+  if (engine.m_bLargeCapture) {
+    if (engine.m_spLargeBuffer) engine.m_spLargeBuffer->unlock();
+  } else if (engine.m_pWorkImage[1] != nullptr) {
+    engine.m_pWorkImage[1]->Unlock();
+  }
+  engine.m_nResultIdx = engine.m_bLargeCapture ? 2 : 1;
+  LOGD("[CopyMemYUVfromSrcTextureLarge]process block");
+
+  const lumora::BlockRange range =
+      lumora::ClipToFrame(internal::RectangleOf(face), engine.m_nFullWidth, engine.m_nFullHeight);
+  return lumora::ForEachBlock(range, engine.m_nSrcWidth, engine.m_nSrcHeight,
+                              [&](int x, int y) { return CopyBlock(engine, planes, x, y); });
 }
 
 }  // namespace
@@ -81,11 +149,10 @@ int GPUBeautyFace::BlockCopyYUV(unsigned char* pDstYStart, unsigned char* pDstUV
   };
   if (columns % 4 == 0 && stride % 4 == 0 && y >= 0 && y % 2 == 0) {
     const int block_chroma_rows = std::min((last_row + 1) / 2, chroma_rows - y / 2);
-    if (ReadPacked({place(pDstYStart, y), {0, 0, columns / 4, last_row}},
-                   {place(pDstUVStart, y / 2), {0, 0, columns / 4, block_chroma_rows}},
-                   stride / 4)) {
-      return 1;
-    }
+    const internal::PlanePart luma_part{place(pDstYStart, y), {0, 0, columns / 4, last_row}};
+    const internal::PlanePart chroma_part{place(pDstUVStart, y / 2),
+                                          {0, 0, columns / 4, block_chroma_rows}};
+    if (internal::ReadPacked(*this, luma_part, chroma_part, stride / 4)) return 1;
   }
 
   const unsigned char* luma = m_pYYYYImage->Lock();
@@ -114,66 +181,15 @@ int GPUBeautyFace::CopyMemYUVfromSrcTextureLarge(void* pDstY, void* pDstUV, int 
          lumora::kMaxFaceRecords);
     nFaces = lumora::kMaxFaceRecords;
   }
+  const FramePlanes planes{static_cast<unsigned char*>(pDstY), static_cast<unsigned char*>(pDstUV)};
   for (int i = 0; i < nFaces; ++i) {
-    if (!m_bColorCvtMode) return 0;
+    if (!internal::GoesByHsi(internal::SetUpOf(*this))) return 0;
     const FaceProcessRect& face = m_rcFaceProcess[i];
     const int twentieth = m_nFullHeight / 20;
     if (face.Width / twentieth == 0 || face.Height / twentieth == 0) continue;
-    if (!CopyFaceBlocks(static_cast<unsigned char*>(pDstY), static_cast<unsigned char*>(pDstUV),
-                        face)) {
-      return 0;
-    }
+    if (!CopyFaceBlocks(*this, planes, face)) return 0;
   }
   return 1;
-}
-
-bool GPUBeautyFace::CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV,
-                                   const FaceProcessRect& face) {
-  if (m_bLargeCapture) {
-    if (m_spLargeBuffer) m_spLargeBuffer->unlock();
-  } else if (m_pWorkImage[1] != nullptr) {
-    m_pWorkImage[1]->Unlock();
-  }
-  m_nResultIdx = m_bLargeCapture ? 2 : 1;
-  LOGD("[CopyMemYUVfromSrcTextureLarge]process block");
-
-  const lumora::BlockRange range =
-      lumora::ClipToFrame(lumora::RectangleOf(face), m_nFullWidth, m_nFullHeight);
-  return lumora::ForEachBlock(range, m_nSrcWidth, m_nSrcHeight, [&](int x, int y) {
-    const int rows = std::min(m_nFullHeight - y, m_nSrcHeight);
-    const int columns = std::min(m_nFullWidth - x, m_nSrcWidth);
-    if (!PrepareBlockSource(x, y, rows) || DrawColorConvertHSI2YUV() == 0 || DrawRGBtoYY(-1) == 0 ||
-        DrawRGBtoUV(-1) == 0) {
-      return false;
-    }
-    glFlush();
-    glFinish();
-    return BlockCopyYUV(pDstY, pDstUV, m_nFullWidth, m_nFullHeight, x, y, columns, rows) == 1;
-  });
-}
-
-bool GPUBeautyFace::PrepareBlockSource(int x, int y, int rows) {
-  const int full_stride = lumora::RoundUpTo32(m_nFullWidth);
-  if (!m_bLargeCapture) {
-    // The whole frame is a texture: the block is a rectangle of it.
-    const auto width = static_cast<float>(full_stride);
-    const auto height = static_cast<float>(m_nFullHeight);
-    lumora::quad::SetTextureRectangle(static_cast<float>(x) / width, static_cast<float>(y) / height,
-                                      static_cast<float>(x + m_nSrcWidth) / width,
-                                      static_cast<float>(y + m_nSrcHeight) / height);
-    return true;
-  }
-  unsigned char* block = m_pWorkImage[2] != nullptr ? m_pWorkImage[2]->Lock() : nullptr;
-  const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
-  if (store.texels() == nullptr || block == nullptr) {
-    LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
-    return false;
-  }
-  BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, lumora::RoundUpTo32(m_nSrcWidth), rows,
-                            full_stride, m_nFullHeight);
-  if (m_pWorkImage[2]->Unlock() < 0) return false;
-  lumora::quad::ResetTextureCoordinates();
-  return true;
 }
 
 }  // namespace android

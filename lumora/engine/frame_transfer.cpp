@@ -1,17 +1,15 @@
 // Frames between the caller's memory and the engine's images.
-#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
 #include "lumora/convert/sp2yuvxs.h"
 #include "lumora/engine/gpu_beauty_face.h"
-#include "lumora/engine/pass.h"
+#include "lumora/engine/internal/packed_targets.h"
 #include "lumora/geometry/frame_sizes.h"
 #include "lumora/geometry/lens.h"
 #include "lumora/gl/cache_clean.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 
 LUMORA_LOG_TAG("Lumora");
@@ -41,18 +39,19 @@ struct PlaneWriter {
   }
 };
 
-}  // namespace
-
-unsigned char* GPUBeautyFace::LockInputImage() {
-  if (m_pRGBImage == nullptr) return nullptr;
-  const bool overwrites = lumora::ExpandsExactly(m_nSrcWidth, m_nSrcHeight) &&
-                          lumora::RoundUpTo32(m_nSrcWidth) == m_nSrcWidth;
-  return overwrites && m_pRGBImage->m_spBuffer ? m_pRGBImage->m_spBuffer->lockForOverwrite()
-                                               : m_pRGBImage->Lock();
+/// The input image for a frame to be expanded into; one that fills it whole fetches nothing first.
+unsigned char* LockInputImage(const GPUBeautyFace& engine) {
+  SEGLImage* const image = engine.m_pRGBImage;
+  if (image == nullptr) return nullptr;
+  const bool overwrites = lumora::ExpandsExactly(engine.m_nSrcWidth, engine.m_nSrcHeight) &&
+                          lumora::RoundUpTo32(engine.m_nSrcWidth) == engine.m_nSrcWidth;
+  return overwrites && image->m_spBuffer ? image->m_spBuffer->lockForOverwrite() : image->Lock();
 }
 
+}  // namespace
+
 int GPUBeautyFace::LoadPreviewFrameBuffer(void* pSrc) {
-  unsigned char* texels = pSrc != nullptr ? LockInputImage() : nullptr;
+  unsigned char* texels = pSrc != nullptr ? LockInputImage(*this) : nullptr;
   if (texels == nullptr) {
     LOGE("[%s] program or image is missing", "LoadPreviewFrameBuffer");
     return 0;
@@ -73,31 +72,15 @@ int GPUBeautyFace::CopyMemYUVfromSrcTexture(void* pDstY, void* pDstUV) {
   return MemcpyYUV(pDstY, pDstUV);
 }
 
-size_t GPUBeautyFace::FirstFrameSize() const {
-  static const size_t kSize = static_cast<size_t>(std::max(m_nProcHeight, 0)) *
-                              static_cast<size_t>(std::max(m_nProcWidth, 0));
-  return kSize;
-}
-
-bool GPUBeautyFace::ReadPacked(const PlanePart& luma, const PlanePart& chroma, int stride) {
-  const auto possible = [](const SEGLImage* image, const PlanePart& plane) {
-    return image != nullptr && image->m_spBuffer && plane.plane != nullptr;
-  };
-  const auto read = [stride](const SEGLImage& image, const PlanePart& plane) {
-    return image.m_spBuffer->readInto(plane.part, plane.plane, stride) == 0;
-  };
-  return possible(m_pYYYYImage, luma) && possible(m_pUVUVImage, chroma) &&
-         read(*m_pYYYYImage, luma) && read(*m_pUVUVImage, chroma);
-}
-
 int GPUBeautyFace::MemcpyYUV(void* pDstY, void* pDstUV) {
-  // The size of the first frame of the process serves for all replacement buffers that follow.
-  const size_t first_frame_size = FirstFrameSize();
+  namespace internal = lumora::engine;
+  const size_t first_luma_size = internal::FirstLumaSize(*this);
   const int texels = m_nProcWidth / 4;
-  if (m_nProcWidth % 4 == 0 &&
-      ReadPacked({static_cast<unsigned char*>(pDstY), {0, 0, texels, m_nProcHeight}},
-                 {static_cast<unsigned char*>(pDstUV), {0, 0, texels, m_nProcHeight / 2}},
-                 texels)) {
+  const internal::PlanePart whole_luma{static_cast<unsigned char*>(pDstY),
+                                       {0, 0, texels, m_nProcHeight}};
+  const internal::PlanePart whole_chroma{static_cast<unsigned char*>(pDstUV),
+                                         {0, 0, texels, m_nProcHeight / 2}};
+  if (m_nProcWidth % 4 == 0 && internal::ReadPacked(*this, whole_luma, whole_chroma, texels)) {
     return 1;
   }
   const unsigned char* luma = m_pYYYYImage != nullptr ? m_pYYYYImage->Lock() : nullptr;
@@ -107,9 +90,9 @@ int GPUBeautyFace::MemcpyYUV(void* pDstY, void* pDstUV) {
     return 0;
   }
   // NOLINTBEGIN(clang-analyzer-unix.Malloc): the replacement buffers are left to nobody.
-  PlaneWriter::For(pDstY, first_frame_size)
+  PlaneWriter::For(pDstY, first_luma_size)
       .CopyRows(luma, m_nYYYYWidth, m_nProcWidth, m_nProcHeight);
-  PlaneWriter::For(pDstUV, first_frame_size / 2)
+  PlaneWriter::For(pDstUV, first_luma_size / 2)
       .CopyRows(chroma, m_nUVUVWidth, m_nProcWidth, m_nProcHeight / 2);
   return 1;
   // NOLINTEND(clang-analyzer-unix.Malloc)

@@ -12,13 +12,6 @@
 #include "lumora/gl/gl_program.h"
 #include "lumora/gl/segl_image.h"
 
-namespace lumora {
-class ChangedArea;
-struct ColourSums;
-struct FaceGeometry;
-struct OffscreenHandles;
-}  // namespace lumora
-
 /// Which shifts whitening applies. Every value builds the same ellipses; values that are not named
 /// here shift nothing.
 enum BEAUTYSHOT_EFFECT_t : int32_t {
@@ -358,55 +351,6 @@ class LUMORA_API GPUBeautyFace {
   int m_nFaceWhiteCenterY;
 
  private:
-  struct LUMORA_LOCAL Pass;
-  struct LUMORA_LOCAL PlanePart;
-
-  // Set-up and release.
-  LUMORA_LOCAL lumora::OffscreenHandles EglHandles();
-  LUMORA_LOCAL void SetSizes(int src_width, int src_height, int proc_width, int proc_height);
-  LUMORA_LOCAL bool MakeImageTarget(SEGLImage*& image, GLuint& fbo, unsigned char flag, int width,
-                                    int height, GLint wrap, GLint filter, const char* check);
-  LUMORA_LOCAL bool MakePackedTargets();
-  LUMORA_LOCAL bool MakePackers(const char* function);
-
-  // Drawing and copying.
-  LUMORA_LOCAL SEGLImage* ImageAt(int index) const;
-  LUMORA_LOCAL SEGLImage* PackingSource(int nSrc) const;
-  LUMORA_LOCAL int RunPass(const Pass& pass);
-  LUMORA_LOCAL int CheckPreviewReady();
-  LUMORA_LOCAL int BeginPreviewFrame(void* in);
-  LUMORA_LOCAL bool MayLimitDraws() const;
-  LUMORA_LOCAL lumora::ChangedArea WholeImage() const;
-  LUMORA_LOCAL lumora::ChangedArea SlimmingArea() const;
-  LUMORA_LOCAL lumora::ChangedArea WhiteningArea() const;
-  LUMORA_LOCAL int DrawSlimmed(int index, const lumora::ChangedArea& area);
-  LUMORA_LOCAL int RunLimitedPass(Pass pass, GLuint source_target,
-                                  const lumora::ChangedArea& changed);
-  LUMORA_LOCAL int PackLuma(int nSrc, const lumora::ChangedArea* area);
-  LUMORA_LOCAL int PackChroma(int nSrc, const lumora::ChangedArea* area);
-  LUMORA_LOCAL int FinishPreviewFrame(void* in, void* out, int packed_source,
-                                      const lumora::ChangedArea& changed);
-  LUMORA_LOCAL bool FillPackedTargets(const unsigned char* frame);
-  LUMORA_LOCAL int PackPart(int packed_source, const lumora::platform::PixelRectangle& changed);
-  LUMORA_LOCAL bool ReadPart(unsigned char* frame, unsigned char* chroma,
-                             const lumora::platform::PixelRectangle& changed);
-  LUMORA_LOCAL unsigned char* LockInputImage();
-  LUMORA_LOCAL size_t LumaSize() const;
-  LUMORA_LOCAL size_t FirstFrameSize() const;
-  LUMORA_LOCAL bool ReadPacked(const PlanePart& luma, const PlanePart& chroma, int stride);
-  LUMORA_LOCAL bool CopyFaceBlocks(unsigned char* pDstY, unsigned char* pDstUV,
-                                   const FaceProcessRect& face);
-  LUMORA_LOCAL bool PrepareBlockSource(int x, int y, int rows);
-  LUMORA_LOCAL bool SlimBlock(void* in, void* out, int width, int height, int x, int y, int& run);
-
-  // Whitening.
-  LUMORA_LOCAL lumora::ColourSums SampleFace(const lumora::FaceGeometry& face,
-                                             const unsigned char* frame);
-  LUMORA_LOCAL bool WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face,
-                                int x, int y);
-  LUMORA_LOCAL bool LoadPreviousResult(int x, int y, int rows);
-  LUMORA_LOCAL bool StoreResult(int x, int y, int rows);
-
   bool m_bDisplayReferenced;  ///< the display was initialised and is terminated with the engine
 };
 

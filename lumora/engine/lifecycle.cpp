@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/internal/set_up.h"
 #include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
@@ -48,6 +49,22 @@ void DeletePlaneTexture(GLuint& texture) {
   if (texture == lumora::kNoName) return;
   glDeleteTextures(1, &texture);
   texture = lumora::kNoName;
+}
+
+/// The EGL members; whether the display is referenced is the engine's secret.
+lumora::OffscreenHandles EglHandles(GPUBeautyFace& engine, bool& display_referenced) {
+  return {engine.m_eglDisplay, engine.m_eglConfig, engine.m_eglSurface, engine.m_eglContext,
+          display_referenced};
+}
+
+/// Sets the sizes that follow from that of the frame that the effects run on.
+void SetProcessedSize(GPUBeautyFace& engine, int width, int height) {
+  engine.m_nProcWidth = width;
+  engine.m_nProcHeight = height;
+  engine.m_nYYYYWidth = engine.m_nUVUVWidth = lumora::PackedWidth(width);
+  engine.m_nYYYYHeight = height;
+  engine.m_nUVUVHeight = height / 2;
+  engine.m_nAlignedHeight = height;
 }
 
 }  // namespace
@@ -104,7 +121,8 @@ GPUBeautyFace::GPUBeautyFace()
       m_bDisplayReferenced(false) {
   LOGI("GPUBeautyFace()+");
   const bool ready = lumora::CreateOffscreenContext(
-      EglHandles(), [](const char* step) { LOGD("[%s] %s successfully", "GPUBeautyFace", step); });
+      EglHandles(*this, m_bDisplayReferenced),
+      [](const char* step) { LOGD("[%s] %s successfully", "GPUBeautyFace", step); });
   if (!ready) return;
   m_bEGLReady = true;
   LOGI("GPUBeautyFace()-");
@@ -113,26 +131,12 @@ GPUBeautyFace::GPUBeautyFace()
 GPUBeautyFace::~GPUBeautyFace() {
   LOGI("~GPUBeautyFace()+");
   if (m_bIsInit) DeInit();
-  lumora::DestroyOffscreenContext(
-      EglHandles(), [](const char* step) { LOGI("[%s] %s", "~GPUBeautyFace", step); });
+  lumora::DestroyOffscreenContext(EglHandles(*this, m_bDisplayReferenced), [](const char* step) {
+    LOGI("[%s] %s", "~GPUBeautyFace", step);
+  });
   m_bEGLReady = false;
   LOGI("~GPUBeautyFace()-");
   m_spLargeBuffer.clear();
-}
-
-lumora::OffscreenHandles GPUBeautyFace::EglHandles() {
-  return {m_eglDisplay, m_eglConfig, m_eglSurface, m_eglContext, m_bDisplayReferenced};
-}
-
-void GPUBeautyFace::SetSizes(int src_width, int src_height, int proc_width, int proc_height) {
-  m_nSrcWidth = src_width;
-  m_nSrcHeight = src_height;
-  m_nProcWidth = proc_width;
-  m_nProcHeight = proc_height;
-  m_nYYYYWidth = m_nUVUVWidth = lumora::PackedWidth(proc_width);
-  m_nYYYYHeight = proc_height;
-  m_nUVUVHeight = proc_height / 2;
-  m_nAlignedHeight = proc_height;
 }
 
 int GPUBeautyFace::Init(int nSrcImageWidth, int nSrcImageHeight, int procWidth, int procHeight,
@@ -142,7 +146,9 @@ int GPUBeautyFace::Init(int nSrcImageWidth, int nSrcImageHeight, int procWidth, 
   if (m_bIsInit) DeInit();
   m_bShowMask = ReadShowMask();
 
-  SetSizes(nSrcImageWidth, nSrcImageHeight, procWidth, procHeight);
+  m_nSrcWidth = nSrcImageWidth;
+  m_nSrcHeight = nSrcImageHeight;
+  SetProcessedSize(*this, procWidth, procHeight);
   m_nAlignedWidth = lumora::RoundUpTo32(procWidth);
   m_nFullWidth = nSrcImageWidth;
   m_nFullHeight = nSrcImageHeight;
@@ -169,7 +175,9 @@ int GPUBeautyFace::InitCapture(void* pY, void* pCbCr, int width, int height, int
   m_bShowMask = ReadShowMask();
 
   const lumora::WorkingSize working = lumora::CaptureWorkingSize(width, height);
-  SetSizes(working.width, working.height, working.width, working.height);
+  m_nSrcWidth = working.width;
+  m_nSrcHeight = working.height;
+  SetProcessedSize(*this, working.width, working.height);
   m_nAlignedWidth = working.width;
   m_nFullWidth = width;
   m_nFullHeight = height;
@@ -192,6 +200,7 @@ int GPUBeautyFace::InitCapture(void* pY, void* pCbCr, int width, int height, int
 
 int GPUBeautyFace::DeInit() {
   LOGD("[CAMIN] Lumora 2012/05/17 DeInit+");
+  const bool by_hsi = lumora::engine::GoesByHsi(lumora::engine::SetUpOf(*this));
   DeleteFramebuffer(m_hYYYYFbo);
   DeleteFramebuffer(m_hUVUVFbo);
   for (GLuint& fbo : m_hWorkFbo) DeleteFramebuffer(fbo);
@@ -204,7 +213,7 @@ int GPUBeautyFace::DeInit() {
   DeleteProgram(m_pProgFaceWhitening);
   DeleteProgram(m_pProgRectification);
   DeleteProgram(m_pProgRadialDistortion);
-  if (m_bColorCvtMode) {
+  if (by_hsi) {
     DeleteProgram(m_pProgHSI2YUV);
     DeleteProgram(m_pProgYUV2RGB);
     DeleteProgram(m_pProgRGB2HSI);
@@ -224,10 +233,11 @@ int GPUBeautyFace::DeInit() {
 
 int GPUBeautyFace::DeInitCapture() {
   LOGD("[CAMIN] Lumora 2012/05/17  DeInitCapture+");
+  const bool by_hsi = lumora::engine::GoesByHsi(lumora::engine::SetUpOf(*this));
   DeleteFramebuffer(m_hYYYYFbo);
   DeleteFramebuffer(m_hUVUVFbo);
   DeleteFramebuffer(m_hWorkFbo[0]);
-  if (m_bColorCvtMode) {
+  if (by_hsi) {
     DeleteFramebuffer(m_hRGBFbo);
     DeleteFramebuffer(m_hWorkFbo[1]);
     DeleteFramebuffer(m_hWorkFbo[2]);
@@ -241,7 +251,7 @@ int GPUBeautyFace::DeInitCapture() {
   DeleteProgram(m_pProgYUV2HSI);
   DeleteProgram(m_pProgHSI2YUV);
 
-  if (m_bColorCvtMode) {
+  if (by_hsi) {
     DestroyImages({&m_pRGBImage, &m_pWorkImage[1], &m_pWorkImage[2]});
   } else {
     DeletePlaneTexture(m_hYTexture);

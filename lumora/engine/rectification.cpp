@@ -1,16 +1,39 @@
 // Lens and perspective rectification of preview frames.
 #include <algorithm>
 
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/internal/limited_pass.h"
+#include "lumora/engine/internal/pass.h"
+#include "lumora/engine/internal/preview_frame.h"
+#include "lumora/engine/internal/target.h"
 #include "lumora/engine/lens_files.h"
-#include "lumora/engine/pass.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
-#include "lumora/platform/gl_api.h"
+#include "lumora/gl/quad.h"
 #include "lumora/programs/rectification_programs.h"
 
 LUMORA_LOG_TAG("Lumora");
 
 namespace android {
+
+namespace internal = lumora::engine;
+
+namespace {
+
+/// What both passes have in common: from the input image to work image 0.
+internal::Pass RectifyingPass(const GPUBeautyFace& engine, const char* name) {
+  internal::Pass pass(engine, name);
+  pass.input = internal::TextureOf(engine.m_pRGBImage);
+  pass.destination = internal::WorkTarget(engine, 0);
+  pass.filter = GL_LINEAR;
+  return pass;
+}
+
+/// The end of both operations: the whole frame has changed.
+bool FinishRectified(GPUBeautyFace& engine, void* in, void* out) {
+  return internal::FinishPreviewFrame(engine, {in, out}, 1, internal::WholeImage(engine));
+}
+
+}  // namespace
 
 int GPUBeautyFace::SetRectParameters(int degree) {
   auto* program = static_cast<GLProgRectificaton*>(m_pProgRectification);
@@ -52,9 +75,9 @@ int GPUBeautyFace::SetRadialRectParameters(int camera) {
 }
 
 int GPUBeautyFace::DrawRectification() {
-  return RunPass({"DrawRectification", m_pProgRectification, m_pRGBImage, m_pWorkImage[0],
-                  m_hWorkFbo[0], m_nAlignedWidth, m_nAlignedHeight, lumora::quad::kPositions,
-                  GL_LINEAR});
+  internal::Pass pass = RectifyingPass(*this, "DrawRectification");
+  pass.program = m_pProgRectification;
+  return RunPass(pass);
 }
 
 int GPUBeautyFace::DrawRadialRectification() {
@@ -64,32 +87,26 @@ int GPUBeautyFace::DrawRadialRectification() {
     float* at = coordinates + 2 * corner;
     SetCropVertexCoord(at[0], at[1], at);
   }
-  Pass pass{"DrawRadialRectification", m_pProgRadialDistortion, m_pRGBImage,
-            m_pWorkImage[0],           m_hWorkFbo[0],           m_nAlignedWidth,
-            m_nAlignedHeight};
-  pass.filter = GL_LINEAR;
+  internal::Pass pass = RectifyingPass(*this, "DrawRadialRectification");
+  pass.program = m_pProgRadialDistortion;
   pass.keep_coordinates = true;
   return RunPass(pass);
 }
 
 int GPUBeautyFace::Rectification(void* in, void* out, int degree, int /*unused*/) {
   LOGI("FaceProcess++");
-  if (CheckPreviewReady() == 0 || LoadPreviewFrameBuffer(in) == 0) return 0;
-  if (SetRectParameters(degree) == 0 || DrawRectification() == 0 ||
-      FinishPreviewFrame(in, out, 1, WholeImage()) == 0) {
-    return 0;
-  }
+  if (!internal::IsPreviewReady(*this) || LoadPreviewFrameBuffer(in) == 0) return 0;
+  if (SetRectParameters(degree) == 0 || DrawRectification() == 0) return 0;
+  if (!FinishRectified(*this, in, out)) return 0;
   LOGI("FaceProcess--");
   return 1;
 }
 
 int GPUBeautyFace::RadialRectification(void* in, void* out, int /*unused*/, int camera) {
   LOGI("FaceProcess  RadialRectification++");
-  if (CheckPreviewReady() == 0 || LoadPreviewFrameBuffer(in) == 0) return 0;
-  if (SetRadialRectParameters(camera) == 0 || DrawRadialRectification() == 0 ||
-      FinishPreviewFrame(in, out, 1, WholeImage()) == 0) {
-    return 0;
-  }
+  if (!internal::IsPreviewReady(*this) || LoadPreviewFrameBuffer(in) == 0) return 0;
+  if (SetRadialRectParameters(camera) == 0 || DrawRadialRectification() == 0) return 0;
+  if (!FinishRectified(*this, in, out)) return 0;
   LOGI("FaceProcess  RadialRectification--");
   return 1;
 }

@@ -2,11 +2,10 @@
 #include <new>
 
 #include "lumora/engine/gpu_beauty_face.h"
-#include "lumora/geometry/frame_sizes.h"
+#include "lumora/geometry/rounding.h"
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
 
@@ -19,12 +18,7 @@ using lumora::kNoName;
 using lumora::RoundUpTo32;
 using lumora::SetWrapAndFilter;
 
-constexpr unsigned char kBuffered = 1;
-constexpr unsigned char kPlain = 0;
-
 constexpr char kCheckRgb[] = "InitTexture - after RGB SetColorAttachment";
-constexpr char kCheckYyyy[] = "InitTexture - after YYYY SetColorAttachment";
-constexpr char kCheckUvuv[] = "InitTexture - after UVUV SetColorAttachment";
 
 /// A plain texture of one plane of a capture, or -1. Rows of the plane are tightly packed bytes.
 GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) {
@@ -46,88 +40,133 @@ GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) 
   return kNoName;
 }
 
-}  // namespace
+/// How an image with its framebuffer is to be made.
+struct ImagePlan {
+  bool buffered = true;  ///< in memory that the CPU addresses
+  int width = 0;         ///< pixels
+  int height = 0;
+  GLint wrap = GL_CLAMP_TO_EDGE;
+  GLint filter = GL_NEAREST;
+  const char* check = kCheckRgb;  ///< under what GL errors are told
+};
 
-bool GPUBeautyFace::MakeImageTarget(SEGLImage*& image, GLuint& fbo, unsigned char flag, int width,
-                                    int height, GLint wrap, GLint filter, const char* check) {
-  image = new (std::nothrow) SEGLImage(flag);
-  const bool created = image != nullptr && image->Create(width, height, 1) == 1;
+/// The members that an image and its framebuffer go to.
+struct Slot {
+  SEGLImage*& image;
+  GLuint& framebuffer;
+};
+
+Slot InputSlot(GPUBeautyFace& engine) {
+  return {engine.m_pRGBImage, engine.m_hRGBFbo};
+}
+
+Slot WorkSlot(GPUBeautyFace& engine, int index) {
+  return {engine.m_pWorkImage[index], engine.m_hWorkFbo[index]};
+}
+
+/// Makes both. False when something is missing, with what could be made in the slot.
+bool MakeTarget(const Slot& slot, const ImagePlan& plan) {
+  SEGLImage*& image = slot.image;
+  image = new (std::nothrow) SEGLImage(plan.buffered ? 1 : 0);
+  const bool created = image != nullptr && image->Create(plan.width, plan.height, 1) == 1;
   if (image == nullptr || image->m_hTexture == kNoName) {
     LOGE("[%s] can't new image", "MakeImageTarget");
     delete image;
     image = nullptr;
     return false;
   }
-  SetWrapAndFilter(wrap, filter);
+  SetWrapAndFilter(plan.wrap, plan.filter);
   GLuint name = 0;
   glGenFramebuffers(1, &name);
   if (name == 0) {
     // Framebuffer 0 is the pbuffer's: nothing may be drawn to it in this one's place.
     LOGE("[%s] can't make framebuffer", "MakeImageTarget");
-    lumora::gl::CheckGlError(check);
+    lumora::gl::CheckGlError(plan.check);
     return false;
   }
-  fbo = name;
-  glBindFramebuffer(GL_FRAMEBUFFER, fbo);
+  slot.framebuffer = name;
+  glBindFramebuffer(GL_FRAMEBUFFER, name);
   const bool complete = lumora::gl::AttachColour(GL_TEXTURE_2D, image->m_hTexture);
-  lumora::gl::CheckGlError(check);
+  lumora::gl::CheckGlError(plan.check);
   return created && complete;
 }
 
-bool GPUBeautyFace::MakePackedTargets() {
-  const bool luma = MakeImageTarget(m_pYYYYImage, m_hYYYYFbo, kBuffered, m_nYYYYWidth / 4,
-                                    m_nYYYYHeight, GL_CLAMP_TO_EDGE, GL_NEAREST, kCheckYyyy);
-  const bool chroma = MakeImageTarget(m_pUVUVImage, m_hUVUVFbo, kBuffered, m_nUVUVWidth / 4,
-                                      m_nUVUVHeight, GL_CLAMP_TO_EDGE, GL_NEAREST, kCheckUvuv);
-  return luma && chroma;
+bool MakePackedTargets(GPUBeautyFace& engine) {
+  ImagePlan luma;
+  luma.width = engine.m_nYYYYWidth / 4;
+  luma.height = engine.m_nYYYYHeight;
+  luma.check = "InitTexture - after YYYY SetColorAttachment";
+  ImagePlan chroma;
+  chroma.width = engine.m_nUVUVWidth / 4;
+  chroma.height = engine.m_nUVUVHeight;
+  chroma.check = "InitTexture - after UVUV SetColorAttachment";
+  const bool made_luma = MakeTarget({engine.m_pYYYYImage, engine.m_hYYYYFbo}, luma);
+  const bool made_chroma = MakeTarget({engine.m_pUVUVImage, engine.m_hUVUVFbo}, chroma);
+  return made_luma && made_chroma;
 }
 
+/// The store of a whole capture that fits no texture.
+bool MakeLargeBuffer(GPUBeautyFace& engine, int width, int height) {
+  namespace platform = lumora::platform;
+  auto& buffer = engine.m_spLargeBuffer;
+  buffer = new (std::nothrow) platform::GraphicBuffer(
+      static_cast<uint32_t>(RoundUpTo32(width)), static_cast<uint32_t>(height),
+      platform::HAL_PIXEL_FORMAT_RGBA_8888,
+      platform::GRALLOC_USAGE_SW_READ_OFTEN | platform::GRALLOC_USAGE_SW_WRITE_OFTEN |
+          platform::GRALLOC_USAGE_HW_TEXTURE);
+  if (buffer && buffer->handle().base == nullptr) buffer.clear();
+  if (!buffer) LOGE("[%s] can't new image", "InitTextureLarge");
+  return static_cast<bool>(buffer);
+}
+
+}  // namespace
+
 int GPUBeautyFace::InitTexture() {
-  const int width = RoundUpTo32(m_nSrcWidth);
-  bool made = MakeImageTarget(m_pRGBImage, m_hRGBFbo, kBuffered, width, m_nSrcHeight,
-                              GL_MIRRORED_REPEAT, GL_LINEAR, kCheckRgb);
-  for (int i = 0; i < 3; ++i) {
-    made &= MakeImageTarget(m_pWorkImage[i], m_hWorkFbo[i], kBuffered, width, m_nSrcHeight,
-                            GL_CLAMP_TO_EDGE, GL_LINEAR, kCheckRgb);
-  }
-  made &= MakePackedTargets();
+  ImagePlan work;
+  work.width = RoundUpTo32(m_nSrcWidth);
+  work.height = m_nSrcHeight;
+  work.filter = GL_LINEAR;
+  ImagePlan input = work;
+  input.wrap = GL_MIRRORED_REPEAT;
+
+  bool made = MakeTarget(InputSlot(*this), input);
+  for (int i = 0; i < 3; ++i) made &= MakeTarget(WorkSlot(*this, i), work);
+  made &= MakePackedTargets(*this);
   return made ? 1 : 0;
 }
 
 int GPUBeautyFace::InitTextureLarge(int width, int height) {
-  bool made = MakeImageTarget(m_pRGBImage, m_hRGBFbo, kBuffered, RoundUpTo32(m_nSrcWidth),
-                              m_nSrcHeight, GL_MIRRORED_REPEAT, GL_NEAREST, kCheckRgb);
-  const auto make_work_image = [this](int i, int work_width, int work_height) {
-    return MakeImageTarget(m_pWorkImage[i], m_hWorkFbo[i], kBuffered, work_width, work_height,
-                           GL_CLAMP_TO_EDGE, GL_NEAREST, kCheckRgb);
-  };
-  made &= make_work_image(0, m_nSrcWidth, m_nSrcHeight);
+  ImagePlan input;
+  input.width = RoundUpTo32(m_nSrcWidth);
+  input.height = m_nSrcHeight;
+  input.wrap = GL_MIRRORED_REPEAT;
+  ImagePlan block;
+  block.width = m_nSrcWidth;
+  block.height = m_nSrcHeight;
+  ImagePlan store;
+  store.width = RoundUpTo32(width);
+  store.height = height;
+
+  bool made = MakeTarget(InputSlot(*this), input);
+  made &= MakeTarget(WorkSlot(*this, 0), block);
   // The store of the whole capture: an image while it fits a texture, else plain shared memory.
-  if (m_bLargeCapture) {
-    namespace platform = lumora::platform;
-    m_spLargeBuffer = new (std::nothrow) platform::GraphicBuffer(
-        static_cast<uint32_t>(RoundUpTo32(width)), static_cast<uint32_t>(height),
-        platform::HAL_PIXEL_FORMAT_RGBA_8888,
-        platform::GRALLOC_USAGE_SW_READ_OFTEN | platform::GRALLOC_USAGE_SW_WRITE_OFTEN |
-            platform::GRALLOC_USAGE_HW_TEXTURE);
-    if (m_spLargeBuffer && m_spLargeBuffer->handle().base == nullptr) m_spLargeBuffer.clear();
-    if (!m_spLargeBuffer) LOGE("[%s] can't new image", "InitTextureLarge");
-    made &= static_cast<bool>(m_spLargeBuffer);
-  } else {
-    made &= make_work_image(1, RoundUpTo32(width), height);
-  }
-  made &= make_work_image(2, m_nSrcWidth, m_nSrcHeight);
-  made &= MakePackedTargets();
+  made &= m_bLargeCapture ? MakeLargeBuffer(*this, width, height)
+                          : MakeTarget(WorkSlot(*this, 1), store);
+  made &= MakeTarget(WorkSlot(*this, 2), block);
+  made &= MakePackedTargets(*this);
   return made ? 1 : 0;
 }
 
 int GPUBeautyFace::InitTextureLarge(void* pY, void* pCbCr, int width, int height) {
   m_hYTexture = MakePlaneTexture(GL_LUMINANCE, width, height, pY);
   m_hCbCrTexture = MakePlaneTexture(GL_LUMINANCE_ALPHA, width / 2, height / 2, pCbCr);
-  bool made = MakeImageTarget(m_pWorkImage[0], m_hWorkFbo[0], kPlain, m_nProcWidth, m_nProcHeight,
-                              GL_CLAMP_TO_EDGE, GL_NEAREST, kCheckRgb);
+  ImagePlan work;
+  work.buffered = false;
+  work.width = m_nProcWidth;
+  work.height = m_nProcHeight;
+  bool made = MakeTarget(WorkSlot(*this, 0), work);
   made &= m_hYTexture != kNoName && m_hCbCrTexture != kNoName;
-  made &= MakePackedTargets();
+  made &= MakePackedTargets(*this);
   return made ? 1 : 0;
 }
 

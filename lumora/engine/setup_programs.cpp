@@ -2,8 +2,8 @@
 #include <new>
 
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/internal/set_up.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/programs/programs.h"
 
 LUMORA_LOG_TAG("Lumora");
@@ -52,25 +52,25 @@ void SetChromaOffsets(GLProgRGBtoUV& program, double width, double height, bool 
   }
 }
 
-}  // namespace
-
-bool GPUBeautyFace::MakePackers(const char* function) {
-  const auto width = static_cast<unsigned>(m_nAlignedWidth);
-  const auto height = static_cast<unsigned>(m_nAlignedHeight);
-  auto* luma = MakeProgram<GLProgRGBtoY>(m_pProgRGBtoY, function);
+bool MakePackers(GPUBeautyFace& engine, const char* function) {
+  const auto width = static_cast<unsigned>(engine.m_nAlignedWidth);
+  const auto height = static_cast<unsigned>(engine.m_nAlignedHeight);
+  auto* luma = MakeProgram<GLProgRGBtoY>(engine.m_pProgRGBtoY, function);
   if (luma == nullptr) return false;
-  SetLumaOffsets(*luma, static_cast<float>(width), m_bRotate);
-  auto* chroma = MakeProgram<GLProgRGBtoUV>(m_pProgRGBtoUV, function);
+  SetLumaOffsets(*luma, static_cast<float>(width), engine.m_bRotate);
+  auto* chroma = MakeProgram<GLProgRGBtoUV>(engine.m_pProgRGBtoUV, function);
   if (chroma == nullptr) return false;
-  SetChromaOffsets(*chroma, width, height, m_bRotate);
+  SetChromaOffsets(*chroma, width, height, engine.m_bRotate);
   return true;
 }
+
+}  // namespace
 
 int GPUBeautyFace::InitShader() {
   constexpr char kFunction[] = "InitShader";
   const auto with_marks = [this](auto& program) { program.m_bShowMask = m_bShowMask; };
   const bool loaded =
-      MakePackers(kFunction) &&
+      MakePackers(*this, kFunction) &&
       MakeProgram<GLProgCheekSlimmer>(m_pProgCheekSlimmer, kFunction, with_marks) != nullptr &&
       MakeProgram<GLProgFaceWhitening>(m_pProgFaceWhitening, kFunction) != nullptr &&
       MakeProgram<GLProgRectificaton>(m_pProgRectification, kFunction, with_marks) != nullptr &&
@@ -80,12 +80,13 @@ int GPUBeautyFace::InitShader() {
 
 int GPUBeautyFace::InitShaderLarge() {
   constexpr char kFunction[] = "InitShaderLarge";
+  const bool by_hsi = lumora::engine::GoesByHsi(lumora::engine::SetUpOf(*this));
   const auto with_marks = [this](auto& program) { program.m_bShowMask = m_bShowMask; };
   const bool loaded =
-      MakePackers(kFunction) &&
+      MakePackers(*this, kFunction) &&
       // The HSI chain of block mode has no warp of its own.
-      (m_bColorCvtMode || MakeProgram<GLProgCheekSlimmerLarge>(m_pProgCheekSlimmer, kFunction,
-                                                               with_marks) != nullptr) &&
+      (by_hsi || MakeProgram<GLProgCheekSlimmerLarge>(m_pProgCheekSlimmer, kFunction, with_marks) !=
+                     nullptr) &&
       MakeProgram<GLProgFaceWhiteningLarge>(m_pProgFaceWhitening, kFunction) != nullptr &&
       MakeProgram<GLProgYUV2HSI>(m_pProgYUV2HSI, kFunction) != nullptr &&
       MakeProgram<GLProgHSI2YUV>(m_pProgHSI2YUV, kFunction) != nullptr;

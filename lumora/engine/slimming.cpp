@@ -1,14 +1,23 @@
 // Face slimming of preview frames.
-#include "lumora/engine/pass.h"
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/internal/limited_pass.h"
+#include "lumora/engine/internal/pass.h"
+#include "lumora/engine/internal/preview_frame.h"
+#include "lumora/engine/internal/set_up.h"
+#include "lumora/engine/internal/target.h"
+#include "lumora/geometry/changed_area.h"
+#include "lumora/geometry/rectangle.h"
 #include "lumora/geometry/warp.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
-#include "lumora/platform/gl_api.h"
 #include "lumora/programs/cheek_slimmer_programs.h"
 
 LUMORA_LOG_TAG("Lumora");
 
 namespace android {
+
+namespace internal = lumora::engine;
+using lumora::ChangedArea;
+
 namespace {
 
 /// Gives the program a face's warp. The shape of the frame is told apart from it.
@@ -26,15 +35,35 @@ void SetWarp(const lumora::Warp& warp, GLProgWarp& program) {
 lumora::Warp PreviewWarpOf(const GLProgWarp& program) {
   const float* controller = program.m_fvController;
   const float* limiter = program.m_fvAngleLimiter;
-  return {controller[0],
-          controller[1],
-          controller[2],
-          controller[3],
-          limiter[0],
-          limiter[1],
-          limiter[2],
-          program.m_fAspectRatio,
-          GLProgCheekSlimmer::kEdgeFade};
+  lumora::Warp warp{};
+  warp.centre_x = controller[0];
+  warp.centre_y = controller[1];
+  warp.strength = controller[2];
+  warp.radius = controller[3];
+  warp.limiter_direction = limiter[0];
+  warp.limiter_distance = limiter[1];
+  warp.limiter_scale = limiter[2];
+  warp.aspect_ratio = program.m_fAspectRatio;
+  warp.edge_fade = GLProgCheekSlimmer::kEdgeFade;
+  return warp;
+}
+
+/// What the warp that is set can change of a preview's image.
+ChangedArea SlimmingArea(const GPUBeautyFace& engine) {
+  const auto* program = static_cast<const GLProgWarp*>(engine.m_pProgCheekSlimmer);
+  if (program == nullptr || !internal::MayLimitDraws(engine)) {
+    return internal::WholeImage(engine);
+  }
+  return lumora::WarpArea(PreviewWarpOf(*program), engine.m_nAlignedWidth, engine.m_nAlignedHeight);
+}
+
+/// DrawFaceDist, with the area of the warp that is set.
+int DrawSlimmed(const GPUBeautyFace& engine, int index, const ChangedArea& area) {
+  if (index < 0) return 0;
+  internal::Pass pass(engine, "DrawFaceDist");
+  pass.program = engine.m_pProgCheekSlimmer;
+  pass.destination = internal::WorkTarget(engine, index % 2);
+  return RunLimitedPass(pass, internal::TargetAfter(engine, index), area);
 }
 
 }  // namespace
@@ -47,13 +76,20 @@ int GPUBeautyFace::SetParameters(int loc_x, int loc_y, int dist, int roll, int c
     LOGE("[%s] program or image is missing", "SetParameters");
     return 0;
   }
-  const lumora::FaceMeasures face{loc_x, loc_y, dist, chin_dist, roll, shapetype};
-  const lumora::WarpRequest request{bLarge ? m_nFullWidth : m_nSrcWidth,
-                                    bLarge ? m_nFullHeight : m_nSrcHeight,
-                                    Beauty_Level,
-                                    dist_level_ratio,
-                                    bLarge,
-                                    m_bColorCvtMode};
+  lumora::FaceMeasures face{};
+  face.loc_x = loc_x;
+  face.loc_y = loc_y;
+  face.dist = dist;
+  face.chin_dist = chin_dist;
+  face.roll = roll;
+  face.shape_type = shapetype;
+  lumora::WarpRequest request{};
+  request.frame_width = bLarge ? m_nFullWidth : m_nSrcWidth;
+  request.frame_height = bLarge ? m_nFullHeight : m_nSrcHeight;
+  request.beauty_level = Beauty_Level;
+  request.level_ratio = dist_level_ratio;
+  request.capture = bLarge;
+  request.hsi_chain = internal::GoesByHsi(internal::SetUpOf(*this));
   const lumora::FaceWarpParameters warp = lumora::ComputeWarp(face, request);
   LOGI("dist_level = %.2f, dist_level_ratio = %.2f", static_cast<double>(warp.told_strength),
        static_cast<double>(dist_level_ratio));
@@ -78,30 +114,17 @@ int GPUBeautyFace::SetCheekSlimmerParameters(FACE_INFO_t face, int level, bool b
                        bLarge, face.dist_level_ratio);
 }
 
-lumora::ChangedArea GPUBeautyFace::SlimmingArea() const {
-  const auto* program = static_cast<const GLProgWarp*>(m_pProgCheekSlimmer);
-  if (program == nullptr || !MayLimitDraws()) return WholeImage();
-  return lumora::WarpArea(PreviewWarpOf(*program), m_nAlignedWidth, m_nAlignedHeight);
-}
-
 int GPUBeautyFace::DrawFaceDist(int index) {
-  return DrawSlimmed(index, SlimmingArea());
-}
-
-int GPUBeautyFace::DrawSlimmed(int index, const lumora::ChangedArea& area) {
-  if (index < 0) return 0;
-  return RunLimitedPass(
-      {"DrawFaceDist", m_pProgCheekSlimmer, PackingSource(index), m_pWorkImage[index % 2],
-       m_hWorkFbo[index % 2], m_nAlignedWidth, m_nAlignedHeight},
-      index == 0 ? m_hRGBFbo : m_hWorkFbo[(index - 1) % 2], area);
+  return DrawSlimmed(*this, index, SlimmingArea(*this));
 }
 
 int GPUBeautyFace::FaceProcess(void* in, void* out, int level, FACE_INFO_t face, int /*unused*/) {
   LOGI("FaceProcess++");
-  if (BeginPreviewFrame(in) == 0) return 0;
+  if (!internal::BeginPreviewFrame(*this, in)) return 0;
   if (SetCheekSlimmerParameters(face, level, false) == 0) return 0;
-  const lumora::ChangedArea changed = SlimmingArea();
-  if (DrawSlimmed(0, changed) == 0 || FinishPreviewFrame(in, out, 1, changed) == 0) return 0;
+  const ChangedArea changed = SlimmingArea(*this);
+  if (DrawSlimmed(*this, 0, changed) == 0) return 0;
+  if (!internal::FinishPreviewFrame(*this, {in, out}, 1, changed)) return 0;
   LOGI("FaceProcess--");
   return 1;
 }
@@ -109,15 +132,15 @@ int GPUBeautyFace::FaceProcess(void* in, void* out, int level, FACE_INFO_t face,
 int GPUBeautyFace::FaceProcessMultiface(void* in, void* out, int level, FACE_INFO_t* faces,
                                         int count, int /*unused*/) {
   LOGI("FaceProcess+");
-  if (BeginPreviewFrame(in) == 0) return 0;
+  if (!internal::BeginPreviewFrame(*this, in)) return 0;
   lumora::PixelRectangle changed{};
   for (int i = 0; i < count; ++i) {
     if (SetCheekSlimmerParameters(faces[i], level, false) == 0) return 0;
-    const lumora::ChangedArea area = SlimmingArea();
-    if (DrawSlimmed(i, area) == 0) return 0;
+    const ChangedArea area = SlimmingArea(*this);
+    if (DrawSlimmed(*this, i, area) == 0) return 0;
     changed = lumora::Union(changed, area.Box());
   }
-  if (FinishPreviewFrame(in, out, count, lumora::ChangedArea(changed)) == 0) return 0;
+  if (!internal::FinishPreviewFrame(*this, {in, out}, count, ChangedArea(changed))) return 0;
   LOGI("FaceProcess-");
   return 1;
 }

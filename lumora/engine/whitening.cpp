@@ -2,18 +2,23 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "lumora/engine/pass.h"
-#include "lumora/geometry/blocks.h"
-#include "lumora/geometry/frame_sizes.h"
+#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/internal/limited_pass.h"
+#include "lumora/engine/internal/pass.h"
+#include "lumora/engine/internal/target.h"
+#include "lumora/geometry/changed_area.h"
+#include "lumora/geometry/rounding.h"
 #include "lumora/geometry/whitening.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/face_whitening_programs.h"
 
 LUMORA_LOG_TAG("Lumora");
 
 namespace android {
+
+namespace internal = lumora::engine;
+
 namespace {
 
 /// What an effect applies of the shifts, and how it scales the outer ellipse.
@@ -37,6 +42,60 @@ EffectRule RuleOf(BEAUTYSHOT_EFFECT_t effect) {
   return {false, false, 1.0f};
 }
 
+/// The texels of work image 1, of which the square around a face is locked; null without them.
+const unsigned char* LockSquare(const GPUBeautyFace& engine, const lumora::FaceGeometry& face,
+                                int limit_x, int limit_y) {
+  const SEGLImage* const image = engine.m_pWorkImage[1];
+  if (image == nullptr || !image->m_spBuffer) return nullptr;
+  const auto clip = [](int64_t value, int limit) {
+    return static_cast<int>(std::clamp<int64_t>(value, 0, limit));
+  };
+  const int x0 = clip(face.centre_x - face.sample_radius, limit_x);
+  const int y0 = clip(face.centre_y - face.sample_radius, limit_y);
+  const int x1 = clip(face.centre_x + face.sample_radius, limit_x);
+  const int y1 = clip(face.centre_y + face.sample_radius, limit_y);
+  return image->m_spBuffer->lockPart(x0, y0, x1 - x0, y1 - y0);
+}
+
+/// Measures a face on a tightly packed frame, or, where that is null, on work image 1.
+lumora::ColourSums SampleFace(const GPUBeautyFace& engine, const lumora::FaceGeometry& face,
+                              const unsigned char* frame) {
+  // The square around the face, as far as it lies in the image. A frame in memory has no chroma for
+  // an odd last column or row.
+  const int width = engine.m_nFullWidth;
+  const int height = engine.m_nFullHeight;
+  const int limit_x = frame != nullptr ? width & ~1 : width;
+  const int limit_y = frame != nullptr ? height & ~1 : height;
+
+  lumora::ColourSums sums;
+  const auto add = [&sums](const lumora::HsiSample& sample) {
+    sums.intensity += sample.intensity;
+    sums.saturation += sample.saturation;
+    ++sums.count;
+  };
+  if (frame != nullptr) {
+    lumora::ForEachSample(face, limit_x, limit_y, [&](int x, int y) {
+      add(lumora::SampleYuv(frame, x, y, width, height));
+    });
+    return sums;
+  }
+  const unsigned char* const texels = LockSquare(engine, face, limit_x, limit_y);
+  if (texels == nullptr) return {};
+  const int stride = lumora::RoundUpTo32(width);
+  lumora::ForEachSample(face, limit_x, limit_y, [&](int x, int y) {
+    add(lumora::SampleTexel(texels + (int64_t{y} * stride + x) * 4));
+  });
+  return sums;
+}
+
+/// What the ellipses that are set can change of a preview's image.
+lumora::ChangedArea WhiteningArea(const GPUBeautyFace& engine) {
+  const auto* program = static_cast<const GLProgWhiteningBase*>(engine.m_pProgFaceWhitening);
+  if (program == nullptr || !internal::MayLimitDraws(engine)) return internal::WholeImage(engine);
+  return lumora::ChangedArea(lumora::EllipseBox(program->m_fEllipseController[0],
+                                                engine.m_nAlignedWidth, engine.m_nAlignedHeight));
+}
+
 }  // namespace
 
 float GPUBeautyFace::InvertEC(int nValue) {
@@ -57,7 +116,7 @@ int GPUBeautyFace::GetGPU_HSI(unsigned char* pYUV, int x, int y, int nStride, in
   if (pYUV != nullptr) {
     sample = lumora::SampleYuv(pYUV, x, y, nStride, nHeight);
   } else {
-    SEGLImage* image = ImageAt(1 + nImageIdx % 2);
+    SEGLImage* image = internal::NumberedTarget(*this, 1 + nImageIdx % 2).image;
     const unsigned char* texels = image != nullptr ? image->Lock() : nullptr;
     if (texels == nullptr) return 1;
     sample = lumora::SampleTexel(texels + (int64_t{y} * nStride + x) * 4);
@@ -84,8 +143,9 @@ int GPUBeautyFace::SetFaceWhiteningParameters(FACE_INFO_t face, int nIntensityLe
   m_nFaceWhiteCenterX = lumora::ClampToInt(geometry.centre_x);
   m_nFaceWhiteCenterY = lumora::ClampToInt(geometry.centre_y);
 
-  const lumora::WhiteningShifts shifts = lumora::ComputeShifts(
-      SampleFace(geometry, bCpuSource ? pSrcYUV : nullptr), nIntensityLevel, nSaturationLevel);
+  const lumora::WhiteningShifts shifts =
+      lumora::ComputeShifts(SampleFace(*this, geometry, bCpuSource ? pSrcYUV : nullptr),
+                            nIntensityLevel, nSaturationLevel);
   LOGD("GPU Face Whitening: fDiffS: %f, fDiffI: %f", static_cast<double>(shifts.saturation),
        static_cast<double>(shifts.intensity));
 
@@ -106,53 +166,13 @@ int GPUBeautyFace::SetFaceWhiteningParameters(FACE_INFO_t face, int nIntensityLe
   return 1;
 }
 
-lumora::ColourSums GPUBeautyFace::SampleFace(const lumora::FaceGeometry& face,
-                                             const unsigned char* frame) {
-  // The square around the face, as far as it lies in the frame.
-  const auto clip = [](int64_t value, int limit) {
-    return static_cast<int>(std::clamp<int64_t>(value, 0, limit));
-  };
-  // A frame in memory has no chroma for an odd last column or row.
-  const int limit_x = frame != nullptr ? m_nFullWidth & ~1 : m_nFullWidth;
-  const int limit_y = frame != nullptr ? m_nFullHeight & ~1 : m_nFullHeight;
-  const int x0 = clip(face.centre_x - face.sample_radius, limit_x);
-  const int y0 = clip(face.centre_y - face.sample_radius, limit_y);
-  const int x1 = clip(face.centre_x + face.sample_radius, limit_x);
-  const int y1 = clip(face.centre_y + face.sample_radius, limit_y);
-
-  const unsigned char* texels = nullptr;
-  if (frame == nullptr && m_pWorkImage[1] != nullptr && m_pWorkImage[1]->m_spBuffer) {
-    texels = m_pWorkImage[1]->m_spBuffer->lockPart(x0, y0, x1 - x0, y1 - y0);
-  }
-  if (frame == nullptr && texels == nullptr) return {};
-  const int texel_stride = lumora::RoundUpTo32(m_nFullWidth);
-
-  lumora::ColourSums sums;
-  lumora::ForEachSample(face, limit_x, limit_y, [&](int x, int y) {
-    const lumora::HsiSample sample =
-        frame != nullptr ? lumora::SampleYuv(frame, x, y, m_nFullWidth, m_nFullHeight)
-                         : lumora::SampleTexel(texels + (int64_t{y} * texel_stride + x) * 4);
-    sums.intensity += sample.intensity;
-    sums.saturation += sample.saturation;
-    ++sums.count;
-  });
-  return sums;
-}
-
 int GPUBeautyFace::DrawFaceWhite(int nPass) {
   if (nPass < 0) return 0;
   const int source = 1 + nPass % 2;
-  return RunLimitedPass(
-      {"DrawFaceWhite", m_pProgFaceWhitening, m_pWorkImage[source], m_pWorkImage[3 - source],
-       m_hWorkFbo[3 - source], m_nAlignedWidth, m_nAlignedHeight},
-      m_hWorkFbo[source], WhiteningArea());
-}
-
-lumora::ChangedArea GPUBeautyFace::WhiteningArea() const {
-  const auto* program = static_cast<const GLProgWhiteningBase*>(m_pProgFaceWhitening);
-  if (program == nullptr || !MayLimitDraws()) return WholeImage();
-  return lumora::ChangedArea(
-      lumora::EllipseBox(program->m_fEllipseController[0], m_nAlignedWidth, m_nAlignedHeight));
+  internal::Pass pass(*this, "DrawFaceWhite");
+  pass.program = m_pProgFaceWhitening;
+  pass.destination = internal::WorkTarget(*this, 3 - source);
+  return RunLimitedPass(pass, internal::WorkTarget(*this, source), WhiteningArea(*this));
 }
 
 int GPUBeautyFace::DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel,
@@ -172,7 +192,8 @@ int GPUBeautyFace::DoFaceWhitening(FACE_INFO_t* pFaces, int nFaces, int nIntensi
   }
   // Two work images in turn; without a face this names the input image.
   m_nResultIdx = static_cast<int>(2 - (int64_t{nFaces} - 1) % 2);
-  if (SEGLImage* result = ImageAt(m_nResultIdx)) result->Unlock();
+  SEGLImage* const result = internal::NumberedTarget(*this, m_nResultIdx).image;
+  if (result != nullptr) result->Unlock();
   glFlush();
   glFinish();
   LOGI("DoFaceWhitening-");

@@ -1,28 +1,35 @@
 // Face whitening of captures, block by block.
 #include <algorithm>
-#include <cmath>
-#include <cstdint>
 
 #include "lumora/convert/sp2yuvxs.h"
 #include "lumora/engine/gpu_beauty_face.h"
-#include "lumora/engine/pass.h"
-#include "lumora/engine/process_rectangle.h"
-#include "lumora/engine/whole_frame_store.h"
+#include "lumora/engine/internal/pass.h"
+#include "lumora/engine/internal/process_rectangle.h"
+#include "lumora/engine/internal/target.h"
+#include "lumora/engine/internal/whole_frame_store.h"
 #include "lumora/geometry/blocks.h"
-#include "lumora/geometry/frame_sizes.h"
+#include "lumora/geometry/rectangle.h"
+#include "lumora/geometry/rounding.h"
 #include "lumora/geometry/whitening.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/no_name.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/face_whitening_programs.h"
 
 LUMORA_LOG_TAG("Lumora");
 
 namespace android {
+
+namespace internal = lumora::engine;
+using lumora::PixelRectangle;
+using lumora::RoundUpTo32;
+
 namespace {
 
-using lumora::RoundUpTo32;
+/// The caller's planes, with rows of the full capture width.
+struct SourcePlanes {
+  const unsigned char* luma;
+  const unsigned char* chroma;
+};
 
 /// Tells that a block cannot go on between CPU and GPU. Always false.
 bool MissingBlock() {
@@ -30,22 +37,126 @@ bool MissingBlock() {
   return false;
 }
 
+/// What is expanded for the block of the walk at (x, y).
+PixelRectangle PlaceBlock(const GPUBeautyFace& engine, int x, int y) {
+  PixelRectangle block;
+  block.x = x;
+  block.y = y;
+  block.width = std::min(engine.m_nSrcWidth, engine.m_nFullWidth - x);
+  block.height = std::min(engine.m_nSrcHeight, engine.m_nFullHeight - y);
+  if (block.height == 1 && y >= 2) {
+    // Rows are expanded in pairs: an odd last row is taken with the pair before it.
+    block.y -= 2;
+    block.height = 3;
+  }
+  if (block.width % 32 != 0) {
+    // The expansion goes by whole groups of pixels: the last block of a row is widened to the left.
+    block.width = std::min(RoundUpTo32(block.width), engine.m_nSrcWidth);
+    block.x = std::max(engine.m_nFullWidth - block.width, 0);
+  }
+  return block;
+}
+
+/// Brings a block of the frame into the input image.
+bool LoadBlock(const GPUBeautyFace& engine, const SourcePlanes& planes,
+               const PixelRectangle& block) {
+  SEGLImage* const input = engine.m_pRGBImage;
+  unsigned char* texels = input != nullptr ? input->Lock() : nullptr;
+  if (texels == nullptr) return MissingBlock();
+  sp2yuvxs(texels, engine.m_nSrcWidth, engine.m_nSrcHeight, planes.luma, planes.chroma,
+           engine.m_nFullWidth, engine.m_nFullHeight, block.x, block.y, block.width, block.height);
+  return input->Unlock() >= 0 || MissingBlock();
+}
+
+/// Whether a face before number `face` of this call has been at the block.
+bool WasVisited(const GPUBeautyFace& engine, int face, const PixelRectangle& block) {
+  const FaceProcessRect* const records = engine.m_rcFaceProcess;
+  return std::any_of(records, records + face, [&](const FaceProcessRect& earlier) {
+    return lumora::HoldsBlockCorner(internal::RectangleOf(earlier),
+                                    {block.x, block.y, engine.m_nSrcWidth, engine.m_nSrcHeight});
+  });
+}
+
+/// Brings what earlier faces left at the block from the store into the input image.
+bool LoadPreviousResult(const GPUBeautyFace& engine, const PixelRectangle& place) {
+  glFlush();
+  glFinish();
+  unsigned char* block = engine.m_pRGBImage->Lock();
+  const internal::LockedStoreBlock store(engine, place.x, place.y, engine.m_nSrcWidth,
+                                         place.height);
+  if (store.texels() == nullptr || block == nullptr) return false;
+  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.texels(), block, place.x, place.y,
+                                           RoundUpTo32(engine.m_nSrcWidth), place.height,
+                                           RoundUpTo32(engine.m_nFullWidth), engine.m_nFullHeight);
+  return engine.m_pRGBImage->Unlock() >= 0;
+}
+
+/// Brings the block's result from work image 2 into the store.
+bool StoreResult(const GPUBeautyFace& engine, const PixelRectangle& place) {
+  const unsigned char* block = engine.m_pWorkImage[2]->Lock();
+  const internal::LockedStoreBlock store(engine, place.x, place.y, engine.m_nSrcWidth,
+                                         place.height);
+  if (store.texels() == nullptr || block == nullptr) return false;
+  GPUBeautyFace::BlockCopyRGBA8888(block, store.texels(), place.x, place.y,
+                                   RoundUpTo32(engine.m_nSrcWidth), place.height,
+                                   RoundUpTo32(engine.m_nFullWidth), engine.m_nFullHeight);
+  if (!store.WriteBack()) return false;
+  engine.m_pWorkImage[2]->Unlock();
+  return true;
+}
+
+/// Tells the program where in the frame the block lies.
+void PlaceProgram(const GPUBeautyFace& engine, const PixelRectangle& block) {
+  auto& program = static_cast<GLProgFaceWhiteningLarge&>(*engine.m_pProgFaceWhitening);
+  const auto store_width = static_cast<float>(RoundUpTo32(engine.m_nFullWidth));
+  const auto frame_height = static_cast<float>(engine.m_nFullHeight);
+  program.m_fScaleController[0] = static_cast<float>(engine.m_nSrcWidth) / store_width;
+  program.m_fScaleController[1] = static_cast<float>(engine.m_nSrcHeight) / frame_height;
+  program.m_fScaleController[2] = static_cast<float>(block.x) / store_width;
+  program.m_fScaleController[3] = static_cast<float>(block.y) / frame_height;
+}
+
+/// Whitens face number `face` in the block of the walk at (x, y).
+bool WhitenBlock(GPUBeautyFace& engine, const SourcePlanes& planes, int face, int x, int y) {
+  const PixelRectangle block = PlaceBlock(engine, x, y);
+  if (!LoadBlock(engine, planes, block)) return false;
+  if (engine.DrawColorConvertYUV2HSI() == 0) return false;
+  const bool visited = WasVisited(engine, face, block);
+  if (visited && !LoadPreviousResult(engine, block)) return MissingBlock();
+
+  glViewport(0, 0, engine.m_nAlignedWidth, engine.m_nAlignedHeight);
+  PlaceProgram(engine, block);
+  if (engine.DrawFaceWhiteLarge(visited) == 0) return false;
+  glFlush();
+  glFinish();
+  return StoreResult(engine, block) || MissingBlock();
+}
+
+/// The blocks of the face that was measured last.
+PixelRectangle BlocksOfMeasuredFace(const GPUBeautyFace& engine) {
+  return lumora::BlocksAroundExtent(engine.m_nFaceWhiteCenterX, engine.m_nFaceWhiteCenterY,
+                                    engine.m_nFaceWhiteHalfWidth, engine.m_nFaceWhiteHalfHeight,
+                                    engine.m_nSrcWidth, engine.m_nSrcHeight);
+}
+
+/// Whether a rectangle is at least a twentieth of the frame in each direction.
+bool IsWorthwhile(const GPUBeautyFace& engine, const PixelRectangle& rectangle) {
+  const unsigned least_width = static_cast<unsigned>(engine.m_nFullWidth) / 20;
+  const unsigned least_height = static_cast<unsigned>(engine.m_nFullHeight) / 20;
+  return static_cast<unsigned>(rectangle.width) / least_width != 0 &&
+         static_cast<unsigned>(rectangle.height) / least_height != 0;
+}
+
 }  // namespace
 
 int GPUBeautyFace::DrawFaceWhiteLarge(bool bUsePrev) {
-  const SEGLImage* previous = bUsePrev ? m_pRGBImage : m_pWorkImage[0];
-  if (m_pProgFaceWhitening == nullptr || m_pWorkImage[0] == nullptr || previous == nullptr ||
-      m_pWorkImage[2] == nullptr || m_hWorkFbo[2] == lumora::kNoName) {
-    LOGE("[%s] program or image is missing", "DrawFaceWhiteLarge");
-    return 0;
-  }
-  GLProgram& program = *m_pProgFaceWhitening;
-  program.SetTextures(0, static_cast<int>(m_pWorkImage[0]->m_hTexture));
-  program.SetTextures(1, static_cast<int>(previous->m_hTexture));
-  glBindFramebuffer(GL_FRAMEBUFFER, m_hWorkFbo[2]);
-  lumora::quad::ResetTextureCoordinates();
-  DrawQuad(program, lumora::quad::kPositions);
-  return 1;
+  internal::Pass pass(*this, "DrawFaceWhiteLarge");
+  pass.program = m_pProgFaceWhitening;
+  pass.input = internal::TextureOf(m_pWorkImage[0]);
+  pass.second_input = internal::TextureOf(bUsePrev ? m_pRGBImage : m_pWorkImage[0]);
+  pass.destination = internal::WorkTarget(*this, 2);
+  pass.keep_viewport = true;
+  return RunPass(pass);
 }
 
 int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSrcUV,
@@ -57,97 +168,26 @@ int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSr
          lumora::kMaxFaceRecords);
     nFaces = lumora::kMaxFaceRecords;
   }
+  const SourcePlanes planes{pSrcY, pSrcUV};
   for (int i = 0; i < nFaces; ++i) {
     LOGI("Face Pass %d", i);
     if (SetFaceWhiteningParameters(pFaces[i], nIntensityLevel, nSaturationLevel, eEffect, i, true,
                                    pSrcY) == 0) {
       continue;
     }
-    FaceProcessRect& rect = m_rcFaceProcess[i];
-    rect = lumora::ProcessRectangleOf(
-        lumora::BlocksAroundExtent(m_nFaceWhiteCenterX, m_nFaceWhiteCenterY, m_nFaceWhiteHalfWidth,
-                                   m_nFaceWhiteHalfHeight, m_nSrcWidth, m_nSrcHeight));
-    const unsigned least_width = static_cast<unsigned>(m_nFullWidth) / 20;
-    const unsigned least_height = static_cast<unsigned>(m_nFullHeight) / 20;
-    if (static_cast<unsigned>(rect.Width) / least_width == 0 ||
-        static_cast<unsigned>(rect.Height) / least_height == 0) {
-      continue;
-    }
-    LOGD("[LumoraLarge Face Whitening]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d", rect.X,
-         rect.Y, rect.Width, rect.Height);
+    const PixelRectangle blocks = BlocksOfMeasuredFace(*this);
+    m_rcFaceProcess[i] = internal::ProcessRectangleOf(blocks);
+    if (!IsWorthwhile(*this, blocks)) continue;
+    LOGD("[LumoraLarge Face Whitening]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d",
+         blocks.x, blocks.y, blocks.width, blocks.height);
     LOGD("[LumoraLarge]process block");
-    const lumora::BlockRange range =
-        lumora::ClipToFrame(lumora::RectangleOf(rect), m_nFullWidth, m_nFullHeight);
+    const lumora::BlockRange range = lumora::ClipToFrame(blocks, m_nFullWidth, m_nFullHeight);
     lumora::ForEachBlock(range, m_nSrcWidth, m_nSrcHeight,
-                         [&](int x, int y) { return WhitenBlock(pSrcY, pSrcUV, i, x, y); });
+                         [&](int x, int y) { return WhitenBlock(*this, planes, i, x, y); });
   }
   m_nResultIdx = 1;
   LOGI("DoFaceWhitening-");
   return 1;
-}
-
-bool GPUBeautyFace::WhitenBlock(const unsigned char* pSrcY, const unsigned char* pSrcUV, int face,
-                                int x, int y) {
-  int width = std::min(m_nSrcWidth, m_nFullWidth - x);
-  int height = std::min(m_nSrcHeight, m_nFullHeight - y);
-  if (height == 1 && y >= 2) {
-    // Rows are expanded in pairs: an odd last row is taken with the pair before it.
-    y -= 2;
-    height = 3;
-  }
-  if (width % 32 != 0) {
-    // The expansion goes by whole groups of pixels: the last block of a row is widened to the left.
-    width = std::min(RoundUpTo32(width), m_nSrcWidth);
-    x = std::max(m_nFullWidth - width, 0);
-  }
-  unsigned char* block = m_pRGBImage != nullptr ? m_pRGBImage->Lock() : nullptr;
-  if (block == nullptr) return MissingBlock();
-  sp2yuvxs(block, m_nSrcWidth, m_nSrcHeight, pSrcY, pSrcUV, m_nFullWidth, m_nFullHeight, x, y,
-           width, height);
-  if (m_pRGBImage->Unlock() < 0) return MissingBlock();
-  if (DrawColorConvertYUV2HSI() == 0) return false;
-
-  const bool overlaps =
-      std::any_of(m_rcFaceProcess, m_rcFaceProcess + face, [&](const FaceProcessRect& earlier) {
-        return lumora::HoldsBlockCorner(lumora::RectangleOf(earlier),
-                                        {x, y, m_nSrcWidth, m_nSrcHeight});
-      });
-  if (overlaps && !LoadPreviousResult(x, y, height)) return MissingBlock();
-
-  glViewport(0, 0, m_nAlignedWidth, m_nAlignedHeight);
-  auto& program = static_cast<GLProgFaceWhiteningLarge&>(*m_pProgFaceWhitening);
-  const auto store_width = static_cast<float>(RoundUpTo32(m_nFullWidth));
-  const auto frame_height = static_cast<float>(m_nFullHeight);
-  program.m_fScaleController[0] = static_cast<float>(m_nSrcWidth) / store_width;
-  program.m_fScaleController[1] = static_cast<float>(m_nSrcHeight) / frame_height;
-  program.m_fScaleController[2] = static_cast<float>(x) / store_width;
-  program.m_fScaleController[3] = static_cast<float>(y) / frame_height;
-  if (DrawFaceWhiteLarge(overlaps) == 0) return false;
-  glFlush();
-  glFinish();
-  return StoreResult(x, y, height) || MissingBlock();
-}
-
-bool GPUBeautyFace::LoadPreviousResult(int x, int y, int rows) {
-  glFlush();
-  glFinish();
-  unsigned char* block = m_pRGBImage->Lock();
-  const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
-  if (store.texels() == nullptr || block == nullptr) return false;
-  BlockCopyRGBA8888DrawBack(store.texels(), block, x, y, RoundUpTo32(m_nSrcWidth), rows,
-                            RoundUpTo32(m_nFullWidth), m_nFullHeight);
-  return m_pRGBImage->Unlock() >= 0;
-}
-
-bool GPUBeautyFace::StoreResult(int x, int y, int rows) {
-  const unsigned char* block = m_pWorkImage[2]->Lock();
-  const lumora::LockedStoreBlock store(*this, x, y, m_nSrcWidth, rows);
-  if (store.texels() == nullptr || block == nullptr) return false;
-  BlockCopyRGBA8888(block, store.texels(), x, y, RoundUpTo32(m_nSrcWidth), rows,
-                    RoundUpTo32(m_nFullWidth), m_nFullHeight);
-  if (!store.WriteBack()) return false;
-  m_pWorkImage[2]->Unlock();
-  return true;
 }
 
 }  // namespace android

@@ -1,13 +1,12 @@
-#include "lumora/engine/pass.h"
+#include "lumora/engine/internal/pass.h"
 
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
 
 LUMORA_LOG_TAG("Lumora");
 
-namespace android {
+namespace lumora::engine {
 namespace {
 
 /// Limits draws to rectangles, for the life of the object.
@@ -24,7 +23,7 @@ class ScissorScope {
   ScissorScope(const ScissorScope&) = delete;
   ScissorScope& operator=(const ScissorScope&) = delete;
 
-  static void limit(const lumora::PixelRectangle& part) {
+  static void Limit(const PixelRectangle& part) {
     glScissor(part.x, part.y, part.width, part.height);
   }
 
@@ -32,67 +31,62 @@ class ScissorScope {
   GLint before_[4] = {};
 };
 
-/// Copies what a framebuffer has to `texture`. The texture that was bound is bound again.
-void CopyImage(GLuint framebuffer, GLuint texture, int width, int height) {
+/// Copies what `from` holds to `to`. The texture that was bound is bound again.
+void CopyImage(const Target& from, const Target& to, int width, int height) {
   GLint bound = 0;
   glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-  glBindTexture(GL_TEXTURE_2D, texture);
+  glBindFramebuffer(GL_FRAMEBUFFER, from.framebuffer);
+  glBindTexture(GL_TEXTURE_2D, to.image->m_hTexture);
   glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
   glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
 }
 
-}  // namespace
-
-bool DrawsPlainly() {
-  constexpr GLenum kTests[] = {GL_SCISSOR_TEST,   GL_BLEND,        GL_CULL_FACE,
-                               GL_DEPTH_TEST,     GL_STENCIL_TEST, GL_SAMPLE_ALPHA_TO_COVERAGE,
-                               GL_SAMPLE_COVERAGE};
-  for (const GLenum test : kTests) {
-    if (glIsEnabled(test) == GL_TRUE) return false;
-  }
-  GLboolean written[4] = {};
-  glGetBooleanv(GL_COLOR_WRITEMASK, written);
-  return written[0] == GL_TRUE && written[1] == GL_TRUE && written[2] == GL_TRUE &&
-         written[3] == GL_TRUE;
+void SetFilterOfBoundTexture(GLint filter) {
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+  gl::CheckGlError("glTexParameteri MIN- Y");
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+  gl::CheckGlError("glTexParameteri MAG- Y");
 }
 
-int GPUBeautyFace::RunPass(const Pass& pass) {
-  if (pass.program == nullptr || pass.source == nullptr || pass.destination == nullptr ||
-      pass.target == lumora::kNoName) {
+/// Makes the program current and draws the quad at the texture coordinates of the moment.
+void DrawQuad(GLProgram& program, const float* positions) {
+  program.Use();
+  program.SetVertexCoord(4, positions);
+  program.SetTextureCoord(2, quad::TextureCoordinates());
+  program.Draw();
+}
+
+}  // namespace
+
+bool IsComplete(const Pass& pass) {
+  return pass.program != nullptr && pass.input != kNoName && pass.second_input != kNoName &&
+         pass.destination.image != nullptr && pass.destination.framebuffer != kNoName;
+}
+
+int RunPass(const Pass& pass) {
+  if (!IsComplete(pass)) {
     LOGE("[%s] program or image is missing", pass.name);
     return 0;
   }
-  if (pass.area != nullptr && pass.copy_from != lumora::kNoName) {
-    CopyImage(pass.copy_from, pass.destination->m_hTexture, pass.width, pass.height);
+  if (pass.area != nullptr && pass.around.framebuffer != kNoName) {
+    CopyImage(pass.around, pass.destination, pass.width, pass.height);
   }
-  pass.program->SetTextures(0, static_cast<int>(pass.source->m_hTexture));
-  glBindFramebuffer(GL_FRAMEBUFFER, pass.target);
-  glViewport(0, 0, pass.width, pass.height);
-  if (pass.filter != 0) {
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, pass.filter);
-    lumora::gl::CheckGlError("glTexParameteri MIN- Y");
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, pass.filter);
-    lumora::gl::CheckGlError("glTexParameteri MAG- Y");
-  }
-  if (!pass.keep_coordinates) lumora::quad::ResetTextureCoordinates();
+  pass.program->SetTextures(0, static_cast<int>(pass.input));
+  if (pass.second_input != 0) pass.program->SetTextures(1, static_cast<int>(pass.second_input));
+  glBindFramebuffer(GL_FRAMEBUFFER, pass.destination.framebuffer);
+  if (!pass.keep_viewport) glViewport(0, 0, pass.width, pass.height);
+  if (pass.filter != 0) SetFilterOfBoundTexture(pass.filter);
+  if (!pass.keep_coordinates) quad::ResetTextureCoordinates();
   if (pass.area == nullptr) {
     DrawQuad(*pass.program, pass.positions);
     return 1;
   }
   const ScissorScope scissor;
-  for (const lumora::PixelRectangle& part : *pass.area) {
-    ScissorScope::limit(part);
+  for (const PixelRectangle& part : *pass.area) {
+    ScissorScope::Limit(part);
     DrawQuad(*pass.program, pass.positions);
   }
   return 1;
 }
 
-void DrawQuad(GLProgram& program, const float* positions) {
-  program.Use();
-  program.SetVertexCoord(4, positions);
-  program.SetTextureCoord(2, lumora::quad::TextureCoordinates());
-  program.Draw();
-}
-
-}  // namespace android
+}  // namespace lumora::engine

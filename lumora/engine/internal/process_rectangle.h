@@ -1,11 +1,11 @@
 // The rectangle of blocks of one face, as a member of the engine and as a value.
-#ifndef LUMORA_ENGINE_PROCESS_RECTANGLE_H_
-#define LUMORA_ENGINE_PROCESS_RECTANGLE_H_
+#ifndef LUMORA_ENGINE_INTERNAL_PROCESS_RECTANGLE_H_
+#define LUMORA_ENGINE_INTERNAL_PROCESS_RECTANGLE_H_
 
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/geometry/rectangle.h"
 
-namespace lumora {
+namespace lumora::engine {
 
 inline PixelRectangle RectangleOf(const android::FaceProcessRect& rect) {
   return {rect.X, rect.Y, rect.Width, rect.Height};
@@ -15,6 +15,6 @@ inline android::FaceProcessRect ProcessRectangleOf(const PixelRectangle& rectang
   return {rectangle.x, rectangle.y, rectangle.width, rectangle.height, 0};
 }
 
-}  // namespace lumora
+}  // namespace lumora::engine
 
-#endif  // LUMORA_ENGINE_PROCESS_RECTANGLE_H_
+#endif  // LUMORA_ENGINE_INTERNAL_PROCESS_RECTANGLE_H_

@@ -1,10 +1,10 @@
 // Access to the store of a whole capture, whichever memory it is in.
-#ifndef LUMORA_ENGINE_WHOLE_FRAME_STORE_H_
-#define LUMORA_ENGINE_WHOLE_FRAME_STORE_H_
+#ifndef LUMORA_ENGINE_INTERNAL_WHOLE_FRAME_STORE_H_
+#define LUMORA_ENGINE_INTERNAL_WHOLE_FRAME_STORE_H_
 
 #include "lumora/engine/gpu_beauty_face.h"
 
-namespace lumora {
+namespace lumora::engine {
 
 /// A block of the store, locked for the CPU; only that block moves between CPU and GPU. The store
 /// is work image 1, or the large buffer of captures that fit no texture. `texels` addresses the
@@ -34,6 +34,6 @@ class LockedStoreBlock {
   unsigned char* texels_ = nullptr;
 };
 
-}  // namespace lumora
+}  // namespace lumora::engine
 
-#endif  // LUMORA_ENGINE_WHOLE_FRAME_STORE_H_
+#endif  // LUMORA_ENGINE_INTERNAL_WHOLE_FRAME_STORE_H_
