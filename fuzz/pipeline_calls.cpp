@@ -7,7 +7,7 @@
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
 #include "lumora/pipeline/pipeline.h"
-#include "pipeline/frame_memory.h"
+#include "pipeline/frames/frame_memory.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/driver_faults.h"
+#include "pipeline/backends/gl/driver_faults.h"
 #include "pipeline/pipeline_fixture.h"
 #include "reference/colour.h"
 

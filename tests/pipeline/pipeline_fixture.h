@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "lumora/pipeline/pipeline.h"
-#include "pipeline/frame_memory.h"
+#include "pipeline/frames/frame_memory.h"
 
 namespace lumora::test {
 

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "pipeline/faces/face_record.h"
+#include "pipeline/frames/touched_area.h"
 #include "pipeline/pipeline_fixture.h"
+#include "pipeline/plan/warp_model.h"
 #include "pipeline/smooth_samples.h"
-#include "pipeline/touched_area.h"
-#include "pipeline/warp_model.h"
 
 namespace lumora::test {
 namespace {

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/driver_faults.h"
+#include "pipeline/backends/gl/driver_faults.h"
+#include "pipeline/faces/random_faces.h"
 #include "pipeline/pipeline_fixture.h"
-#include "pipeline/random_faces.h"
 
 namespace lumora::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "pipeline/frame_memory.h"
+#include "pipeline/frames/frame_memory.h"
 
 namespace lumora::test {
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "pipeline/faces/landmarks.h"
+#include "pipeline/faces/random_faces.h"
+#include "pipeline/frames/touched_area.h"
 #include "pipeline/pipeline_fixture.h"
-#include "pipeline/random_faces.h"
-#include "pipeline/touched_area.h"
 
 namespace lumora::test {
 namespace {

@@ -12,7 +12,7 @@
 #include "lumora/pipeline/converter.h"
 #include "lumora/pipeline/face_tracker.h"
 #include "lumora/pipeline/pipeline.h"
-#include "pipeline/frame_memory.h"
+#include "pipeline/frames/frame_memory.h"
 #include "proofs/faults/allocation_faults.h"
 #include "support/scoped.h"
 

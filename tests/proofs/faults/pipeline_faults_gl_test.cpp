@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "lumora/pipeline/pipeline.h"
-#include "pipeline/frame_memory.h"
+#include "pipeline/frames/frame_memory.h"
 #include "proofs/faults/fault_layer.h"
 #include "proofs/faults/fault_test.h"
 #include "support/log_capture.h"

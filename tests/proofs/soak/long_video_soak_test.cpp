@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "lumora/pipeline/pipeline.h"
-#include "pipeline/touched_area.h"
+#include "pipeline/frames/touched_area.h"
 #include "proofs/soak/soak.h"
 #include "proofs/soak/street_scene.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "lumora/pipeline/face.h"
-#include "pipeline/frame_memory.h"
+#include "pipeline/frames/frame_memory.h"
 
 namespace lumora::test {
 

@@ -1,4 +1,4 @@
-#include "pipeline/driver_faults.h"
+#include "pipeline/backends/gl/driver_faults.h"
 
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>

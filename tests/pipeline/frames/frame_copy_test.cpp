@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "lumora/geometry/rounding.h"
-#include "pipeline/frame_memory.h"
 #include "pipeline/frames/frame_layout.h"
+#include "pipeline/frames/frame_memory.h"
 
 namespace lumora::test {
 namespace {

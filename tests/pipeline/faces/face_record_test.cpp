@@ -11,7 +11,7 @@
 
 #include "lumora/geometry/rounding.h"
 #include "lumora/pipeline/face.h"
-#include "pipeline/warp_model.h"
+#include "pipeline/plan/warp_model.h"
 
 namespace lumora::test {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "pipeline/faces/face_record.h"
 #include "pipeline/plan/warp_geometry.h"
-#include "pipeline/warp_model.h"
+#include "pipeline/plan/warp_model.h"
 
 namespace lumora::test {
 namespace {

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/driver_faults.h"
+#include "pipeline/backends/gl/driver_faults.h"
+#include "pipeline/frames/touched_area.h"
 #include "pipeline/pipeline_fixture.h"
-#include "pipeline/touched_area.h"
 
 namespace lumora::test {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "pipeline/faces/landmarks.h"
-#include "pipeline/random_faces.h"
+#include "pipeline/faces/random_faces.h"
 
 namespace lumora::test {
 namespace {

@@ -9,8 +9,8 @@
 #include <limits>
 #include <vector>
 
-#include "pipeline/frame_memory.h"
-#include "pipeline/random_faces.h"
+#include "pipeline/faces/random_faces.h"
+#include "pipeline/frames/frame_memory.h"
 
 namespace lumora::test {
 namespace {

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "pipeline/faces/landmarks.h"
+#include "pipeline/faces/random_faces.h"
 #include "pipeline/frames/merge.h"
+#include "pipeline/frames/touched_area.h"
 #include "pipeline/plan/whitening_geometry.h"
-#include "pipeline/random_faces.h"
-#include "pipeline/touched_area.h"
 
 namespace lumora::test {
 namespace {
