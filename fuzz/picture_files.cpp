@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "fuzz/support/require.h"
+#include "tools/lumora/picture/exif.h"
 #include "tools/lumora/picture/jpeg_codec.h"
 #include "tools/lumora/picture/jpeg_markers.h"
 #include "tools/lumora/picture/jpeg_pixels.h"
@@ -18,6 +19,10 @@ using lumora::tools::Bytes;
 namespace tools = lumora::tools;
 
 namespace {
+
+int OrientationOf(const Bytes& file) {
+  return tools::ExifOrientation(tools::ReadMetadata(file).exif);
+}
 
 void Png(const Bytes& file) {
   const cv::Size size = tools::PngSize(file);
@@ -74,12 +79,12 @@ void Metadata(const Bytes& file) {
     if (cut_short && !jpeg) continue;  // only chunks of whole files are copied
     const Bytes plain = jpeg ? tools::EncodeJpeg(picture) : tools::EncodePng(picture);
     Bytes result = plain;
-    tools::CopyMetadata(file, picture.size(), result);
+    tools::CopyMetadata(tools::ReadMetadata(file), file, picture.size(), result);
     Require(result.size() >= plain.size(), "metadata are added");
-    Require(tools::ReadOrientation(result) == 1, "the result is upright");
+    Require(OrientationOf(result) == 1, "the result is upright");
     Bytes again = plain;
-    tools::CopyMetadata(result, picture.size(), again);
-    Require(tools::ReadOrientation(again) == 1, "and remains so");
+    tools::CopyMetadata(tools::ReadMetadata(result), result, picture.size(), again);
+    Require(OrientationOf(again) == 1, "and remains so");
     const cv::Mat pixels = jpeg ? tools::ReadJpegPlanes(result)[0]
                                 : tools::ReadPngPixels(*tools::EssentialPng(result)).pixels;
     Require(cv::norm(picture, pixels, cv::NORM_INF) <= 1, "its pixels are those of the picture");

@@ -141,7 +141,7 @@ TEST(TurnedPicture, TheMetadataTellTheSizeOfTheUprightPicture) {
       image.xmpData()["Xmp.tiff.Orientation"] = std::to_string(orientation);
     });
     for (Bytes result : {JpegOf(upright, {}), PngOf(upright)}) {
-      ASSERT_EQ(tools::CopyMetadata(file, upright.size(), result), "");
+      ASSERT_EQ(tools::CopyMetadata(tools::ReadMetadata(file), file, upright.size(), result), "");
       const auto has = MetadataOf(result);
       EXPECT_EQ(has->exifData()["Exif.Image.Orientation"].toLong(), 1);
       EXPECT_EQ(has->exifData()["Exif.Photo.PixelXDimension"].toLong(), 80);

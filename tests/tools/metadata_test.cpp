@@ -20,6 +20,10 @@
 namespace lumora::test {
 namespace {
 
+int OrientationOf(const Bytes& file) {
+  return tools::ExifOrientation(tools::ReadMetadata(file).exif);
+}
+
 using tools::PictureMetadata;
 
 const cv::Size kUpright(80, 48);
@@ -272,9 +276,9 @@ TEST(JpegMetadata, WhatIsTooLargeIsNamedAndTheRestKept) {
   large.comments = {{'h', 'e', 'r', 'e'}};
   Bytes png = PngOf(Landscape(64, 48));
   tools::AddPngMetadata(large, png);
-  EXPECT_EQ(tools::ReadOrientation(png), 6);
+  EXPECT_EQ(OrientationOf(png), 6);
   Bytes jpeg = JpegOf(Landscape(48, 64), {});
-  EXPECT_EQ(tools::CopyMetadata(png, {48, 64}, jpeg),
+  EXPECT_EQ(tools::CopyMetadata(tools::ReadMetadata(png), png, {48, 64}, jpeg),
             "metadata could not be kept: too large for a JPEG: EXIF");
   EXPECT_EQ(tools::ReadJpegMetadata(jpeg).comments, large.comments);
   EXPECT_TRUE(tools::ReadJpegMetadata(jpeg).exif.empty());
@@ -284,12 +288,12 @@ TEST(PngMetadata, BothFormsOfExifAreCorrectedAndOnlyOneIsWritten) {
   const Bytes plain = PngOf(Landscape(64, 48));
   const Bytes own = WithChunk(plain, PngChunk("eXIf", CameraBlock(true, 6, false)));
   const Bytes text = WithOrientation(plain, 6);  // as hexadecimal digits
-  EXPECT_EQ(tools::ReadOrientation(own), 6);
-  EXPECT_EQ(tools::ReadOrientation(text), 6);
+  EXPECT_EQ(OrientationOf(own), 6);
+  EXPECT_EQ(OrientationOf(text), 6);
   for (const Bytes& from : {own, text, WithOrientation(own, 3)}) {
     Bytes result = plain;
-    ASSERT_EQ(tools::CopyMetadata(from, kUpright, result), "");
-    EXPECT_EQ(tools::ReadOrientation(result), 1);
+    ASSERT_EQ(tools::CopyMetadata(tools::ReadMetadata(from), from, kUpright, result), "");
+    EXPECT_EQ(OrientationOf(result), 1);
     EXPECT_EQ(MetadataOf(result)->exifData()["Exif.Image.Orientation"].toLong(), 1);
     const std::string words(result.begin(), result.end());
     EXPECT_EQ(words.find("Raw profile type exif"), std::string::npos);
@@ -314,7 +318,7 @@ TEST(PngMetadata, WhatAnotherProgramWroteComesIntoAJpeg) {
     image.setIccProfile(data);
   });
   for (Bytes result : {JpegOf(Landscape(64, 48), {}), PngOf(Landscape(64, 48))}) {
-    ASSERT_EQ(tools::CopyMetadata(png, kUpright, result), "");
+    ASSERT_EQ(tools::CopyMetadata(tools::ReadMetadata(png), png, kUpright, result), "");
     const auto has = MetadataOf(result);
     EXPECT_EQ(has->exifData()["Exif.Image.Make"].toString(), "Maker");
     EXPECT_EQ(has->iptcData()["Iptc.Application2.Caption"].toString(), "A caption");
@@ -369,10 +373,10 @@ TEST(PngMetadata, TextsThatLieAreLeftOut) {
                             with_text("iCCP", std::string("name\0\0junk", 10)),
                             with_text("eXIf", ""),
                             with_text("eXIf", "II*")}) {
-    EXPECT_EQ(tools::ReadOrientation(file), 1);
+    EXPECT_EQ(OrientationOf(file), 1);
     Bytes jpeg = JpegOf(Landscape(64, 48), {});
     const Bytes without = jpeg;
-    EXPECT_EQ(tools::CopyMetadata(file, kUpright, jpeg), "");
+    EXPECT_EQ(tools::CopyMetadata(tools::ReadMetadata(file), file, kUpright, jpeg), "");
     EXPECT_EQ(jpeg, without);
   }
 }

@@ -1,6 +1,7 @@
 // Options that take numbers, against a model made of a pattern and the digits' sum.
 #include <gtest/gtest.h>
 
+#include <CLI/CLI.hpp>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -8,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/lumora/options/number_options.h"
+#include "tools/lumora/options/numbers.h"
+#include "tools/lumora/options/options.h"
 
 namespace lumora::test {
 namespace {
@@ -99,7 +101,7 @@ TEST(NumberOptions, TakeEveryNumberOfTheirRangeAndNoOther) {
   for (int number = -300; number <= 300; ++number) {
     std::optional<int> value;
     const std::string said = Said(std::to_string(number), [&value](CLI::App& command) {
-      tools::AddWhole(command, "--it", &value, -100, 100, "help");
+      tools::Options(command).Whole("--it", &value, -100, 100, "help");
     });
     const bool fits = number >= -100 && number <= 100;
     ASSERT_EQ(value, fits ? std::optional(number) : std::nullopt);
@@ -109,7 +111,7 @@ TEST(NumberOptions, TakeEveryNumberOfTheirRangeAndNoOther) {
   }
   double value = 2;
   const auto add = [&value](CLI::App& command) {
-    tools::AddDecimal(command, "--it", &value, 0, 600, "help");
+    tools::Options(command).Decimal("--it", &value, 0, 600, "help");
   };
   EXPECT_EQ(Said("nan", add), "--it: \"nan\" is not a number from 0 to 600");
   EXPECT_EQ(Said("600.001", add), "--it: \"600.001\" is not a number from 0 to 600");
@@ -122,7 +124,7 @@ TEST(NumberOptions, TakeEveryNumberOfTheirRangeAndNoOther) {
 TEST(NumberOptions, AListHasItsNumbersAndNothingElse) {
   std::vector<float> values;
   const auto add = [&values](CLI::App& command) {
-    tools::AddDecimalList(command, "--it", &values, 4, 1000, "a,b,c,d", "help");
+    tools::Options(command).DecimalList("--it", &values, 4, 1000, "a,b,c,d", "help");
   };
   EXPECT_EQ(Said("1,-2.5, 3e-2,+4", add), "");
   EXPECT_EQ(values, (std::vector<float>{1, -2.5f, 3e-2f, 4}));

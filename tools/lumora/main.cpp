@@ -14,15 +14,26 @@
 
 namespace lumora::tools {
 
-const char kExitCodes[] =
+namespace {
+
+constexpr char kExitCodes[] =
     "Exit codes: 0 done, 1 processing failed or a result could not be written, 2 wrong usage,\n"
     "3 an input cannot be read (missing, damaged, under 32 x 32 pixels, over 200 megapixels, too\n"
     "large for the memory), 4 no usable display, 5 no face found and one was required.";
 
-namespace {
-
-constexpr AddCommand kCommands[] = {AddPhoto, AddVideo,  AddRectify, AddConvert,
-                                    AddDemo,  AddDoctor, AddBench};
+struct Command {
+  const char* name;
+  const char* summary;
+  Action (*offer)(Options);
+};
+constexpr Command kCommands[] = {
+    {"photo", "Retouch the faces in a JPEG or PNG picture", OfferPhoto},
+    {"video", "Retouch the faces in a Y4M clip", OfferVideo},
+    {"rectify", "Straighten the lines in a JPEG or PNG picture", OfferRectify},
+    {"convert", "Convert the colours of a picture or a raw frame", OfferConvert},
+    {"demo", "Draw portraits and retouch them: no photo is needed", OfferDemo},
+    {"doctor", "Say what this machine offers and prove that it works", OfferDoctor},
+    {"bench", "Measure how fast the effects are on this machine", OfferBench}};
 
 using Words = std::vector<std::string>;
 
@@ -79,7 +90,11 @@ int Run(int argc, char** argv) {
   program.require_subcommand(1);
   program.footer(kExitCodes);
   Action action;
-  for (const AddCommand add : kCommands) add(program, &action);
+  for (const Command& command : kCommands) {
+    CLI::App* const parser = program.add_subcommand(command.name, command.summary);
+    parser->footer(kExitCodes);
+    parser->callback([&action, asked = command.offer(Options(*parser))] { action = asked; });
+  }
   Words words = WordsOf(argc, argv);
   CheckFirstWord(program, words);
   try {

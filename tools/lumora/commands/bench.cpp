@@ -14,7 +14,7 @@
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
-#include "tools/lumora/options/number_options.h"
+#include "tools/lumora/support/clock.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
@@ -26,13 +26,13 @@ struct BenchOptions {
   bool json = false;
 };
 
-struct Effect {
+struct NamedLook {
   const char* name;
   Look look;
 };
-constexpr Effect kEffects[] = {{"slimming", {/*slim=*/50}},
-                               {"whitening", {/*slim=*/0, /*whiten=*/40}},
-                               {"both", {/*slim=*/50, /*whiten=*/40}}};
+constexpr NamedLook kLooks[] = {{"slimming", {/*slim=*/50}},
+                                {"whitening", {/*slim=*/0, /*whiten=*/40}},
+                                {"both", {/*slim=*/50, /*whiten=*/40}}};
 
 struct Case {
   Chain chain;
@@ -45,9 +45,9 @@ constexpr Case kCases[] = {{Chain::Preview, 640, 480},
                            {Chain::Capture, 8000, 6000}};
 
 /// An NV21 frame in the colour of skin, with noise: one that no effect leaves alone.
-class Frame {
+class NoisyFrame {
  public:
-  Frame(int width, int height) : width_(width), height_(height) {
+  NoisyFrame(int width, int height) : width_(width), height_(height) {
     const auto pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
     std::mt19937 random(1);
     const auto noisy = [&random](unsigned middle) {
@@ -116,7 +116,7 @@ class Bench {
     for (const Case& what : kCases) {
       const double megapixels = what.width * 1e-6 * what.height;
       if (what.chain == Chain::Capture && megapixels > options_.largest) continue;
-      for (const Effect& effect : kEffects) RunOne(what, effect);
+      for (const NamedLook& look : kLooks) RunOne(what, look);
     }
     if (options_.json) {
       PrintReport({{"renderer", device.renderer},
@@ -128,22 +128,22 @@ class Bench {
   }
 
  private:
-  void RunOne(const Case& what, const Effect& effect) {
-    Frame frame(what.width, what.height);
-    Frame result(what.width, what.height);
+  void RunOne(const Case& what, const NamedLook& look) {
+    NoisyFrame frame(what.width, what.height);
+    NoisyFrame result(what.width, what.height);
     const Face face = FaceIn(what);
     Report report;
     const Timing timing = Measure(
         [&] {
           ThrowUnlessOk(engine_.pipeline().Process(AsConst(frame.View()), result.View(), {face},
-                                                   effect.look, &report, {what.chain}));
+                                                   look.look, &report, {what.chain}));
         },
         options_.seconds);
     const char* const chain = what.chain == Chain::Preview ? "preview" : "capture";
     results_.push_back({{"chain", chain},
                         {"width", what.width},
                         {"height", what.height},
-                        {"effect", effect.name},
+                        {"effect", look.name},
                         {"frames", timing.frames},
                         {"first_ms", timing.first_ms},
                         {"median_ms", timing.median_ms},
@@ -153,7 +153,7 @@ class Bench {
     char line[128];
     std::snprintf(line, sizeof(line),
                   "%-8s %4d x %-5d %-10s %9.2f ms %8.1f frames/s  first %8.1f ms", chain,
-                  what.width, what.height, effect.name, timing.median_ms, 1e3 / timing.median_ms,
+                  what.width, what.height, look.name, timing.median_ms, 1e3 / timing.median_ms,
                   timing.first_ms);
     Print(line);
   }
@@ -165,16 +165,13 @@ class Bench {
 
 }  // namespace
 
-void AddBench(CLI::App& program, Action* action) {
-  CLI::App* command =
-      program.add_subcommand("bench", "Measure how fast the effects are on this machine");
-  auto options = std::make_shared<BenchOptions>();
-  AddDecimal(*command, "--seconds", &options->seconds, 0, 600, "how long to measure each case");
-  AddWhole(*command, "--largest", &options->largest, 0, 48,
-           "leave out captures of more megapixels than this; 0 leaves out all");
-  command->add_flag("--json", options->json, "print the figures for machines");
-  command->footer(kExitCodes);
-  command->callback([options, action] { *action = [options] { return Bench(*options).Run(); }; });
+Action OfferBench(Options options) {
+  auto chosen = std::make_shared<BenchOptions>();
+  options.Decimal("--seconds", &chosen->seconds, 0, 600, "how long to measure each case");
+  options.Whole("--largest", &chosen->largest, 0, 48,
+                "leave out captures of more megapixels than this; 0 leaves out all");
+  options.Flag("--json", &chosen->json, "print the figures for machines");
+  return [chosen] { return Bench(*chosen).Run(); };
 }
 
 }  // namespace lumora::tools

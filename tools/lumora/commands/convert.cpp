@@ -11,7 +11,8 @@
 #include "lumora/pipeline/converter.h"
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
-#include "tools/lumora/options/number_options.h"
+#include "tools/lumora/options/common_options.h"
+#include "tools/lumora/options/numbers.h"
 #include "tools/lumora/picture/losses.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/picture_file.h"
@@ -161,33 +162,23 @@ ExitCode Convert(const ConvertOptions& options) {
 
 }  // namespace
 
-void AddConvert(CLI::App& program, Action* action) {
-  CLI::App* command =
-      program.add_subcommand("convert", "Convert the colours of a picture or a raw frame");
-  auto options = std::make_shared<ConvertOptions>();
-  command
-      ->add_option("IN", options->in,
-                   "JPEG or PNG, or one raw frame (.nv21, .nv12, .i420, .yuv, or any name with\n"
-                   "--format); - is standard input")
-      ->required();
-  command
-      ->add_option("-o,--output", options->out,
-                   ".png: an image of the three channels; any other name, and - for standard\n"
-                   "output: raw bytes, three a pixel or the planes of a frame")
-      ->required();
-  command
-      ->add_option("--to", options->to,
-                   "rgb; hsi (hue, saturation and intensity, 0 to 255 each); nv21, nv12, i420")
-      ->required()
-      ->check(CLI::IsMember({"rgb", "hsi", "nv21", "nv12", "i420"}));
-  command->add_option("--size", options->size, "WIDTHxHEIGHT of a raw frame in pixels");
-  command->add_option("--format", options->format, "IN is a raw frame: nv21, nv12, i420")
-      ->check(CLI::IsMember({"nv21", "nv12", "i420"}));
-  options->appetite.AddTo(*command);
-  command->footer(std::string("Raw frames are full-range BT.601, their planes one after another "
-                              "without padding.\n\n") +
-                  kExitCodes);
-  command->callback([options, action] { *action = [options] { return Convert(*options); }; });
+Action OfferConvert(Options options) {
+  auto chosen = std::make_shared<ConvertOptions>();
+  options.Text("IN", Need::Required, &chosen->in,
+               "JPEG or PNG, or one raw frame (.nv21, .nv12, .i420, .yuv, or any name with\n"
+               "--format); - is standard input");
+  options.Text("-o,--output", Need::Required, &chosen->out,
+               ".png: an image of the three channels; any other name, and - for standard\n"
+               "output: raw bytes, three a pixel or the planes of a frame");
+  options.Choice("--to", Need::Required, &chosen->to, {"rgb", "hsi", "nv21", "nv12", "i420"},
+                 "rgb; hsi (hue, saturation and intensity, 0 to 255 each); nv21, nv12, i420");
+  options.Text("--size", Need::Optional, &chosen->size, "WIDTHxHEIGHT of a raw frame in pixels");
+  options.Choice("--format", Need::Optional, &chosen->format, {"nv21", "nv12", "i420"},
+                 "IN is a raw frame: nv21, nv12, i420");
+  AddForce(options, &chosen->appetite.force);
+  options.Explain(
+      "Raw frames are full-range BT.601, their planes one after another without padding.");
+  return [chosen] { return Convert(*chosen); };
 }
 
 }  // namespace lumora::tools

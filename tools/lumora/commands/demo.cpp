@@ -7,7 +7,6 @@
 
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
-#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/picture/colour_picture.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/portraits/portrait.h"
@@ -149,24 +148,21 @@ class Demo {
 
 }  // namespace
 
-void AddDemo(CLI::App& program, Action* action) {
-  CLI::App* command =
-      program.add_subcommand("demo", "Draw portraits and retouch them: no photo is needed");
-  auto options = std::make_shared<DemoOptions>();
-  command->add_option("DIR", options->folder, "folder for the pictures; it is made if need be")
-      ->required();
-  const auto scale = [command](const char* name, int* value, const char* help) {
-    AddWhole(*command, name, value, 0, 100, help);
+Action OfferDemo(Options options) {
+  auto chosen = std::make_shared<DemoOptions>();
+  options.Text("DIR", Need::Required, &chosen->folder,
+               "folder for the pictures; it is made if need be");
+  const auto scale = [&options](const char* name, int* value, const char* help) {
+    options.Whole(name, value, 0, 100, help);
   };
-  scale("--slim", &options->look.slim, "how much cheeks and chin are narrowed");
-  scale("--whiten", &options->look.whiten, "how much the skin is brightened");
-  scale("--saturate", &options->look.saturate, "how much richer its colour gets");
-  AddWhole(*command, "--size", &options->size, kSmallest, kLargest,
-           "width and height of a portrait in pixels");
-  AddWhole(*command, "--capture", &options->capture, 0, 2 * kLargest,
-           "width of the large still in pixels; 0 leaves it out");
-  command->footer(kExitCodes);
-  command->callback([options, action] { *action = [options] { return Demo(*options).Run(); }; });
+  scale("--slim", &chosen->look.slim, "how much cheeks and chin are narrowed");
+  scale("--whiten", &chosen->look.whiten, "how much the skin is brightened");
+  scale("--saturate", &chosen->look.saturate, "how much richer its colour gets");
+  options.Whole("--size", &chosen->size, kSmallest, kLargest,
+                "width and height of a portrait in pixels");
+  options.Whole("--capture", &chosen->capture, 0, 2 * kLargest,
+                "width of the large still in pixels; 0 leaves it out");
+  return [chosen] { return Demo(*chosen).Run(); };
 }
 
 }  // namespace lumora::tools

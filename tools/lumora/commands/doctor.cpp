@@ -12,6 +12,7 @@
 
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/report_json.h"
 #include "tools/lumora/commands/self_test.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/picture/picture.h"
@@ -62,7 +63,7 @@ class Doctor {
       CheckCache(device);  // last: the first programs that are kept make the directory
     } catch (const Failure& failure) {
       code = failure.code();
-      Report(code == ExitCode::NoDisplay ? "display" : "engine", false, failure.what());
+      Tell(code == ExitCode::NoDisplay ? "display" : "engine", false, failure.what());
       Complain(failure.what());
     }
     bool ok = true;
@@ -72,7 +73,7 @@ class Doctor {
   }
 
  private:
-  void Report(const std::string& name, bool ok, const std::string& detail) {
+  void Tell(const std::string& name, bool ok, const std::string& detail) {
     checks_.push_back({name, ok, detail});
     if (json_) return;
     char line[64];
@@ -81,38 +82,38 @@ class Doctor {
   }
 
   void CheckDevice(const DeviceInfo& device) {
-    Report("display", true, device.display);
-    Report("driver", true, device.vendor + ", " + device.renderer + ", " + device.version);
-    Report("buffers", true, device.buffer_kind);
-    Report("largest texture", device.max_texture_size >= kSmallestSide,
-           std::to_string(device.max_texture_size) + " pixels");
-    Report("program binaries", true,
-           device.program_binaries ? "offered, programs are kept"
-                                   : "not offered, programs are compiled at every start");
+    Tell("display", true, device.display);
+    Tell("driver", true, device.vendor + ", " + device.renderer + ", " + device.version);
+    Tell("buffers", true, device.buffer_kind);
+    Tell("largest texture", device.max_texture_size >= kSmallestSide,
+         std::to_string(device.max_texture_size) + " pixels");
+    Tell("program binaries", true,
+         device.program_binaries ? "offered, programs are kept"
+                                 : "not offered, programs are compiled at every start");
   }
 
   void CheckCache(const DeviceInfo& device) {
     if (!device.program_binaries) {
-      Report("cache directory", true, device.cache_directory + " (not needed)");
+      Tell("cache directory", true, device.cache_directory + " (not needed)");
       return;
     }
     try {
       CheckWritable(device.cache_directory + "/doctor");
       const std::string reason = ReasonNotToTrust(device.cache_directory);
-      Report("cache directory", reason.empty(), device.cache_directory + reason);
+      Tell("cache directory", reason.empty(), device.cache_directory + reason);
     } catch (const Failure& failure) {
-      Report("cache directory", false, failure.what());
+      Tell("cache directory", false, failure.what());
     }
   }
 
   void CheckClassifiers() {
     const std::string folder = CascadeFolder();
-    Report("face classifiers", !folder.empty(),
-           folder.empty() ? "not found; install the package opencv-data" : folder);
+    Tell("face classifiers", !folder.empty(),
+         folder.empty() ? "not found; install the package opencv-data" : folder);
   }
 
   void CheckRender(const std::string& name, const SelfTest& test) {
-    Report(name, test.passed, test.sentence);
+    Tell(name, test.passed, test.sentence);
   }
 
   // Whether it is the memory shared with the driver that spoils the tests: the library found it in
@@ -121,9 +122,9 @@ class Doctor {
     setenv("LUMORA_BUFFER", kCopies, 1);
     Engine engine;
     const bool passed = TestSlimming(engine).passed && TestWhitening(engine).passed;
-    Report("copied buffers", passed,
-           passed ? "the tests pass with LUMORA_BUFFER=staged; set it to work with this driver"
-                  : "the tests fail with LUMORA_BUFFER=staged as well");
+    Tell("copied buffers", passed,
+         passed ? "the tests pass with LUMORA_BUFFER=staged; set it to work with this driver"
+                : "the tests fail with LUMORA_BUFFER=staged as well");
   }
 
   void PrintJson(bool ok) const {
@@ -140,13 +141,10 @@ class Doctor {
 
 }  // namespace
 
-void AddDoctor(CLI::App& program, Action* action) {
-  CLI::App* command =
-      program.add_subcommand("doctor", "Say what this machine offers and prove that it works");
+Action OfferDoctor(Options options) {
   auto json = std::make_shared<bool>(false);
-  command->add_flag("--json", *json, "print the findings for machines");
-  command->footer(kExitCodes);
-  command->callback([json, action] { *action = [json] { return Doctor(*json).Run(); }; });
+  options.Flag("--json", json.get(), "print the findings for machines");
+  return [json] { return Doctor(*json).Run(); };
 }
 
 }  // namespace lumora::tools

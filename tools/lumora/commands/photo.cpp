@@ -10,12 +10,14 @@
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/face_geometry.h"
 #include "tools/lumora/faces/faces_json.h"
+#include "tools/lumora/options/common_options.h"
 #include "tools/lumora/options/look_options.h"
 #include "tools/lumora/picture/picture_edit.h"
 #include "tools/lumora/sheets/compare.h"
 #include "tools/lumora/sheets/explain.h"
+#include "tools/lumora/support/clock.h"
 #include "tools/lumora/support/files.h"
-#include "tools/lumora/support/talk.h"
+#include "tools/lumora/support/memory.h"
 
 namespace lumora::tools {
 namespace {
@@ -203,30 +205,23 @@ class Photo {
 
 }  // namespace
 
-void AddPhoto(CLI::App& program, Action* action) {
-  CLI::App* command = program.add_subcommand("photo", "Retouch the faces in a JPEG or PNG picture");
-  auto options = std::make_shared<PhotoOptions>();
-  command->add_option("IN", options->in, "picture to read; - is standard input")->required();
-  command
-      ->add_option("-o,--output", options->out,
-                   "picture to write, .jpg, .jpeg or .png; - is standard output, in IN's format")
-      ->required();
-  options->look.AddTo(*command);
-  AddChain(*command, &options->chain);
-  command->add_option("--faces", options->faces,
-                      "FACES.json: take the faces from there instead of looking for them");
-  command->add_option("--compare", options->compare,
-                      "also write a picture with before and after side by side");
-  command->add_option(
-      "--explain", options->explain,
-      "also write a picture that shows what was found, where pixels move and brighten,\n"
-      "and the blocks that were drawn");
-  options->appetite.AddTo(*command);
-  command->add_flag("--json", options->json, "print a report for machines on standard output");
-  command->add_flag("--require-face", options->require_face,
-                    "fail with exit code 5, and write nothing, when no face is found");
-  command->footer(std::string(kFacesFormat) + "\n\n" + kExitCodes);
-  command->callback([options, action] { *action = [options] { return Photo(*options).Run(); }; });
+Action OfferPhoto(Options options) {
+  auto chosen = std::make_shared<PhotoOptions>();
+  AddPictures(options, &chosen->in, &chosen->out);
+  chosen->look.AddTo(options);
+  AddChain(options, &chosen->chain);
+  options.Text("--faces", Need::Optional, &chosen->faces,
+               "FACES.json: take the faces from there instead of looking for them");
+  AddCompare(options, &chosen->compare);
+  options.Text("--explain", Need::Optional, &chosen->explain,
+               "also write a picture that shows what was found, where pixels move and brighten,\n"
+               "and the blocks that were drawn");
+  AddForce(options, &chosen->appetite.force);
+  AddReport(options, &chosen->json);
+  options.Flag("--require-face", &chosen->require_face,
+               "fail with exit code 5, and write nothing, when no face is found");
+  options.Explain(kFacesFormat);
+  return [chosen] { return Photo(*chosen).Run(); };
 }
 
 }  // namespace lumora::tools

@@ -9,10 +9,11 @@
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
-#include "tools/lumora/options/number_options.h"
+#include "tools/lumora/options/common_options.h"
 #include "tools/lumora/picture/picture_edit.h"
 #include "tools/lumora/sheets/compare.h"
-#include "tools/lumora/support/talk.h"
+#include "tools/lumora/support/clock.h"
+#include "tools/lumora/support/memory.h"
 
 namespace lumora::tools {
 namespace {
@@ -69,32 +70,23 @@ ExitCode Rectify(const RectifyOptions& options) {
 
 }  // namespace
 
-void AddRectify(CLI::App& program, Action* action) {
-  CLI::App* command =
-      program.add_subcommand("rectify", "Straighten the lines in a JPEG or PNG picture");
-  auto options = std::make_shared<RectifyOptions>();
-  command->add_option("IN", options->in, "picture to read; - is standard input")->required();
-  command
-      ->add_option("-o,--output", options->out,
-                   "picture to write, .jpg, .jpeg or .png; - is standard output, in IN's format")
-      ->required();
-  CLI::Option_group* how = command->add_option_group("how", "exactly one of");
-  AddWhole(*how, "--degree", &options->degree, -100, 100,
-           "lines that run together; above 0 widens the left side, below 0 the right, by so\n"
-           "many hundredths of the picture at both ends");
-  AddDecimalList(*how, "--radial", &options->radial, 4, kLargestCoefficient, "k0,k1,k2,k3",
-                 "bent lines; a point is taken from k0 + k1 s + k2 s^2 + k3 s^3 times its\n"
-                 "distance from the middle, s its square, 1 in the corners");
-  AddWhole(*how, "--camera", &options->camera, 0, 1,
-           "bent lines, by the parameter file of this device's camera (below\n"
-           "LUMORA_SYSTEM_ROOT), or usual coefficients where there is none");
-  how->require_option(1);
-  command->add_option("--compare", options->compare,
-                      "also write a picture with before and after side by side");
-  options->appetite.AddTo(*command);
-  command->add_flag("--json", options->json, "print a report for machines on standard output");
-  command->footer(kExitCodes);
-  command->callback([options, action] { *action = [options] { return Rectify(*options); }; });
+Action OfferRectify(Options options) {
+  auto chosen = std::make_shared<RectifyOptions>();
+  AddPictures(options, &chosen->in, &chosen->out);
+  Options how = options.ExactlyOneOf();
+  how.Whole("--degree", &chosen->degree, -100, 100,
+            "lines that run together; above 0 widens the left side, below 0 the right, by so\n"
+            "many hundredths of the picture at both ends");
+  how.DecimalList("--radial", &chosen->radial, 4, kLargestCoefficient, "k0,k1,k2,k3",
+                  "bent lines; a point is taken from k0 + k1 s + k2 s^2 + k3 s^3 times its\n"
+                  "distance from the middle, s its square, 1 in the corners");
+  how.Whole("--camera", &chosen->camera, 0, 1,
+            "bent lines, by the parameter file of this device's camera (below\n"
+            "LUMORA_SYSTEM_ROOT), or usual coefficients where there is none");
+  AddCompare(options, &chosen->compare);
+  AddForce(options, &chosen->appetite.force);
+  AddReport(options, &chosen->json);
+  return [chosen] { return Rectify(*chosen); };
 }
 
 }  // namespace lumora::tools

@@ -1,12 +1,27 @@
 #include "tools/lumora/commands/report_json.h"
 
-#include <sys/resource.h>
+#include <nlohmann/json.hpp>
+#include <string>
 
-#include <chrono>
+#include "tools/lumora/options/look_options.h"
+#include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
 
 using Json = nlohmann::ordered_json;
+
+void PrintReport(const Json& report) {
+  // Paths need not be UTF-8; what is not is shown by a replacement character.
+  const std::string text = report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  WriteWhole(kStandardStream, Bytes(text.begin(), text.end()));
+}
+
+Json LookJson(const Look& look) {
+  return {{"slim", look.slim},
+          {"whiten", look.whiten},
+          {"saturate", look.saturate},
+          {"effect", NameOf(look.effect)}};
+}
 
 Json BlocksJson(const std::vector<PixelRect>& blocks) {
   Json json = Json::array();
@@ -26,18 +41,6 @@ Json TonesJson(const std::vector<FaceTone>& tones) {
                     {"saturation_shifted", tone.saturation_shifted}});
   }
   return json;
-}
-
-double PeakMemory() {
-  rusage usage = {};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<double>(usage.ru_maxrss) / 1024;
-}
-
-double Now() {
-  const std::chrono::duration<double, std::milli> since =
-      std::chrono::steady_clock::now().time_since_epoch();
-  return since.count();
 }
 
 }  // namespace lumora::tools

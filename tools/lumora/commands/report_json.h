@@ -1,24 +1,24 @@
-// Parts of the reports for machines that several commands share.
+// Reports for machines: printing them, and the parts that several commands share.
 #ifndef LUMORA_TOOLS_COMMANDS_REPORT_JSON_H_
 #define LUMORA_TOOLS_COMMANDS_REPORT_JSON_H_
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <vector>
 
+#include "lumora/pipeline/look.h"
 #include "lumora/pipeline/report.h"
 
 namespace lumora::tools {
+
+/// A report on standard output. Throws Failure (Failed) when it cannot be written.
+void PrintReport(const nlohmann::ordered_json& report);
+
+nlohmann::ordered_json LookJson(const Look& look);
 
 nlohmann::ordered_json BlocksJson(const std::vector<PixelRect>& blocks);
 
 /// What whitening measured, one entry a whitened face.
 nlohmann::ordered_json TonesJson(const std::vector<FaceTone>& tones);
-
-/// The largest amount of memory that the process has held so far, in MiB.
-double PeakMemory();
-
-/// Milliseconds of a clock that never goes back.
-double Now();
 
 }  // namespace lumora::tools
 

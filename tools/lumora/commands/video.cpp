@@ -11,9 +11,11 @@
 #include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
 #include "tools/lumora/faces/faces_json.h"
+#include "tools/lumora/options/common_options.h"
 #include "tools/lumora/options/look_options.h"
-#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/picture/appetite.h"
+#include "tools/lumora/support/clock.h"
+#include "tools/lumora/support/memory.h"
 #include "tools/lumora/support/places.h"
 #include "tools/lumora/support/talk.h"
 #include "tools/lumora/video/containers.h"
@@ -52,28 +54,17 @@ void CheckNames(const VideoOptions& options) {
   CheckPlacesDiffer({options.in, options.faces}, results);
 }
 
-/// The words of all options that were given, but for those that name the clips.
-std::vector<std::string> OtherOptions(const CLI::App& command, bool to_standard_output) {
-  std::vector<std::string> words;
-  for (const CLI::Option* const option : command.get_options()) {
-    const std::string name = option->get_name();
-    const bool names_clip = option->get_positional() || name == "--output";
-    const bool in_the_way = to_standard_output && name == "--json";
-    if (option->count() == 0 || names_clip || in_the_way) continue;
-    words.push_back(name);
-    if (option->get_expected_min() > 0) words.push_back(option->results().front());
-  }
-  return words;
-}
-
 /// What to type instead, where one of the clips is in a container.
-std::string Remedy(const VideoOptions& options, const CLI::App& command, bool in_is_container) {
-  const bool out_is_container = IsContainerName(options.out);
+std::string Remedy(const VideoOptions& options, const Options& line, bool in_is_container) {
+  // A clip that goes on to ffmpeg takes standard output, where the report would be.
+  const std::vector<std::string> left_out = IsContainerName(options.out)
+                                                ? std::vector<std::string>{"--output", "--json"}
+                                                : std::vector<std::string>{"--output"};
   return FfmpegLine(program_invocation_name, options.in, in_is_container, options.out,
-                    OtherOptions(command, out_is_container));
+                    line.Given(left_out));
 }
 
-void CheckOutputIsY4m(const VideoOptions& options, const CLI::App& command) {
+void CheckOutputIsY4m(const VideoOptions& options, const Options& line) {
   if (!IsContainerName(options.out)) return;
   const bool in_is_container = IsContainer(options.in);
   std::string sentence =
@@ -82,7 +73,7 @@ void CheckOutputIsY4m(const VideoOptions& options, const CLI::App& command) {
     sentence +=
         " (for the sound of a file, say a.mp4, put -i a.mp4 -map 0:v -map '1:a?' behind -i -)";
   }
-  throw Failure(ExitCode::Usage, sentence + ":", Remedy(options, command, in_is_container));
+  throw Failure(ExitCode::Usage, sentence + ":", Remedy(options, line, in_is_container));
 }
 
 /// The header of a clip whose frames are not too large.
@@ -218,6 +209,18 @@ class Video {
   std::string buffer_kind_;
 };
 
+ExitCode Retouch(const VideoOptions& options, const Options& line) {
+  CheckNames(options);
+  CheckOutputIsY4m(options, line);
+  CheckWritable(options.out);
+  try {
+    return Video(options).Run();
+  } catch (const ContainerFailure& failure) {
+    throw Failure(failure.code(),
+                  std::string(failure.what()) + "; ffmpeg reads it:", Remedy(options, line, true));
+  }
+}
+
 constexpr char kVideoFormats[] =
     "Clips are Y4M: 8-bit 4:2:0 of any chroma position, or mono, which stays mono. Their headers\n"
     "are handed on as they are. From and to other formats, with their sound:\n";
@@ -227,42 +230,25 @@ constexpr char kFacesLines[] =
 
 }  // namespace
 
-void AddVideo(CLI::App& program, Action* action) {
-  CLI::App* command = program.add_subcommand("video", "Retouch the faces in a Y4M clip");
-  auto options = std::make_shared<VideoOptions>();
-  command->add_option("IN", options->in, "clip to read; - is standard input")->required();
-  command->add_option("-o,--output", options->out, "clip to write; - is standard output")
-      ->required();
-  options->look.AddTo(*command);
-  command->add_option("--faces", options->faces,
-                      "FILE.jsonl: take the faces from there instead of looking for them");
-  AddWhole(*command, "--detect-every", &options->detect_every, 1, 1000,
-           "look for faces in every n-th frame and follow them in between");
-  command
-      ->add_option("--range", options->range,
-                   "range of the samples: full, limited, or auto (as the clip says, else limited)")
-      ->check(CLI::IsMember({"auto", "full", "limited"}))
-      ->capture_default_str();
-  options->appetite.AddTo(*command);
-  command->add_flag("--json", options->json, "print a report for machines on standard output");
-  command->add_flag("--require-face", options->require_face,
-                    "fail with exit code 5, and write no file, when no frame has a face; what\n"
-                    "went to standard output by then is the clip as it was");
-  command->footer(kVideoFormats + ("  " + FfmpegLine("lumora", "clip.mp4", true, "out.mp4", {})) +
-                  "\n\n" + kFacesLines + "\n\n" + kExitCodes);
-  command->callback([options, command, action] {
-    *action = [options, command] {
-      CheckNames(*options);
-      CheckOutputIsY4m(*options, *command);
-      CheckWritable(options->out);
-      try {
-        return Video(*options).Run();
-      } catch (const ContainerFailure& failure) {
-        throw Failure(failure.code(), std::string(failure.what()) + "; ffmpeg reads it:",
-                      Remedy(*options, *command, true));
-      }
-    };
-  });
+Action OfferVideo(Options options) {
+  auto chosen = std::make_shared<VideoOptions>();
+  options.Text("IN", Need::Required, &chosen->in, "clip to read; - is standard input");
+  options.Text("-o,--output", Need::Required, &chosen->out, "clip to write; - is standard output");
+  chosen->look.AddTo(options);
+  options.Text("--faces", Need::Optional, &chosen->faces,
+               "FILE.jsonl: take the faces from there instead of looking for them");
+  options.Whole("--detect-every", &chosen->detect_every, 1, 1000,
+                "look for faces in every n-th frame and follow them in between");
+  options.Choice("--range", Need::Optional, &chosen->range, {"auto", "full", "limited"},
+                 "range of the samples: full, limited, or auto (as the clip says, else limited)");
+  AddForce(options, &chosen->appetite.force);
+  AddReport(options, &chosen->json);
+  options.Flag("--require-face", &chosen->require_face,
+               "fail with exit code 5, and write no file, when no frame has a face; what\n"
+               "went to standard output by then is the clip as it was");
+  options.Explain(kVideoFormats + ("  " + FfmpegLine("lumora", "clip.mp4", true, "out.mp4", {})) +
+                  "\n\n" + kFacesLines);
+  return [chosen, options] { return Retouch(*chosen, options); };
 }
 
 }  // namespace lumora::tools

@@ -1,9 +1,7 @@
 #include "tools/lumora/options/look_options.h"
 
 #include <map>
-#include <vector>
 
-#include "tools/lumora/options/number_options.h"
 #include "tools/lumora/support/failure.h"
 
 namespace lumora::tools {
@@ -17,29 +15,7 @@ const std::map<std::string, Effect> kEffects = {{"auto", Effect::Auto},
 const std::map<std::string, Chain> kChains = {
     {"auto", Chain::Auto}, {"preview", Chain::Preview}, {"capture", Chain::Capture}};
 
-template <typename Value>
-std::string NameOf(const std::map<std::string, Value>& names, Value value) {
-  for (const auto& [name, named] : names) {
-    if (named == value) return name;
-  }
-  return {};
-}
-
-/// An option that takes one of the names, and shows them instead of their numbers.
-template <typename Value>
-void AddChoice(CLI::App& command, const std::string& option, Value* value,
-               const std::map<std::string, Value>& names, const std::string& help) {
-  std::vector<std::string> words;
-  words.reserve(names.size());
-  for (const auto& entry : names) words.push_back(entry.first);
-  command
-      .add_option_function<std::string>(
-          option, [value, &names](const std::string& word) { *value = names.at(word); }, help)
-      ->check(CLI::IsMember(words))
-      ->default_str(NameOf(names, *value));
-}
-
-Look Preset(const std::string& name) {
+Look PresetNamed(const std::string& name) {
   const std::optional<Look> look = FindPreset(name);
   if (!look) throw Failure(ExitCode::Usage, "there is no preset \"" + name + "\"");
   return *look;
@@ -47,15 +23,15 @@ Look Preset(const std::string& name) {
 
 }  // namespace
 
-void LookOptions::AddTo(CLI::App& command) {
-  const auto scale = [&command](const char* name, std::optional<int>* value, const char* help) {
-    AddWhole(command, name, value, 0, 100, help);
+void LookOptions::AddTo(Options& options) {
+  const auto scale = [&options](const char* name, std::optional<int>* value, const char* help) {
+    options.Whole(name, value, 0, 100, help);
   };
   scale("--slim", &slim_, "how much cheeks and chin are narrowed, 0 (exactly off) to 100");
   scale("--whiten", &whiten_, "how much the skin is brightened, 0 (exactly off) to 100");
   scale("--saturate", &saturate_, "how much richer its colour gets, 0 (exactly off) to 100");
-  AddChoice(command, "--effect", &effect_, kEffects,
-            "parts of whitening to apply; mask: every pass is drawn, and nothing is shifted");
+  options.Choice("--effect", &effect_, kEffects,
+                 "parts of whitening to apply; mask: every pass is drawn, and nothing is shifted");
   std::string presets = "a look with a name:";
   std::vector<std::string> names;
   for (const lumora::Preset& preset : Presets()) {
@@ -66,16 +42,16 @@ void LookOptions::AddTo(CLI::App& command) {
                std::to_string(look.saturate) + ")";
   }
   presets += "\nScales that are given replace the preset's. Without a preset and a scale: ";
-  command.add_option("--preset", preset_, presets + kUsualPreset)->check(CLI::IsMember(names));
+  options.Choice("--preset", Need::Optional, &preset_, names, presets + kUsualPreset);
 }
 
 Look LookOptions::Chosen() const {
   const bool named = slim_ || whiten_ || saturate_;
   Look look;
   if (!preset_.empty()) {
-    look = Preset(preset_);
+    look = PresetNamed(preset_);
   } else if (!named) {
-    look = Preset(kUsualPreset);
+    look = PresetNamed(kUsualPreset);
   }
   look.slim = slim_.value_or(look.slim);
   look.whiten = whiten_.value_or(look.whiten);
@@ -90,7 +66,7 @@ bool IsOff(const Look& look) {
 
 std::vector<std::string> LookOptions::Remarks() const {
   std::vector<std::string> remarks;
-  const std::string effect = "--effect " + NameOf(kEffects, effect_);
+  const std::string effect = "--effect " + NameOf(effect_);
   const auto ignored = [&](const char* option, std::optional<int> value, Effect other) {
     if (effect_ == other && value.value_or(0) > 0) {
       remarks.push_back(option + std::string(" does nothing: ") + effect + " leaves it out");
@@ -104,17 +80,18 @@ std::vector<std::string> LookOptions::Remarks() const {
   return remarks;
 }
 
-nlohmann::ordered_json LookJson(const Look& look) {
-  return {{"slim", look.slim},
-          {"whiten", look.whiten},
-          {"saturate", look.saturate},
-          {"effect", NameOf(kEffects, look.effect)}};
+std::string NameOf(Effect effect) {
+  for (const auto& [name, named] : kEffects) {
+    if (named == effect) return name;
+  }
+  return {};
 }
 
-void AddChain(CLI::App& command, Chain* chain) {
-  AddChoice(command, "--chain", chain, kChains,
-            "way through the engine: preview (the whole picture at once), capture (only the blocks "
-            "around faces), auto (preview up to 1280 pixels across)");
+void AddChain(Options& options, Chain* chain) {
+  options.Choice(
+      "--chain", chain, kChains,
+      "way through the engine: preview (the whole picture at once), capture (only the blocks "
+      "around faces), auto (preview up to 1280 pixels across)");
 }
 
 }  // namespace lumora::tools

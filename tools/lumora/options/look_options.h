@@ -2,13 +2,12 @@
 #ifndef LUMORA_TOOLS_OPTIONS_LOOK_OPTIONS_H_
 #define LUMORA_TOOLS_OPTIONS_LOOK_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "lumora/pipeline/pipeline.h"
+#include "tools/lumora/options/options.h"
 
 namespace lumora::tools {
 
@@ -19,7 +18,7 @@ class LookOptions {
   static constexpr char kUsualPreset[] = "natural";
 
   /// Adds --slim, --whiten, --saturate, --effect and --preset; the object must outlive parsing.
-  void AddTo(CLI::App& command);
+  void AddTo(Options& options);
 
   Look Chosen() const;
 
@@ -35,11 +34,11 @@ class LookOptions {
 /// Whether the look leaves every picture as it is.
 bool IsOff(const Look& look);
 
-/// For reports.
-nlohmann::ordered_json LookJson(const Look& look);
+/// As --effect names it.
+std::string NameOf(Effect effect);
 
 /// Adds --chain.
-void AddChain(CLI::App& command, Chain* chain);
+void AddChain(Options& options, Chain* chain);
 
 }  // namespace lumora::tools
 

@@ -2,7 +2,6 @@
 #ifndef LUMORA_TOOLS_PICTURE_APPETITE_H_
 #define LUMORA_TOOLS_PICTURE_APPETITE_H_
 
-#include <CLI/CLI.hpp>
 #include <opencv2/core/types.hpp>
 #include <string>
 
@@ -16,9 +15,6 @@ inline constexpr int kBytesForWhole = 48;   ///< where the whole picture is draw
 struct Appetite {
   int bytes_a_pixel = kBytesForBlocks;
   bool force = false;  ///< however much there is
-
-  /// --force.
-  void AddTo(CLI::App& command);
 
   /// Throws Failure (Unreadable) when a picture of that size takes too much. `name` is that of the
   /// input.

@@ -7,20 +7,12 @@
 #include "tools/lumora/picture/xmp.h"
 
 namespace lumora::tools {
-namespace {
 
 PictureMetadata ReadMetadata(const Bytes& file) {
   return StartsLikePng(file) ? ReadPngMetadata(file) : ReadJpegMetadata(file);
 }
 
-}  // namespace
-
-int ReadOrientation(const Bytes& file) {
-  return ExifOrientation(ReadMetadata(file).exif);
-}
-
-std::string CopyMetadata(const Bytes& from, cv::Size size, Bytes& to) {
-  PictureMetadata metadata = ReadMetadata(from);
+std::string CopyMetadata(PictureMetadata metadata, const Bytes& from, cv::Size size, Bytes& to) {
   if (!CorrectExif(metadata.exif, size)) metadata.exif.clear();
   CorrectXmp(metadata.xmp);
   if (StartsLikePng(to)) {

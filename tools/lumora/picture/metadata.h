@@ -5,17 +5,18 @@
 #include <opencv2/core/types.hpp>
 #include <string>
 
-#include "tools/lumora/support/files.h"
+#include "tools/lumora/picture/picture_metadata.h"
 
 namespace lumora::tools {
 
-/// EXIF's orientation 1..8; 1 where the file says nothing sensible.
-int ReadOrientation(const Bytes& file);
+/// What a JPEG or PNG file says.
+PictureMetadata ReadMetadata(const Bytes& file);
 
 /// Gives `to` (a JPEG or PNG file of `size` pixels, upright) the metadata of `from`, with the
 /// orientation set to upright, the stated size corrected and the thumbnail, which shows the picture
-/// as it was, dropped. Returns a sentence when something could not be kept, else an empty string.
-std::string CopyMetadata(const Bytes& from, cv::Size size, Bytes& to);
+/// as it was, dropped. `metadata` is what ReadMetadata found in `from`. Returns a sentence when
+/// something could not be kept, else an empty string.
+std::string CopyMetadata(PictureMetadata metadata, const Bytes& from, cv::Size size, Bytes& to);
 
 }  // namespace lumora::tools
 

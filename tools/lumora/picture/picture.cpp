@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tools/lumora/picture/colour_picture.h"
+#include "tools/lumora/picture/exif.h"
 #include "tools/lumora/picture/jpeg_codec.h"
 #include "tools/lumora/picture/jpeg_markers.h"
 #include "tools/lumora/picture/jpeg_picture.h"
@@ -84,7 +85,8 @@ LoadedPicture DecodePicture(const Bytes& file, const std::string& name) {
   LoadedPicture loaded;
   const bool jpeg = IsJpeg(file, name);
   loaded.format = jpeg ? FileFormat::Jpeg : FileFormat::Png;
-  loaded.orientation = ReadOrientation(file);
+  loaded.metadata = ReadMetadata(file);
+  loaded.orientation = ExifOrientation(loaded.metadata.exif);
   const auto decode = jpeg ? DecodeJpeg : DecodePng;
   loaded.picture = decode(file, name, loaded.orientation, loaded.notes);
   return loaded;

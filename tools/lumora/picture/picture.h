@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/lumora/picture/picture_metadata.h"
 #include "tools/lumora/picture/planes.h"
 #include "tools/lumora/support/files.h"
 
@@ -53,6 +54,7 @@ struct LoadedPicture {
   std::unique_ptr<Picture> picture;
   FileFormat format = FileFormat::Png;
   int orientation = 1;  ///< EXIF's 1..8, as the file had it
+  PictureMetadata metadata;
   Notes notes;
 };
 LoadedPicture DecodePicture(const Bytes& file, const std::string& name);

@@ -56,7 +56,8 @@ Bytes PictureEdit::Encode(const std::string& path) {
     Note(loss);
   }
   Bytes result = picture().Encode(format);
-  const std::string problem = CopyMetadata(file_.content, picture().size(), result);
+  const std::string problem =
+      CopyMetadata(file_.loaded.metadata, file_.content, picture().size(), result);
   if (!problem.empty()) Note(problem);
   return result;
 }

@@ -97,7 +97,7 @@ Points Symmetric(const Points& right_half) {
   return whole;
 }
 
-Points Ellipse(cv::Point2d centre, double half_width, double half_height, double degrees) {
+Points Oval(cv::Point2d centre, double half_width, double half_height, double degrees) {
   constexpr int kCorners = 96;
   const double turn = degrees * CV_PI / 180;
   Points outline;

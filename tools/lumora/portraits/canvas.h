@@ -31,7 +31,7 @@ cv::Point2d Mirrored(cv::Point2d point);
 Points Symmetric(const Points& right_half);
 
 /// An ellipse, turned clockwise by `degrees`.
-Points Ellipse(cv::Point2d centre, double half_width, double half_height, double degrees = 0);
+Points Oval(cv::Point2d centre, double half_width, double half_height, double degrees = 0);
 
 /// A line that is `widest` units thick in its middle and thins out to its ends.
 Points Stroke(const Points& line, double widest);

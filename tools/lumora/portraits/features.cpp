@@ -18,17 +18,17 @@ void DrawEye(Canvas& canvas, const Person& person, bool mirrored) {
     almond.push_back(low);
   }
   const Points opening = placed(Smooth(almond));
-  canvas.Fill(placed(Ellipse({kEyeX, kEyeY - 6}, 54, 36)), {person.skin_shadow, 0.5, 12});
+  canvas.Fill(placed(Oval({kEyeX, kEyeY - 6}, 54, 36)), {person.skin_shadow, 0.5, 12});
   canvas.Fill(opening, {0xfbf8f4});
   const cv::Mat clip = canvas.Mask(opening);
   const cv::Point2d iris(kEyeX - 1, kEyeY - 2);
-  canvas.Fill(placed(Ellipse(iris, 21, 21)), {Mix(person.iris, 0x000000, 0.55), 1, 0, &clip});
-  canvas.Fill(placed(Ellipse(iris, 17, 17)), {person.iris, 1, 1.5, &clip});
-  canvas.Fill(placed(Ellipse(iris + cv::Point2d(0, 7), 11, 8)),
+  canvas.Fill(placed(Oval(iris, 21, 21)), {Mix(person.iris, 0x000000, 0.55), 1, 0, &clip});
+  canvas.Fill(placed(Oval(iris, 17, 17)), {person.iris, 1, 1.5, &clip});
+  canvas.Fill(placed(Oval(iris + cv::Point2d(0, 7), 11, 8)),
               {Mix(person.iris, 0xffffff, 0.4), 0.6, 3, &clip});
-  canvas.Fill(placed(Ellipse(iris, 9, 9)), {0x0c0808, 1, 0.7, &clip});
+  canvas.Fill(placed(Oval(iris, 9, 9)), {0x0c0808, 1, 0.7, &clip});
   canvas.Fill(placed(Stroke(lid, 26)), {0x2a1a14, 0.4, 5, &clip});  // shadow of the lid
-  canvas.Fill(Ellipse({shine_x, kEyeY - 9}, 6, 6), {0xffffff, 0.95, 0.7, &clip});
+  canvas.Fill(Oval({shine_x, kEyeY - 9}, 6, 6), {0xffffff, 0.95, 0.7, &clip});
   // Upper lashes end in a small wing, the crease above follows them.
   Points lashes = lid;
   lashes.emplace_back(kEyeX + kEyeHalfWidth + 8, kEyeY - 4);
@@ -56,11 +56,11 @@ void DrawNose(Canvas& canvas, const Person& person) {
   const Rgb dark = Mix(person.skin_shadow, 0x000000, 0.25);
   canvas.Fill(Stroke({{524, 440}, {520, 500}, {538, 548}}, 16), {person.skin_shadow, 0.55, 8});
   canvas.Fill(Stroke({{476, 440}, {482, 500}, {464, 548}}, 10), {person.skin_shadow, 0.3, 7});
-  canvas.Fill(Ellipse({500, 566}, 48, 17), {person.skin_shadow, 0.7, 9});
-  canvas.Fill(Ellipse({500, 546}, 27, 21), {person.skin, 0.85, 7});
+  canvas.Fill(Oval({500, 566}, 48, 17), {person.skin_shadow, 0.7, 9});
+  canvas.Fill(Oval({500, 546}, 27, 21), {person.skin, 0.85, 7});
   canvas.Fill(Stroke({{497, 400}, {496, 470}, {494, 530}}, 13), {light, 0.5, 6});
-  canvas.Fill(Ellipse({492, 540}, 11, 9), {light, 0.75, 5});
-  for (const Points& nostril : {Ellipse({520, 569}, 10, 5, -12), Ellipse({480, 569}, 10, 5, 12)}) {
+  canvas.Fill(Oval({492, 540}, 11, 9), {light, 0.75, 5});
+  for (const Points& nostril : {Oval({520, 569}, 10, 5, -12), Oval({480, 569}, 10, 5, 12)}) {
     canvas.Fill(nostril, {dark, 0.85, 1.5});
   }
   const Points wing = Stroke({{536, 538}, {548, 556}, {536, 572}}, 5);
@@ -87,13 +87,13 @@ void DrawMouth(Canvas& canvas, const Person& person) {
                                {548, 654},
                                {500, 673},
                                {452, 654}});
-  canvas.Fill(Ellipse({500, 690}, 46, 10), {person.skin_shadow, 0.6, 8});
+  canvas.Fill(Oval({500, 690}, 46, 10), {person.skin_shadow, 0.6, 8});
   canvas.Fill(lower, {Mix(person.lips, 0xffffff, 0.1), 1, 0.8});
   canvas.Fill(upper, {person.lips, 1, 0.8});
-  canvas.Fill(Ellipse({494, 655}, 30, 6), {0xffffff, 0.35, 5});
+  canvas.Fill(Oval({494, 655}, 30, 6), {0xffffff, 0.35, 5});
   canvas.Fill(Stroke({{418, 608}, {460, 633}, {500, 641}, {540, 633}, {582, 608}}, 7.5),
               {dark, 0.9, 0.8});
-  for (const Points& corner : {Ellipse({583, 608}, 9, 8), Ellipse({417, 608}, 9, 8)}) {
+  for (const Points& corner : {Oval({583, 608}, 9, 8), Oval({417, 608}, 9, 8)}) {
     canvas.Fill(corner, {person.skin_shadow, 0.8, 4});
   }
 }

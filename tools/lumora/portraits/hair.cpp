@@ -40,8 +40,8 @@ void Curls(Canvas& canvas, const Person& person, double from_degrees, double to_
       const double angle = degrees * CV_PI / 180;
       const cv::Point2d centre(500 + radius * std::sin(angle),
                                365 - radius * 1.02 * std::cos(angle));
-      canvas.Fill(Ellipse(centre, curl, curl), {person.hair});
-      canvas.Fill(Ellipse(centre + cv::Point2d(-curl * 0.2, -curl * 0.25), curl * 0.55, curl * 0.5),
+      canvas.Fill(Oval(centre, curl, curl), {person.hair});
+      canvas.Fill(Oval(centre + cv::Point2d(-curl * 0.2, -curl * 0.25), curl * 0.55, curl * 0.5),
                   {Shine(person), 0.35, curl * 0.22});
     }
   }
@@ -123,7 +123,7 @@ void DrawHairBehindHead(Canvas& canvas, const Person& person) {
                   {Dark(person)});
       break;
     case HairStyle::Curls:
-      canvas.Fill(Ellipse({500, 365}, 250, 258), {person.hair});
+      canvas.Fill(Oval({500, 365}, 250, 258), {person.hair});
       Curls(canvas, person, -128, 128, 205, 262, 34);
       break;
   }

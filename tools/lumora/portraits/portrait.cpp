@@ -64,7 +64,7 @@ void DrawWallpaper(Canvas& canvas, const Person& person) {
       break;
   }
   // Light falls in from the upper left.
-  canvas.Fill(Ellipse({200, 100}, 420, 380), {0xffffff, 0.35, 140});
+  canvas.Fill(Oval({200, 100}, 420, 380), {0xffffff, 0.35, 140});
   canvas.Fade(350, 1100, Mix(line, 0x202020, 0.45), 0.35);
 }
 
@@ -86,7 +86,7 @@ void DrawBody(Canvas& canvas, const Person& person) {
         Stroke({{-200, 950.0 + 44 * row}, {500, 905.0 + 44 * row}, {1200, 950.0 + 44 * row}}, 15),
         {person.shirt_stripe, 0.9, 0, &shirt});
   }
-  for (const Points& side : {Ellipse({830, 1010}, 110, 130), Ellipse({170, 1010}, 110, 130)}) {
+  for (const Points& side : {Oval({830, 1010}, 110, 130), Oval({170, 1010}, 110, 130)}) {
     canvas.Fill(side, {0x000000, 0.22, 50, &shirt});
   }
   // Neckline, neck and the shadow of the chin on it.
@@ -97,14 +97,14 @@ void DrawBody(Canvas& canvas, const Person& person) {
   canvas.Fill(collar, {person.shirt_stripe});
   canvas.Fill(neck, {person.skin});
   const cv::Mat clip = canvas.Mask(neck);
-  canvas.Fill(Ellipse({500, 730}, 130, 82), {person.skin_shadow, 0.95, 16, &clip});
-  canvas.Fill(Ellipse({590, 800}, 30, 90), {person.skin_shadow, 0.5, 18, &clip});
-  canvas.Fill(Ellipse({410, 800}, 30, 90), {person.skin_shadow, 0.5, 18, &clip});
+  canvas.Fill(Oval({500, 730}, 130, 82), {person.skin_shadow, 0.95, 16, &clip});
+  canvas.Fill(Oval({590, 800}, 30, 90), {person.skin_shadow, 0.5, 18, &clip});
+  canvas.Fill(Oval({410, 800}, 30, 90), {person.skin_shadow, 0.5, 18, &clip});
 }
 
 void DrawEars(Canvas& canvas, const Person& person) {
-  const Points ear = Ellipse({692, 462}, 25, 54, 9);
-  const Points inner = Ellipse({696, 460}, 12, 34, 9);
+  const Points ear = Oval({692, 462}, 25, 54, 9);
+  const Points inner = Oval({696, 460}, 12, 34, 9);
   for (const Points& outline : {ear, Mirrored(ear)}) {
     canvas.Fill(outline, {Mix(person.skin, person.skin_shadow, 0.25)});
   }
@@ -113,8 +113,8 @@ void DrawEars(Canvas& canvas, const Person& person) {
   }
   if (!person.earrings) return;
   for (const cv::Point2d centre : {cv::Point2d(700, 540), cv::Point2d(300, 540)}) {
-    canvas.Fill(Ellipse(centre, 15, 15), {0xd9a832});
-    canvas.Fill(Ellipse(centre + cv::Point2d(-4, -5), 6, 5), {0xfff0b8, 0.9, 2});
+    canvas.Fill(Oval(centre, 15, 15), {0xd9a832});
+    canvas.Fill(Oval(centre + cv::Point2d(-4, -5), 6, 5), {0xfff0b8, 0.9, 2});
   }
 }
 
@@ -124,15 +124,15 @@ void DrawSkin(Canvas& canvas, const Person& person) {
   const cv::Mat clip = canvas.Mask(head);
   const Rgb light = Mix(person.skin, 0xffffff, 0.3);
   // A rounded head: darker towards its rim, most on the side away from the light.
-  canvas.Fill(Ellipse({706, 500}, 50, 270), {person.skin_shadow, 0.8, 32, &clip});
-  canvas.Fill(Ellipse({290, 500}, 38, 270), {person.skin_shadow, 0.55, 30, &clip});
-  canvas.Fill(Ellipse({520, 782}, 130, 32), {person.skin_shadow, 0.65, 22, &clip});
-  canvas.Fill(Ellipse({500, 205}, 180, 52), {person.skin_shadow, 0.55, 28, &clip});
-  canvas.Fill(Ellipse({470, 300}, 90, 42), {light, 0.5, 30, &clip});
-  canvas.Fill(Ellipse({492, 712}, 36, 22), {light, 0.4, 14, &clip});
+  canvas.Fill(Oval({706, 500}, 50, 270), {person.skin_shadow, 0.8, 32, &clip});
+  canvas.Fill(Oval({290, 500}, 38, 270), {person.skin_shadow, 0.55, 30, &clip});
+  canvas.Fill(Oval({520, 782}, 130, 32), {person.skin_shadow, 0.65, 22, &clip});
+  canvas.Fill(Oval({500, 205}, 180, 52), {person.skin_shadow, 0.55, 28, &clip});
+  canvas.Fill(Oval({470, 300}, 90, 42), {light, 0.5, 30, &clip});
+  canvas.Fill(Oval({492, 712}, 36, 22), {light, 0.4, 14, &clip});
   for (const cv::Point2d cheek : {cv::Point2d(606, 560), cv::Point2d(394, 560)}) {
-    canvas.Fill(Ellipse(cheek, 52, 40), {person.blush, 0.5, 24, &clip});
-    canvas.Fill(Ellipse(cheek + cv::Point2d(-8, -28), 34, 16), {light, 0.4, 14, &clip});
+    canvas.Fill(Oval(cheek, 52, 40), {person.blush, 0.5, 24, &clip});
+    canvas.Fill(Oval(cheek + cv::Point2d(-8, -28), 34, 16), {light, 0.4, 14, &clip});
   }
   if (person.stubble) {
     const Points jaw = Smooth(Symmetric({{500, 592},
@@ -152,7 +152,7 @@ void DrawSkin(Canvas& canvas, const Person& person) {
     for (const auto& spot : kSpots) {
       const cv::Point2d place(spot[0], spot[1]);
       for (const cv::Point2d at : {place, Mirrored(place) + cv::Point2d(5, -4)}) {
-        canvas.Fill(Ellipse(at, spot[2], spot[2]), {person.skin_shadow, 0.65, 1});
+        canvas.Fill(Oval(at, spot[2], spot[2]), {person.skin_shadow, 0.65, 1});
       }
     }
   }

@@ -10,14 +10,13 @@ namespace {
 
 constexpr size_t kFirstPiece = size_t{1} << 20;
 
-/// "1 GiB", "16 MiB", or bytes.
+}  // namespace
+
 std::string Named(size_t bytes) {
   if (bytes % (size_t{1} << 30) == 0) return std::to_string(bytes >> 30) + " GiB";
   if (bytes % (size_t{1} << 20) == 0) return std::to_string(bytes >> 20) + " MiB";
   return std::to_string(bytes) + " bytes";
 }
-
-}  // namespace
 
 WholeInput::WholeInput(const std::string& path) : file_(path) {
   ReadUpTo(kFirstPiece);

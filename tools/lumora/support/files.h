@@ -16,6 +16,9 @@ using Bytes = std::vector<uint8_t>;
 inline constexpr size_t kLargestFile = size_t{1} << 30;   // bytes
 inline constexpr size_t kLargestText = size_t{16} << 20;  // and of a line of text
 
+/// "1 GiB", "16 MiB", or "1000 bytes".
+std::string Named(size_t bytes);
+
 /// The content of an input that has at most so many bytes. A file is not read when it is larger,
 /// and a stream no further than that. Throws Failure (Unreadable) naming it.
 Bytes ReadWhole(const std::string& path, size_t most);

@@ -19,8 +19,8 @@ std::optional<std::string> LineReader::Next() {
     const auto end = std::find(from, piece_.end(), '\n');
     line.append(from, end);
     if (line.size() > kLargestText) {
-      throw Failure(ExitCode::Unreadable,
-                    name() + ": line " + std::to_string(line_) + ": it is longer than 16 MiB");
+      throw Failure(ExitCode::Unreadable, name() + ": line " + std::to_string(line_) +
+                                              ": it is longer than " + Named(kLargestText));
     }
     if (end != piece_.end()) {
       used_ = static_cast<size_t>(end - piece_.begin()) + 1;

@@ -93,6 +93,12 @@ void CheckMemory(uint64_t bytes, const std::string& name) {
                                           " that there are; --force does it all the same");
 }
 
+double PeakMemory() {
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
 void RethrowIfOutOfMemory() {
   try {
     throw;

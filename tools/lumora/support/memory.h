@@ -17,6 +17,9 @@ uint64_t MemoryLimit(const std::string& root = {});
 /// Throws Failure (Unreadable) when the work on the input `name` takes more than its share.
 void CheckMemory(uint64_t bytes, const std::string& name);
 
+/// The largest amount of memory that the process has held so far, in MiB.
+double PeakMemory();
+
 /// Throws std::bad_alloc when the exception that is being handled is how OpenCV, or the library
 /// that runs its threads, says the same.
 void RethrowIfOutOfMemory();

@@ -26,14 +26,12 @@ bool CanBeOverwritten(const struct stat& status) {
 
 std::optional<Identity> IdentityOf(const std::string& path, int standard_stream) {
   struct stat status = {};
-  if (path == kStandardStream) {
-    if (fstat(standard_stream, &status) != 0 || !CanBeOverwritten(status)) return std::nullopt;
-    return Identity{status.st_dev, status.st_ino, ""};
-  }
-  if (stat(path.c_str(), &status) == 0) {
+  const bool is_stream = path == kStandardStream;
+  if ((is_stream ? fstat(standard_stream, &status) : stat(path.c_str(), &status)) == 0) {
     if (!CanBeOverwritten(status)) return std::nullopt;
     return Identity{status.st_dev, status.st_ino, ""};
   }
+  if (is_stream) return std::nullopt;  // it is closed
   const fs::path place = PlaceOf(path);
   const fs::path folder = place.has_parent_path() ? place.parent_path() : fs::path(".");
   if (stat(folder.c_str(), &status) != 0) return std::nullopt;  // nothing can be written there

@@ -2,7 +2,6 @@
 #ifndef LUMORA_TOOLS_SUPPORT_TALK_H_
 #define LUMORA_TOOLS_SUPPORT_TALK_H_
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 namespace lumora::tools {
@@ -16,9 +15,6 @@ void Say(const std::string& line);
 /// A line on standard error that starts with the program's name: errors and notes. Line breaks in
 /// the text become spaces.
 void Complain(std::string line);
-
-/// A report for machines on standard output. Throws Failure (Failed) when it cannot be written.
-void PrintReport(const nlohmann::ordered_json& report);
 
 }  // namespace lumora::tools
 

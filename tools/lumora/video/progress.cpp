@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/support/clock.h"
 
 namespace lumora::tools {
 namespace {

@@ -1,0 +1,25 @@
+#include "tools/lumora/options/common_options.h"
+
+namespace lumora::tools {
+
+void AddPictures(Options& options, std::string* in, std::string* out) {
+  options.Text("IN", Need::Required, in, "picture to read; - is standard input");
+  options.Text("-o,--output", Need::Required, out,
+               "picture to write, .jpg, .jpeg or .png; - is standard output, in IN's format");
+}
+
+void AddCompare(Options& options, std::string* compare) {
+  options.Text("--compare", Need::Optional, compare,
+               "also write a picture with before and after side by side");
+}
+
+void AddForce(Options& options, bool* force) {
+  options.Flag("--force", force,
+               "also take an input that needs more than half of this machine's memory");
+}
+
+void AddReport(Options& options, bool* json) {
+  options.Flag("--json", json, "print a report for machines on standard output");
+}
+
+}  // namespace lumora::tools
