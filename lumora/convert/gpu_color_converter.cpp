@@ -17,6 +17,29 @@
 LUMORA_LOG_TAG("GPUColorConvert");
 
 namespace android {
+namespace {
+
+/// The EGL members; whether the display is referenced is the converter's secret.
+lumora::OffscreenHandles EglHandles(GPUColorConverter& converter, bool& display_referenced) {
+  return {converter.m_eglDisplay, converter.m_eglConfig, converter.m_eglSurface,
+          converter.m_eglContext, display_referenced};
+}
+
+/// A shared image, owned by the caller; null where there can be none.
+SEGLImage* MakeImage(int width, int height, GLint wrap) {
+  auto* image = new (std::nothrow) SEGLImage(1);
+  if (image != nullptr) image->Create(width, height, 1);
+  if (image == nullptr || image->m_hTexture == lumora::kNoName) {
+    LOGE("[%s] can't new image", "InitTexture");
+    delete image;
+    return nullptr;
+  }
+  lumora::gl::SetWrap(wrap);
+  lumora::gl::SetFilter(GL_LINEAR);
+  return image;
+}
+
+}  // namespace
 
 GPUColorConverter::GPUColorConverter()
     : m_eglDisplay(EGL_NO_DISPLAY),
@@ -50,9 +73,9 @@ GPUColorConverter::GPUColorConverter()
       m_bIsInit(false),
       m_bDisplayReferenced(false) {
   LOGI("GPUColorConverter()+");
-  const bool ready = lumora::CreateOffscreenContext(EglHandles(), [](const char* step) {
-    LOGD("[%s] %s successfully", "GPUColorConverter", step);
-  });
+  const bool ready = lumora::CreateOffscreenContext(
+      EglHandles(*this, m_bDisplayReferenced),
+      [](const char* step) { LOGD("[%s] %s successfully", "GPUColorConverter", step); });
   if (!ready) {
     // What was made stays: the destructor does nothing without a context. A display that nobody
     // will terminate must not count, or no later engine would.
@@ -68,14 +91,11 @@ GPUColorConverter::~GPUColorConverter() {
   LOGI("~GPUColorConverter()+");
   if (!m_bEGLReady) return;
   if (m_bIsInit) DeInit();
-  lumora::DestroyOffscreenContext(
-      EglHandles(), [](const char* step) { LOGI("[%s] %s", "~GPUColorConverter", step); });
+  lumora::DestroyOffscreenContext(EglHandles(*this, m_bDisplayReferenced), [](const char* step) {
+    LOGI("[%s] %s", "~GPUColorConverter", step);
+  });
   m_bEGLReady = false;
   LOGI("~GPUColorConverter()-");
-}
-
-lumora::OffscreenHandles GPUColorConverter::EglHandles() {
-  return {m_eglDisplay, m_eglConfig, m_eglSurface, m_eglContext, m_bDisplayReferenced};
 }
 
 int GPUColorConverter::Init(int nSrcImageWidth, int nSrcImageHeight, int* pStride) {
@@ -91,18 +111,6 @@ int GPUColorConverter::Init(int nSrcImageWidth, int nSrcImageHeight, int* pStrid
   m_bIsInit = true;
   LOGD("[CAMIN] GPUColorConverter 2012/04/17 Init-");
   return 1;
-}
-
-SEGLImage* GPUColorConverter::MakeImage(int width, int height, GLint wrap) {
-  auto* image = new (std::nothrow) SEGLImage(1);
-  if (image != nullptr) image->Create(width, height, 1);
-  if (image == nullptr || image->m_hTexture == lumora::kNoName) {
-    LOGE("[%s] can't new image", "InitTexture");
-    delete image;
-    return nullptr;
-  }
-  lumora::SetWrapAndFilter(wrap, GL_LINEAR);
-  return image;
 }
 
 int GPUColorConverter::InitTexture() {

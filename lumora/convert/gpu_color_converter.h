@@ -8,10 +8,6 @@
 #include "lumora/export.h"
 #include "lumora/gl/segl_image.h"
 
-namespace lumora {
-struct OffscreenHandles;
-}
-
 namespace android {
 
 /// A small engine of its own: turns one semi-planar YUV 4:2:0 frame (luma plane, then pairs of Cr
@@ -91,15 +87,6 @@ class LUMORA_API GPUColorConverter {
   bool m_bIsInit;
 
  private:
-  struct LUMORA_LOCAL Pass;
-
-  LUMORA_LOCAL lumora::OffscreenHandles EglHandles();
-  LUMORA_LOCAL SEGLImage* MakeImage(int width, int height, GLint wrap);
-  LUMORA_LOCAL Pass YuvToRgb() const;
-  LUMORA_LOCAL Pass RgbToHsi() const;
-  LUMORA_LOCAL int SetPass(const Pass& pass);
-  LUMORA_LOCAL void DrawPass(const Pass& pass);
-
   bool m_bDisplayReferenced;  ///< the display was initialised and is terminated with the converter
 };
 

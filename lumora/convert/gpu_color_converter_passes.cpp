@@ -4,7 +4,6 @@
 #include "lumora/gl/colour_matrix.h"
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/quad.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/graphic_buffer.h"
@@ -12,30 +11,45 @@
 LUMORA_LOG_TAG("GPUColorConvert");
 
 namespace android {
+namespace {
 
 /// A pass: program and locations, source and target.
-struct GPUColorConverter::Pass {
-  GLuint program;
-  GLint vertex_coord;
-  GLint texture_coord;
-  GLint texture_slot;
-  const SEGLImage* source;
-  GLuint target;
+struct ConverterPass {
+  GLuint program = 0;
+  GLint vertex_coord = -1;
+  GLint texture_coord = -1;
+  GLint texture_slot = -1;
+  const SEGLImage* source = nullptr;
+  GLuint framebuffer = 0;
 };
 
-GPUColorConverter::Pass GPUColorConverter::YuvToRgb() const {
-  return {m_hYUV2RGBProgram,     m_nYUV2RGBVerCoordLoc, m_nYUV2RGBTexCoordLoc,
-          m_nYUV2RGBTextureSlot, m_pInputImage,         m_hFrameBuffer[0]};
+ConverterPass YuvToRgb(const GPUColorConverter& converter) {
+  ConverterPass pass;
+  pass.program = converter.m_hYUV2RGBProgram;
+  pass.vertex_coord = converter.m_nYUV2RGBVerCoordLoc;
+  pass.texture_coord = converter.m_nYUV2RGBTexCoordLoc;
+  pass.texture_slot = converter.m_nYUV2RGBTextureSlot;
+  pass.source = converter.m_pInputImage;
+  pass.framebuffer = converter.m_hFrameBuffer[0];
+  return pass;
 }
 
-GPUColorConverter::Pass GPUColorConverter::RgbToHsi() const {
-  return {m_hRGB2HSIProgram,     m_nRGB2HSIVerCoordLoc, m_nRGB2HSITexCoordLoc,
-          m_nRGB2HSITextureSlot, m_pOutputImage[0],     m_hFrameBuffer[1]};
+ConverterPass RgbToHsi(const GPUColorConverter& converter) {
+  ConverterPass pass;
+  pass.program = converter.m_hRGB2HSIProgram;
+  pass.vertex_coord = converter.m_nRGB2HSIVerCoordLoc;
+  pass.texture_coord = converter.m_nRGB2HSITexCoordLoc;
+  pass.texture_slot = converter.m_nRGB2HSITextureSlot;
+  pass.source = converter.m_pOutputImage[0];
+  pass.framebuffer = converter.m_hFrameBuffer[1];
+  return pass;
 }
 
-int GPUColorConverter::SetPass(const Pass& pass) {
-  glBindFramebuffer(GL_FRAMEBUFFER, pass.target);
-  glViewport(0, 0, m_nSrcWidth, m_nSrcHeight);
+/// Makes target, program and source of a pass current. 0 when the program is not valid or the
+/// source is missing.
+int SetPass(const GPUColorConverter& converter, const ConverterPass& pass) {
+  glBindFramebuffer(GL_FRAMEBUFFER, pass.framebuffer);
+  glViewport(0, 0, converter.m_nSrcWidth, converter.m_nSrcHeight);
   lumora::gl::CheckGlError("glViewport - YUV2RGB");
   // On whatever texture is bound at this moment; the input is bound below.
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
@@ -51,17 +65,7 @@ int GPUColorConverter::SetPass(const Pass& pass) {
   return 1;
 }
 
-int GPUColorConverter::SetColorConvertYUV2RGBShader() {
-  if (SetPass(YuvToRgb()) == 0) return 0;
-  glUniformMatrix4fv(m_nYUV2RGBMatrixSlot, 1, GL_FALSE, lumora::kMatYUV2RGB);
-  return 1;
-}
-
-int GPUColorConverter::SetColorConvertRGB2HSIShader() {
-  return SetPass(RgbToHsi());
-}
-
-void GPUColorConverter::DrawPass(const Pass& pass) {
+void DrawPass(const ConverterPass& pass) {
   lumora::quad::PointAttribute(pass.vertex_coord, 4, lumora::quad::kPositions);
   lumora::quad::ResetTextureCoordinates();
   lumora::quad::PointAttribute(pass.texture_coord, 2, lumora::quad::TextureCoordinates());
@@ -70,15 +74,27 @@ void GPUColorConverter::DrawPass(const Pass& pass) {
   lumora::gl::CheckGlError("glDrawElements - FaceDist");
 }
 
+}  // namespace
+
+int GPUColorConverter::SetColorConvertYUV2RGBShader() {
+  if (SetPass(*this, YuvToRgb(*this)) == 0) return 0;
+  glUniformMatrix4fv(m_nYUV2RGBMatrixSlot, 1, GL_FALSE, lumora::kMatYUV2RGB);
+  return 1;
+}
+
+int GPUColorConverter::SetColorConvertRGB2HSIShader() {
+  return SetPass(*this, RgbToHsi(*this));
+}
+
 int GPUColorConverter::DrawColorConvertYUV2RGB() {
   SetColorConvertYUV2RGBShader();
-  DrawPass(YuvToRgb());
+  DrawPass(YuvToRgb(*this));
   return 1;
 }
 
 int GPUColorConverter::DrawColorConvertRGB2HSI() {
   SetColorConvertRGB2HSIShader();
-  DrawPass(RgbToHsi());
+  DrawPass(RgbToHsi(*this));
   return 1;
 }
 

@@ -16,7 +16,6 @@ namespace {
 
 using lumora::kNoName;
 using lumora::RoundUpTo32;
-using lumora::SetWrapAndFilter;
 
 constexpr char kCheckRgb[] = "InitTexture - after RGB SetColorAttachment";
 
@@ -32,7 +31,8 @@ GLuint MakePlaneTexture(GLint format, int width, int height, const void* plane) 
   glTexImage2D(GL_TEXTURE_2D, 0, format, width, height, 0, static_cast<GLenum>(format),
                GL_UNSIGNED_BYTE, plane);
   glPixelStorei(GL_UNPACK_ALIGNMENT, alignment);
-  SetWrapAndFilter(GL_MIRRORED_REPEAT, GL_NEAREST);
+  lumora::gl::SetWrap(GL_MIRRORED_REPEAT);
+  lumora::gl::SetFilter(GL_NEAREST);
   const GLenum error = glGetError();
   if (error == GL_NO_ERROR) return texture;
   LOGE("[%s] can't make plane texture, glError (0x%x)", "InitTextureLarge", error);
@@ -75,7 +75,8 @@ bool MakeTarget(const Slot& slot, const ImagePlan& plan) {
     image = nullptr;
     return false;
   }
-  SetWrapAndFilter(plan.wrap, plan.filter);
+  lumora::gl::SetWrap(plan.wrap);
+  lumora::gl::SetFilter(plan.filter);
   GLuint name = 0;
   glGenFramebuffers(1, &name);
   if (name == 0) {

@@ -58,10 +58,6 @@ class LUMORA_API SEGLImage {
   lumora::platform::sp<lumora::platform::GraphicBuffer> m_spBuffer;  ///< null in plain mode
   unsigned char* m_pData;  ///< CPU address of the buffer, taken at creation; null when unset
   unsigned char m_nFlag;
-
- private:
-  LUMORA_LOCAL int CreateBuffered(int width, int height, int format);
-  LUMORA_LOCAL int CreatePlain(int width, int height);
 };
 
 #endif  // LUMORA_GL_SEGL_IMAGE_H_

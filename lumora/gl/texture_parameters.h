@@ -1,19 +1,23 @@
-// Wrap and filter of the bound texture.
+// Wrap and filter of the texture that is bound to GL_TEXTURE_2D.
 #ifndef LUMORA_GL_TEXTURE_PARAMETERS_H_
 #define LUMORA_GL_TEXTURE_PARAMETERS_H_
 
 #include "lumora/platform/gl_api.h"
 
-namespace lumora {
+namespace lumora::gl {
 
-/// Sets both directions' wrap and both filters of the texture that is bound to GL_TEXTURE_2D.
-inline void SetWrapAndFilter(GLint wrap, GLint filter) {
+/// What lies beyond the edges, in both directions.
+inline void SetWrap(GLint wrap) {
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, wrap);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, wrap);
+}
+
+/// How texels are mixed, where the texture is made smaller and larger.
+inline void SetFilter(GLint filter) {
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
 }
 
-}  // namespace lumora
+}  // namespace lumora::gl
 
 #endif  // LUMORA_GL_TEXTURE_PARAMETERS_H_
