@@ -14,6 +14,7 @@
 #include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/quad.h"
+#include "lumora/platform/buffer/cpu_access.h"
 #include "lumora/platform/gl_api.h"
 
 LUMORA_LOG_TAG("Lumora");
@@ -62,12 +63,14 @@ bool PrepareBlockSource(GPUBeautyFace& engine, int x, int y, int rows) {
   }
   SEGLImage* const image = engine.m_pWorkImage[2];
   unsigned char* block = image != nullptr ? image->Lock() : nullptr;
-  const internal::LockedStoreBlock store(engine, x, y, engine.m_nSrcWidth, rows);
-  if (store.texels() == nullptr || block == nullptr) {
+  const lumora::platform::CpuAccess store(internal::WholeFrameStore(engine),
+                                          lumora::platform::CpuUse::Read,
+                                          {x, y, engine.m_nSrcWidth, rows});
+  if (store.pixels() == nullptr || block == nullptr) {
     LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
     return false;
   }
-  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.texels(), block, x, y,
+  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.pixels(), block, x, y,
                                            lumora::RoundUpTo32(engine.m_nSrcWidth), rows,
                                            full_stride, engine.m_nFullHeight);
   if (image->Unlock() < 0) return false;

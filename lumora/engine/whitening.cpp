@@ -10,6 +10,7 @@
 #include "lumora/geometry/rounding.h"
 #include "lumora/geometry/whitening.h"
 #include "lumora/gl/log.h"
+#include "lumora/platform/buffer/cpu_access.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/face_whitening_programs.h"
 
@@ -42,11 +43,8 @@ EffectRule RuleOf(BEAUTYSHOT_EFFECT_t effect) {
   return {false, false, 1.0f};
 }
 
-/// The texels of work image 1, of which the square around a face is locked; null without them.
-const unsigned char* LockSquare(const GPUBeautyFace& engine, const lumora::FaceGeometry& face,
-                                int limit_x, int limit_y) {
-  const SEGLImage* const image = engine.m_pWorkImage[1];
-  if (image == nullptr || !image->m_spBuffer) return nullptr;
+/// The square around a face, as far as it lies in an image of that size.
+lumora::PixelRectangle SquareAround(const lumora::FaceGeometry& face, int limit_x, int limit_y) {
   const auto clip = [](int64_t value, int limit) {
     return static_cast<int>(std::clamp<int64_t>(value, 0, limit));
   };
@@ -54,14 +52,13 @@ const unsigned char* LockSquare(const GPUBeautyFace& engine, const lumora::FaceG
   const int y0 = clip(face.centre_y - face.sample_radius, limit_y);
   const int x1 = clip(face.centre_x + face.sample_radius, limit_x);
   const int y1 = clip(face.centre_y + face.sample_radius, limit_y);
-  return image->m_spBuffer->lockPart(x0, y0, x1 - x0, y1 - y0);
+  return {x0, y0, x1 - x0, y1 - y0};
 }
 
 /// Measures a face on a tightly packed frame, or, where that is null, on work image 1.
 lumora::ColourSums SampleFace(const GPUBeautyFace& engine, const lumora::FaceGeometry& face,
                               const unsigned char* frame) {
-  // The square around the face, as far as it lies in the image. A frame in memory has no chroma for
-  // an odd last column or row.
+  // A frame in memory has no chroma for an odd last column or row.
   const int width = engine.m_nFullWidth;
   const int height = engine.m_nFullHeight;
   const int limit_x = frame != nullptr ? width & ~1 : width;
@@ -79,7 +76,11 @@ lumora::ColourSums SampleFace(const GPUBeautyFace& engine, const lumora::FaceGeo
     });
     return sums;
   }
-  const unsigned char* const texels = LockSquare(engine, face, limit_x, limit_y);
+  const SEGLImage* const image = engine.m_pWorkImage[1];
+  const lumora::platform::CpuAccess square(image != nullptr ? image->m_spBuffer.get() : nullptr,
+                                           lumora::platform::CpuUse::Read,
+                                           SquareAround(face, limit_x, limit_y));
+  const unsigned char* const texels = square.pixels();
   if (texels == nullptr) return {};
   const int stride = lumora::RoundUpTo32(width);
   lumora::ForEachSample(face, limit_x, limit_y, [&](int x, int y) {

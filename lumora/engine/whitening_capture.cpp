@@ -12,6 +12,7 @@
 #include "lumora/geometry/rounding.h"
 #include "lumora/geometry/whitening.h"
 #include "lumora/gl/log.h"
+#include "lumora/platform/buffer/cpu_access.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/programs/face_whitening_programs.h"
 
@@ -22,6 +23,8 @@ namespace android {
 namespace internal = lumora::engine;
 using lumora::PixelRectangle;
 using lumora::RoundUpTo32;
+using lumora::platform::CpuAccess;
+using lumora::platform::CpuUse;
 
 namespace {
 
@@ -82,10 +85,10 @@ bool LoadPreviousResult(const GPUBeautyFace& engine, const PixelRectangle& place
   glFlush();
   glFinish();
   unsigned char* block = engine.m_pRGBImage->Lock();
-  const internal::LockedStoreBlock store(engine, place.x, place.y, engine.m_nSrcWidth,
-                                         place.height);
-  if (store.texels() == nullptr || block == nullptr) return false;
-  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.texels(), block, place.x, place.y,
+  const CpuAccess store(internal::WholeFrameStore(engine), CpuUse::Read,
+                        {place.x, place.y, engine.m_nSrcWidth, place.height});
+  if (store.pixels() == nullptr || block == nullptr) return false;
+  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.pixels(), block, place.x, place.y,
                                            RoundUpTo32(engine.m_nSrcWidth), place.height,
                                            RoundUpTo32(engine.m_nFullWidth), engine.m_nFullHeight);
   return engine.m_pRGBImage->Unlock() >= 0;
@@ -94,13 +97,13 @@ bool LoadPreviousResult(const GPUBeautyFace& engine, const PixelRectangle& place
 /// Brings the block's result from work image 2 into the store.
 bool StoreResult(const GPUBeautyFace& engine, const PixelRectangle& place) {
   const unsigned char* block = engine.m_pWorkImage[2]->Lock();
-  const internal::LockedStoreBlock store(engine, place.x, place.y, engine.m_nSrcWidth,
-                                         place.height);
-  if (store.texels() == nullptr || block == nullptr) return false;
-  GPUBeautyFace::BlockCopyRGBA8888(block, store.texels(), place.x, place.y,
+  CpuAccess store(internal::WholeFrameStore(engine), CpuUse::Write,
+                  {place.x, place.y, engine.m_nSrcWidth, place.height});
+  if (store.pixels() == nullptr || block == nullptr) return false;
+  GPUBeautyFace::BlockCopyRGBA8888(block, store.pixels(), place.x, place.y,
                                    RoundUpTo32(engine.m_nSrcWidth), place.height,
                                    RoundUpTo32(engine.m_nFullWidth), engine.m_nFullHeight);
-  if (!store.WriteBack()) return false;
+  if (!store.End()) return false;
   engine.m_pWorkImage[2]->Unlock();
   return true;
 }

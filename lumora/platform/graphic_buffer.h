@@ -115,6 +115,7 @@ class LUMORA_API GraphicBuffer : public RefBase {
   void detachTexture();
 
  private:
+  friend class CpuAccess;
   struct LUMORA_LOCAL State;
   std::unique_ptr<State> state_;
 };

@@ -5,8 +5,10 @@
 
 set(lumora_platform_sources
   platform/buffer/buffer_geometry.cpp
+  platform/buffer/buffer_state.cpp
   platform/buffer/buffer_registry.cpp
   platform/buffer/coherence.cpp
+  platform/buffer/cpu_access.cpp
   platform/buffer/gralloc.cpp
   platform/buffer/graphic_buffer.cpp
   platform/buffer/pixel_digest.cpp

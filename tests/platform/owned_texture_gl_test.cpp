@@ -21,7 +21,7 @@ TEST_F(OwnedTextureTest, GoesWithItsOwner) {
     const OwnedTexture texture;
     name = texture.name();
     EXPECT_EQ(BoundTexture(0), name);
-    EXPECT_TRUE(texture.isHere());
+    EXPECT_TRUE(texture.IsHere());
   }
   EXPECT_EQ(glIsTexture(name), GL_FALSE);
 }
@@ -38,7 +38,7 @@ TEST_F(OwnedTextureTest, StaysInItsContextWhenAnotherIsCurrent) {
       glGenTextures(1, &foreign);
       glBindTexture(GL_TEXTURE_2D, foreign);
     }
-    EXPECT_FALSE(texture->isHere());
+    EXPECT_FALSE(texture->IsHere());
     texture.reset();
     EXPECT_EQ(glIsTexture(foreign), GL_TRUE);
   }
@@ -54,7 +54,7 @@ TEST_F(OwnedTextureTest, AnotherTextureOfTheSameNameIsNotTouched) {
   const GLuint name = texture->name();
   glDeleteTextures(1, &name);
   glBindTexture(GL_TEXTURE_2D, name);  // makes a new one
-  EXPECT_FALSE(texture->isHere());
+  EXPECT_FALSE(texture->IsHere());
   texture.reset();
   EXPECT_EQ(glIsTexture(name), GL_TRUE);
   EXPECT_TRUE(TakeGlErrors().empty());

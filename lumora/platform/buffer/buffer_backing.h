@@ -24,23 +24,21 @@ class BufferBacking {
 
   /// Makes an EGL image over the memory; EGL_NO_IMAGE_KHR on failure, reason in eglGetError. A
   /// further call makes a new GL side. The context's bindings are as before afterwards.
-  virtual EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes) = 0;
+  virtual EGLImageKHR CreateImage(EGLDisplay display, const EGLint* attributes) = 0;
 
-  /// Waits until the GPU has finished with memory that the CPU is about to write. True and false as
-  /// below.
-  virtual bool beginAccess() = 0;
-
-  /// Makes the CPU's bytes of `part` visible to the GPU, or the GPU's results in `part` visible to
-  /// the CPU. True also while there is no GL side; false when its context is not current. The
-  /// context's bindings, pixel-store state and pending errors are left as they are.
-  virtual bool publish(const PixelRectangle& part) = 0;
-  virtual bool fetch(const PixelRectangle& part) = 0;
+  /// As CoherentMemory's. True also while there is no GL side; false when its context is not
+  /// current, but that staged memory begins anywhere. The context's bindings, pixel-store state and
+  /// pending errors are left as they are.
+  virtual bool Reachable() = 0;
+  virtual bool BeginAccess() = 0;
+  virtual bool Publish(const PixelRectangle& part) = 0;
+  virtual bool Fetch(const PixelRectangle& part) = 0;
 
   /// The same between the GPU's side and another image's rows in CPU memory: `part` lies at the
   /// same place in both. Where the sides are apart, the CPU's side keeps its bytes. False, with
   /// nothing copied, also while there is no GL side.
-  virtual bool publishFrom(const CpuImage& image, const PixelRectangle& part) = 0;
-  virtual bool fetchInto(const CpuImage& image, const PixelRectangle& part) = 0;
+  virtual bool PublishFrom(const CpuImage& image, const PixelRectangle& part) = 0;
+  virtual bool FetchInto(const CpuImage& image, const PixelRectangle& part) = 0;
 };
 
 }  // namespace lumora::platform

@@ -27,8 +27,8 @@ struct BufferGeometry {
   uint32_t stride;  ///< pixels from one row to the next: the width rounded up to 32
   size_t size;      ///< bytes, slack included; 0 when no memory can be that large
 
-  size_t rowBytes() const { return size_t{stride} * kPixelBytes; }
-  PixelRectangle whole() const { return {0, 0, static_cast<int>(width), static_cast<int>(height)}; }
+  size_t RowBytes() const { return size_t{stride} * kPixelBytes; }
+  PixelRectangle Whole() const { return {0, 0, static_cast<int>(width), static_cast<int>(height)}; }
 };
 
 /// Lays out an image. The memory holds rows as if the width were rounded up to 128 pixels, and as

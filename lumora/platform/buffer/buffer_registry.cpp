@@ -12,7 +12,7 @@ BufferRegistry& BufferRegistry::Instance() {
   return *registry;
 }
 
-bool BufferRegistry::add(GraphicBuffer* buffer, const void* base, Coherence* coherence) {
+bool BufferRegistry::Add(GraphicBuffer* buffer, const void* base, Coherence* coherence) {
   const std::lock_guard<std::mutex> guard(mutex_);
   return UnlessOutOfMemory(false, [&] {
     entries_.push_back({buffer, base, coherence, EGL_NO_CONTEXT, 0});
@@ -20,30 +20,30 @@ bool BufferRegistry::add(GraphicBuffer* buffer, const void* base, Coherence* coh
   });
 }
 
-void BufferRegistry::remove(const GraphicBuffer* buffer) {
+void BufferRegistry::Remove(const GraphicBuffer* buffer) {
   const std::lock_guard<std::mutex> guard(mutex_);
   entries_.erase(std::remove_if(entries_.begin(), entries_.end(),
                                 [&](const Entry& entry) { return entry.buffer == buffer; }),
                  entries_.end());
 }
 
-void BufferRegistry::attach(const GraphicBuffer* buffer, EGLContext context, GLuint texture) {
+void BufferRegistry::Attach(const GraphicBuffer* buffer, EGLContext context, GLuint texture) {
   const std::lock_guard<std::mutex> guard(mutex_);
   for (Entry& entry : entries_) {
     if (entry.context == context && entry.texture == texture) entry.context = EGL_NO_CONTEXT;
   }
-  if (Entry* entry = find(buffer)) {
+  if (Entry* entry = Find(buffer)) {
     entry->context = context;
     entry->texture = texture;
   }
 }
 
-void BufferRegistry::detach(const GraphicBuffer* buffer) {
+void BufferRegistry::Detach(const GraphicBuffer* buffer) {
   const std::lock_guard<std::mutex> guard(mutex_);
-  if (Entry* entry = find(buffer)) entry->context = EGL_NO_CONTEXT;
+  if (Entry* entry = Find(buffer)) entry->context = EGL_NO_CONTEXT;
 }
 
-GraphicBuffer* BufferRegistry::findByBase(const void* base) {
+GraphicBuffer* BufferRegistry::FindByBase(const void* base) {
   const std::lock_guard<std::mutex> guard(mutex_);
   for (const Entry& entry : entries_) {
     if (entry.base == base) return entry.buffer;
@@ -51,7 +51,7 @@ GraphicBuffer* BufferRegistry::findByBase(const void* base) {
   return nullptr;
 }
 
-Coherence* BufferRegistry::findByTexture(EGLContext context, GLuint texture) {
+Coherence* BufferRegistry::FindByTexture(EGLContext context, GLuint texture) {
   if (context == EGL_NO_CONTEXT) return nullptr;
   const std::lock_guard<std::mutex> guard(mutex_);
   for (const Entry& entry : entries_) {
@@ -60,7 +60,7 @@ Coherence* BufferRegistry::findByTexture(EGLContext context, GLuint texture) {
   return nullptr;
 }
 
-BufferRegistry::Entry* BufferRegistry::find(const GraphicBuffer* buffer) {
+BufferRegistry::Entry* BufferRegistry::Find(const GraphicBuffer* buffer) {
   for (Entry& entry : entries_) {
     if (entry.buffer == buffer) return &entry;
   }

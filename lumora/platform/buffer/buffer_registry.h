@@ -19,19 +19,19 @@ class BufferRegistry {
   static BufferRegistry& Instance();
 
   /// False, with nothing added, where memory is short.
-  bool add(GraphicBuffer* buffer, const void* base, Coherence* coherence);
+  bool Add(GraphicBuffer* buffer, const void* base, Coherence* coherence);
   /// Forgets the buffer and its texture.
-  void remove(const GraphicBuffer* buffer);
+  void Remove(const GraphicBuffer* buffer);
 
   /// Names the texture of `context` that shows the buffer. A texture shows one buffer: a former
   /// buffer of the same name in the same context (whose context may have died) loses it.
-  void attach(const GraphicBuffer* buffer, EGLContext context, GLuint texture);
-  void detach(const GraphicBuffer* buffer);
+  void Attach(const GraphicBuffer* buffer, EGLContext context, GLuint texture);
+  void Detach(const GraphicBuffer* buffer);
 
   /// Null when no live buffer starts at `base`.
-  GraphicBuffer* findByBase(const void* base);
+  GraphicBuffer* FindByBase(const void* base);
   /// Null when no live buffer is shown by this texture.
-  Coherence* findByTexture(EGLContext context, GLuint texture);
+  Coherence* FindByTexture(EGLContext context, GLuint texture);
 
  private:
   struct Entry {
@@ -42,7 +42,7 @@ class BufferRegistry {
     GLuint texture;
   };
 
-  Entry* find(const GraphicBuffer* buffer);
+  Entry* Find(const GraphicBuffer* buffer);
 
   std::mutex mutex_;
   std::vector<Entry> entries_;  // few: one a live image

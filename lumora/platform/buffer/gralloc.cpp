@@ -15,7 +15,7 @@ class Allocator final : public IMemAlloc {
   Allocator() { incStrong(); }
   int clean_buffer(void* base, size_t, int, int, int operation) override {
     if (operation != CACHE_CLEAN) return -EINVAL;
-    GraphicBuffer* const buffer = BufferRegistry::Instance().findByBase(base);
+    GraphicBuffer* const buffer = BufferRegistry::Instance().FindByBase(base);
     return buffer != nullptr ? buffer->clean() : -EINVAL;
   }
 };

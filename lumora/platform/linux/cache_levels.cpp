@@ -39,14 +39,14 @@ class OpenFolder {
   int fd() const { return fd_; }
   time_t changed() const { return status_.st_mtime; }
   /// Whether it is there and the effective user alone decides what is in it.
-  bool is_own() const {
+  bool IsOwn() const {
     return fd_ >= 0 && S_ISDIR(status_.st_mode) && status_.st_uid == ::geteuid() &&
            (status_.st_mode & (S_IWGRP | S_IWOTH)) == 0;
   }
 
   /// Calls `action` with the name of each entry.
   template <typename Action>
-  void for_each(Action action) const {
+  void ForEach(Action action) const {
     const int again = ::openat(fd_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     DIR* const entries = again >= 0 ? ::fdopendir(again) : nullptr;
     if (entries == nullptr) {
@@ -83,14 +83,14 @@ bool IsOfThisCache(const char* name) {
 
 void RemoveIfForgotten(const OpenFolder& levels, const char* name) {
   const OpenFolder level(levels.fd(), name);
-  if (!level.is_own() || level.changed() > std::time(nullptr) - kMonth) return;
+  if (!level.IsOwn() || level.changed() > std::time(nullptr) - kMonth) return;
   bool all_ours = true;
-  level.for_each([&](const char* file) {
+  level.ForEach([&](const char* file) {
     const bool self = std::strcmp(file, ".") == 0 || std::strcmp(file, "..") == 0;
     all_ours = all_ours && (self || IsOfThisCache(file));
   });
   if (!all_ours) return;
-  level.for_each([&](const char* file) {
+  level.ForEach([&](const char* file) {
     if (IsOfThisCache(file)) ::unlinkat(level.fd(), file, 0);
   });
   ::unlinkat(levels.fd(), name, AT_REMOVEDIR);
@@ -120,14 +120,14 @@ LevelName CurrentLevel() {
 void KeepLevels(const char* directory, const LevelName& current) {
   if (current.text[0] == '\0' || !IsNews(current)) return;
   const OpenFolder levels(AT_FDCWD, directory);
-  if (!levels.is_own()) return;
+  if (!levels.IsOwn()) return;
   {
     // A day's grace spares the disk a write at every start.
     const OpenFolder level(levels.fd(), current.text);
-    const bool stale = level.is_own() && level.changed() < std::time(nullptr) - kDay;
+    const bool stale = level.IsOwn() && level.changed() < std::time(nullptr) - kDay;
     if (stale) ::futimens(level.fd(), nullptr);
   }
-  levels.for_each([&](const char* name) {
+  levels.ForEach([&](const char* name) {
     const bool other = std::strcmp(name, current.text) != 0;
     if (other && IsLevel(name)) RemoveIfForgotten(levels, name);
   });

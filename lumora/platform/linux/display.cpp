@@ -26,14 +26,14 @@ struct Displays {
   EGLDisplay chosen = EGL_NO_DISPLAY;
   const char* origin = "none";
 
-  Display* find(EGLDisplay handle) {
+  Display* Find(EGLDisplay handle) {
     for (Display& display : known) {
       if (display.handle == handle) return &display;
     }
     return nullptr;
   }
-  Display& entry(EGLDisplay handle) {
-    if (Display* const display = find(handle)) return *display;
+  Display& Entry(EGLDisplay handle) {
+    if (Display* const display = Find(handle)) return *display;
     known.push_back({handle, 0, false, false});
     return known.back();
   }
@@ -74,7 +74,7 @@ bool OffersPbuffers(EGLDisplay handle) {
 // follows; another one is left as it was found.
 bool Works(Displays& displays, EGLDisplay handle) {
   if (handle == EGL_NO_DISPLAY) return false;
-  Display& display = displays.entry(handle);
+  Display& display = displays.Entry(handle);
   if (Start(display, nullptr, nullptr) != EGL_TRUE) return false;
   if (OffersPbuffers(handle)) return true;
   if (display.references == 0) Stop(display);
@@ -183,7 +183,7 @@ EGLBoolean Initialize(EGLDisplay display, EGLint* major, EGLint* minor) {
   const std::lock_guard<std::mutex> guard(displays.mutex);
   if (display == EGL_NO_DISPLAY) return eglInitialize(display, major, minor);
   return UnlessOutOfMemory<EGLBoolean>(EGL_FALSE, [&] {
-    Display& entry = displays.entry(display);
+    Display& entry = displays.Entry(display);
     const EGLBoolean started = Start(entry, major, minor);
     if (started == EGL_TRUE) {
       ++entry.references;
@@ -208,7 +208,7 @@ EGLBoolean Terminate(EGLDisplay display) {
   Displays& displays = TheDisplays();
   const std::lock_guard<std::mutex> guard(displays.mutex);
   if (display == EGL_NO_DISPLAY) return eglTerminate(display);
-  Display* const entry = displays.find(display);
+  Display* const entry = displays.Find(display);
   if (entry == nullptr) return EGL_TRUE;
   if (entry->references > 0 && --entry->references > 0) return EGL_TRUE;
   return Stop(*entry);
@@ -217,14 +217,14 @@ EGLBoolean Terminate(EGLDisplay display) {
 void Forget(EGLDisplay display) {
   Displays& displays = TheDisplays();
   const std::lock_guard<std::mutex> guard(displays.mutex);
-  Display* const entry = displays.find(display);
+  Display* const entry = displays.Find(display);
   if (entry != nullptr && entry->references > 0) --entry->references;
 }
 
 void KeepDisplay(EGLDisplay display) {
   Displays& displays = TheDisplays();
   const std::lock_guard<std::mutex> guard(displays.mutex);
-  Display* const entry = displays.find(display);
+  Display* const entry = displays.Find(display);
   if (entry != nullptr && entry->initialised_here) entry->kept = true;
 }
 

@@ -24,7 +24,7 @@ class ImportedDescriptor {
 
   // After GL refused the memory and forgot what it had of it. GL does not tell whether it took the
   // descriptor before; if it did, the number may be another file's by now.
-  void closeIfOurs() const {
+  void CloseIfOurs() const {
     struct stat now {};
     if (!known_ || fstat(descriptor_, &now) != 0) return;
     if (now.st_dev == file_.st_dev && now.st_ino == file_.st_ino) close(descriptor_);
@@ -45,26 +45,26 @@ class ImportedTexture {
       : features_(QueryTransferFeatures()) {
     const ImportedDescriptor imported(descriptor);
     const gl::ExtensionApi& api = gl::Extensions();
-    const PixelRectangle whole = geometry.whole();
+    const PixelRectangle whole = geometry.Whole();
     api.glCreateMemoryObjectsEXT(1, &memory_object_);
     api.glImportMemoryFdEXT(memory_object_, size, GL_HANDLE_TYPE_OPAQUE_FD_EXT, imported.get());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_TILING_EXT, GL_LINEAR_TILING_EXT);
     api.glTexStorageMem2DEXT(GL_TEXTURE_2D, 1, GL_RGBA8_OES, whole.width, whole.height,
                              memory_object_, 0);
-    complete_ = pixel_.name() != 0 && texture_.name() != 0 && makeFramebuffer();
+    complete_ = pixel_.name() != 0 && texture_.name() != 0 && MakeFramebuffer();
     if (complete_) return;
-    deleteMemoryObject();
-    imported.closeIfOurs();
+    DeleteMemoryObject();
+    imported.CloseIfOurs();
     while (glGetError() != GL_NO_ERROR) continue;  // copies take over: nothing failed
   }
   ~ImportedTexture() {
-    if (!texture_.isHere()) return;
+    if (!texture_.IsHere()) return;
     // Mesa's llvmpipe unmaps imported memory with its texture, also under draws that still sample
     // it.
-    if (complete_) waitForGpu();
+    if (complete_) WaitForGpu();
     if (framebuffer_ != 0) glDeleteFramebuffers(1, &framebuffer_);
-    deleteMemoryObject();
+    DeleteMemoryObject();
   }
   ImportedTexture(const ImportedTexture&) = delete;
   ImportedTexture& operator=(const ImportedTexture&) = delete;
@@ -77,20 +77,20 @@ class ImportedTexture {
   // was about. glFinish alone is not enough: Mesa's zink lets it return at once when nothing was
   // told since the last glFlush, though what was flushed is still running. So there is always one
   // command more to wait for.
-  void waitForGpu() const {
+  void WaitForGpu() const {
     CopyPixel(framebuffer_, pixel_.name(), features_);
     glFinish();
   }
 
  private:
-  bool makeFramebuffer() {
+  bool MakeFramebuffer() {
     glGenFramebuffers(1, &framebuffer_);
     if (framebuffer_ == 0) return false;
     AttachColor(framebuffer_, texture_.name(), features_);
     return IsReadable(framebuffer_, features_);
   }
 
-  void deleteMemoryObject() {
+  void DeleteMemoryObject() {
     if (memory_object_ != 0) gl::Extensions().glDeleteMemoryObjectsEXT(1, &memory_object_);
     memory_object_ = 0;
   }
@@ -111,7 +111,7 @@ class MemoryObjectBacking final : public BufferBacking {
 
   ~MemoryObjectBacking() override {
     imported_.reset();
-    device_.release(allocation_);
+    device_.Release(allocation_);
   }
 
   BufferKind kind() const override {
@@ -119,35 +119,40 @@ class MemoryObjectBacking final : public BufferBacking {
   }
   unsigned char* address() const override { return allocation_.address; }
 
-  EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes) override {
+  EGLImageKHR CreateImage(EGLDisplay display, const EGLint* attributes) override {
     imported_.reset();
     staged_.reset();
     if (eglGetCurrentContext() == EGL_NO_CONTEXT) return EGL_NO_IMAGE_KHR;
-    const EGLImageKHR image = importImage(display, attributes);
+    const EGLImageKHR image = ImportImage(display, attributes);
     if (image != EGL_NO_IMAGE_KHR) return image;
     imported_.reset();
     staged_.emplace(address(), geometry_);
-    return staged_->createImage(display, attributes);
+    return staged_->CreateImage(display, attributes);
   }
 
-  bool publish(const PixelRectangle& part) override { return !staged_ || staged_->upload(part); }
-
-  bool beginAccess() override { return staged_ || finish(); }
-
-  bool fetch(const PixelRectangle& part) override {
-    return staged_ ? staged_->readBack(part) : finish();
+  bool Reachable() override {
+    if (staged_) return staged_->Reachable();
+    return !imported_ || imported_->texture().IsContextCurrent();
   }
 
-  bool publishFrom(const CpuImage& image, const PixelRectangle& part) override {
-    if (staged_) return staged_->uploadFrom(image, part);
-    if (!imported_ || !finish()) return false;
+  bool BeginAccess() override { return staged_ || Finish(); }
+
+  bool Publish(const PixelRectangle& part) override { return !staged_ || staged_->Publish(part); }
+
+  bool Fetch(const PixelRectangle& part) override {
+    return staged_ ? staged_->Fetch(part) : Finish();
+  }
+
+  bool PublishFrom(const CpuImage& image, const PixelRectangle& part) override {
+    if (staged_) return staged_->PublishFrom(image, part);
+    if (!imported_ || !Finish()) return false;
     CopyPart(image, own(), part);
     return true;
   }
 
-  bool fetchInto(const CpuImage& image, const PixelRectangle& part) override {
-    if (staged_) return staged_->readBackInto(image, part);
-    if (!imported_ || !finish()) return false;
+  bool FetchInto(const CpuImage& image, const PixelRectangle& part) override {
+    if (staged_) return staged_->FetchInto(image, part);
+    if (!imported_ || !Finish()) return false;
     CopyPart(own(), image, part);
     return true;
   }
@@ -155,16 +160,16 @@ class MemoryObjectBacking final : public BufferBacking {
  private:
   CpuImage own() const { return {address(), static_cast<int>(geometry_.stride)}; }
 
-  bool finish() {
+  bool Finish() {
     if (!imported_) return true;
-    if (!imported_->texture().contextIsCurrent()) return false;
-    imported_->waitForGpu();
+    if (!imported_->texture().IsContextCurrent()) return false;
+    imported_->WaitForGpu();
     return true;
   }
 
-  EGLImageKHR importImage(EGLDisplay display, const EGLint* attributes) {
+  EGLImageKHR ImportImage(EGLDisplay display, const EGLint* attributes) {
     if (CurrentMemoryDevice() != &device_ || !FitsTexture(geometry_)) return EGL_NO_IMAGE_KHR;
-    const int descriptor = device_.exportDescriptor(allocation_);
+    const int descriptor = device_.ExportDescriptor(allocation_);
     if (descriptor < 0) return EGL_NO_IMAGE_KHR;
     const TextureBindingScope binding;
     imported_.emplace(descriptor, allocation_.size, geometry_);
@@ -195,12 +200,12 @@ const VulkanMemory* CurrentMemoryDevice() {
 
 std::unique_ptr<BufferBacking> MakeMemoryObjectBacking(const VulkanMemory& device,
                                                        const BufferGeometry& geometry) {
-  const std::optional<VulkanAllocation> allocation = device.allocate(geometry);
+  const std::optional<VulkanAllocation> allocation = device.Allocate(geometry);
   if (!allocation) return nullptr;
   try {
     return std::make_unique<MemoryObjectBacking>(device, *allocation, geometry);
   } catch (const std::bad_alloc&) {
-    device.release(*allocation);
+    device.Release(*allocation);
     throw;
   }
 }

@@ -31,7 +31,7 @@ class RehearsedImage {
     constexpr std::array<EGLint, 3> kAttributes = {EGL_IMAGE_PRESERVED_KHR, EGL_TRUE, EGL_NONE};
     if (backing_ == nullptr) return;
     const EGLDisplay display = eglGetCurrentDisplay();
-    const EGLImageKHR image = backing_->createImage(display, kAttributes.data());
+    const EGLImageKHR image = backing_->CreateImage(display, kAttributes.data());
     if (image == EGL_NO_IMAGE_KHR) return;
     glGenTextures(1, &texture_);
     glBindTexture(GL_TEXTURE_2D, texture_);
@@ -55,25 +55,25 @@ class RehearsedImage {
   GLuint framebuffer() const { return framebuffer_; }
 
   // The CPU's side, through what the engine's images use.
-  bool write(const std::vector<Pixel>& picture) {
-    if (!backing_->beginAccess()) return false;
+  bool Write(const std::vector<Pixel>& picture) {
+    if (!backing_->BeginAccess()) return false;
     std::memcpy(backing_->address(), picture.data(), picture.size() * kPixelBytes);
-    return backing_->publish(geometry_.whole());
+    return backing_->Publish(geometry_.Whole());
   }
-  bool writeFrom(std::vector<Pixel>& picture) {
-    return backing_->publishFrom(rows(picture), geometry_.whole());
+  bool WriteFrom(std::vector<Pixel>& picture) {
+    return backing_->PublishFrom(Rows(picture), geometry_.Whole());
   }
-  bool holds(const std::vector<Pixel>& picture) {
-    return backing_->fetch(geometry_.whole()) &&
+  bool Holds(const std::vector<Pixel>& picture) {
+    return backing_->Fetch(geometry_.Whole()) &&
            std::memcmp(backing_->address(), picture.data(), picture.size() * kPixelBytes) == 0;
   }
-  bool readsInto(const std::vector<Pixel>& picture) {
+  bool ReadsInto(const std::vector<Pixel>& picture) {
     std::vector<Pixel> read(picture.size());
-    return backing_->fetchInto(rows(read), geometry_.whole()) && read == picture;
+    return backing_->FetchInto(Rows(read), geometry_.Whole()) && read == picture;
   }
 
  private:
-  CpuImage rows(std::vector<Pixel>& picture) const {
+  CpuImage Rows(std::vector<Pixel>& picture) const {
     return {reinterpret_cast<unsigned char*>(picture.data()), static_cast<int>(geometry_.stride)};
   }
 
@@ -167,27 +167,27 @@ bool RehearseFrames(const VulkanMemory& device, const BufferGeometry& geometry) 
   RehearsedImage work(device, geometry);
   RehearsedImage packed(device, geometry);
   if (!frame.complete() || !work.complete() || !packed.complete()) return false;
-  const PixelRectangle whole = geometry.whole();
+  const PixelRectangle whole = geometry.Whole();
   const PixelRectangle drawn{whole.width / 4, whole.height / 4, whole.width / 2, whole.height / 2};
   const PixelRectangle shown{whole.width / 3, 1, whole.width / 3, whole.height - 2};
   glViewport(0, 0, whole.width, whole.height);
 
   std::vector<Pixel> picture = Picture(geometry, 1);
-  if (!frame.write(picture)) return false;
+  if (!frame.Write(picture)) return false;
   for (Pixel number = 1; number <= kFrames; ++number) {
     std::vector<Pixel> planes = Picture(geometry, 100 + number);
-    if (!packed.writeFrom(planes)) return false;
+    if (!packed.WriteFrom(planes)) return false;
     CopyOnGpu(frame, work, whole);
     for (int i = 0; i < kDraws; ++i) DrawOnGpu(frame, work, drawn);
     DrawOnGpu(work, packed, shown);
     glFlush();
     glFinish();
     const std::vector<Pixel> next = Picture(geometry, 1 + number);
-    if (!frame.write(next)) return false;  // not before the draws have read the last one
+    if (!frame.Write(next)) return false;  // not before the draws have read the last one
     std::vector<Pixel> expected = picture;
     Draw(picture, expected, drawn, geometry);
     Draw(expected, planes, shown, geometry);
-    if (!packed.readsInto(planes) || !work.holds(expected)) return false;
+    if (!packed.ReadsInto(planes) || !work.Holds(expected)) return false;
     picture = next;
   }
   return true;

@@ -44,15 +44,15 @@ OwnedTexture::OwnedTexture() : context_(eglGetCurrentContext()), serial_(++g_las
 }
 
 OwnedTexture::~OwnedTexture() {
-  if (isHere()) glDeleteTextures(1, &name_);
+  if (IsHere()) glDeleteTextures(1, &name_);
 }
 
-bool OwnedTexture::contextIsCurrent() const {
+bool OwnedTexture::IsContextCurrent() const {
   return context_ != EGL_NO_CONTEXT && eglGetCurrentContext() == context_;
 }
 
-bool OwnedTexture::isHere() const {
-  if (!contextIsCurrent() || glIsTexture(name_) != GL_TRUE) return false;
+bool OwnedTexture::IsHere() const {
+  if (!IsContextCurrent() || glIsTexture(name_) != GL_TRUE) return false;
   if (!HasLabels()) return true;
   Label found{};
   gl::Extensions().glGetObjectLabelKHR(GL_TEXTURE, name_, static_cast<GLsizei>(found.size()),

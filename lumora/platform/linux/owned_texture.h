@@ -36,10 +36,10 @@ class OwnedTexture {
   GLuint name() const { return name_; }
 
   /// Whether the handle of the texture's context is current: enough while the context is alive.
-  bool contextIsCurrent() const;
+  bool IsContextCurrent() const;
 
   /// Whether the texture itself is there, so that names made with it may be deleted.
-  bool isHere() const;
+  bool IsHere() const;
 
  private:
   EGLContext context_;

@@ -32,20 +32,21 @@ class StagedBacking final : public BufferBacking {
   BufferKind kind() const override { return BufferKind::Staged; }
   unsigned char* address() const override { return memory_.get(); }
 
-  EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes) override {
+  EGLImageKHR CreateImage(EGLDisplay display, const EGLint* attributes) override {
     if (eglGetCurrentContext() == EGL_NO_CONTEXT) return EGL_NO_IMAGE_KHR;
     texture_.emplace(address(), geometry_);
-    return texture_->createImage(display, attributes);
+    return texture_->CreateImage(display, attributes);
   }
 
-  bool beginAccess() override { return true; }  // GL has its own copy of what it uses
-  bool publish(const PixelRectangle& part) override { return !texture_ || texture_->upload(part); }
-  bool fetch(const PixelRectangle& part) override { return !texture_ || texture_->readBack(part); }
-  bool publishFrom(const CpuImage& image, const PixelRectangle& part) override {
-    return texture_ && texture_->uploadFrom(image, part);
+  bool Reachable() override { return !texture_ || texture_->Reachable(); }
+  bool BeginAccess() override { return true; }  // GL has its own copy of what it uses
+  bool Publish(const PixelRectangle& part) override { return !texture_ || texture_->Publish(part); }
+  bool Fetch(const PixelRectangle& part) override { return !texture_ || texture_->Fetch(part); }
+  bool PublishFrom(const CpuImage& image, const PixelRectangle& part) override {
+    return texture_ && texture_->PublishFrom(image, part);
   }
-  bool fetchInto(const CpuImage& image, const PixelRectangle& part) override {
-    return texture_ && texture_->readBackInto(image, part);
+  bool FetchInto(const CpuImage& image, const PixelRectangle& part) override {
+    return texture_ && texture_->FetchInto(image, part);
   }
 
  private:
@@ -63,18 +64,18 @@ StagedTexture::StagedTexture(unsigned char* pixels, const BufferGeometry& geomet
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);  // one level is complete
   // A texture without storage makes the EGL image fail with a reason of EGL's own.
   if (!FitsTexture(geometry)) return;
-  const PixelRectangle whole = geometry.whole();
+  const PixelRectangle whole = geometry.Whole();
   AllocatePixels(whole.width, whole.height, features_);
   Upload(texture_->name(), image_, whole, features_);
 }
 
 StagedTexture::~StagedTexture() {
-  if (framebuffer_ != 0 && texture_->isHere()) glDeleteFramebuffers(1, &framebuffer_);
+  if (framebuffer_ != 0 && texture_->IsHere()) glDeleteFramebuffers(1, &framebuffer_);
 }
 
-EGLImageKHR StagedTexture::createImage(EGLDisplay display, const EGLint* attributes) {
+EGLImageKHR StagedTexture::CreateImage(EGLDisplay display, const EGLint* attributes) {
   EGLImageKHR image = CreateTextureImage(display, texture_->name(), attributes);
-  if (image != EGL_NO_IMAGE_KHR && !makeFramebuffer()) {
+  if (image != EGL_NO_IMAGE_KHR && !MakeFramebuffer()) {
     gl::Extensions().eglDestroyImageKHR(display, image);
     image = EGL_NO_IMAGE_KHR;
   }
@@ -82,7 +83,7 @@ EGLImageKHR StagedTexture::createImage(EGLDisplay display, const EGLint* attribu
   return image;
 }
 
-bool StagedTexture::makeFramebuffer() {
+bool StagedTexture::MakeFramebuffer() {
   if (framebuffer_ != 0) return true;
   glGenFramebuffers(1, &framebuffer_);
   if (framebuffer_ == 0) return false;
@@ -90,22 +91,26 @@ bool StagedTexture::makeFramebuffer() {
   return true;
 }
 
-bool StagedTexture::upload(const PixelRectangle& part) {
-  return !shown_ || uploadFrom(image_, part);
+bool StagedTexture::Reachable() const {
+  return !shown_ || texture_->IsContextCurrent();
 }
 
-bool StagedTexture::readBack(const PixelRectangle& part) {
-  return !shown_ || readBackInto(image_, part);
+bool StagedTexture::Publish(const PixelRectangle& part) {
+  return !shown_ || PublishFrom(image_, part);
 }
 
-bool StagedTexture::uploadFrom(const CpuImage& image, const PixelRectangle& part) {
-  if (!shown_ || !texture_->contextIsCurrent()) return false;
+bool StagedTexture::Fetch(const PixelRectangle& part) {
+  return !shown_ || FetchInto(image_, part);
+}
+
+bool StagedTexture::PublishFrom(const CpuImage& image, const PixelRectangle& part) {
+  if (!shown_ || !texture_->IsContextCurrent()) return false;
   Upload(texture_->name(), image, part, features_);
   return true;
 }
 
-bool StagedTexture::readBackInto(const CpuImage& image, const PixelRectangle& part) {
-  if (!shown_ || !texture_->contextIsCurrent()) return false;
+bool StagedTexture::FetchInto(const CpuImage& image, const PixelRectangle& part) {
+  if (!shown_ || !texture_->IsContextCurrent()) return false;
   ReadBack(framebuffer_, image, part, features_);
   return true;
 }

@@ -25,17 +25,19 @@ class StagedTexture {
   StagedTexture(const StagedTexture&) = delete;
   StagedTexture& operator=(const StagedTexture&) = delete;
 
-  /// As BufferBacking's. Without an image there is nothing to copy, and copies succeed.
-  EGLImageKHR createImage(EGLDisplay display, const EGLint* attributes);
+  /// All as BufferBacking's. Without an image there is nothing to copy, and the first two copies
+  /// succeed.
+  EGLImageKHR CreateImage(EGLDisplay display, const EGLint* attributes);
 
-  bool upload(const PixelRectangle& part);
-  bool readBack(const PixelRectangle& part);
-  bool uploadFrom(const CpuImage& image, const PixelRectangle& part);
-  bool readBackInto(const CpuImage& image, const PixelRectangle& part);
+  bool Reachable() const;
+  bool Publish(const PixelRectangle& part);
+  bool Fetch(const PixelRectangle& part);
+  bool PublishFrom(const CpuImage& image, const PixelRectangle& part);
+  bool FetchInto(const CpuImage& image, const PixelRectangle& part);
 
  private:
   // Made with the image: a read-back has no way to tell that it could not be.
-  bool makeFramebuffer();
+  bool MakeFramebuffer();
 
   const CpuImage image_;
   TransferFeatures features_;

@@ -45,13 +45,13 @@ const VulkanMemory* VulkanMemory::Find(const DeviceIdentity& identity) {
   return UnlessOutOfMemory<const VulkanMemory*>(nullptr, [&] {
     known.reserve(known.size() + 1);  // before anything is opened
     std::unique_ptr<VulkanMemory> device(new VulkanMemory);
-    if (!device->open(identity)) device.reset();
+    if (!device->Open(identity)) device.reset();
     known.push_back({identity, device.get()});
     return device.release();
   });
 }
 
-bool VulkanMemory::open(const DeviceIdentity& identity) {
+bool VulkanMemory::Open(const DeviceIdentity& identity) {
   const std::optional<OpenedVulkanDevice> opened = OpenVulkanDevice(identity);
   if (!opened) return false;
   device_ = opened->device;
@@ -73,10 +73,10 @@ bool VulkanMemory::open(const DeviceIdentity& identity) {
   return complete;
 }
 
-std::optional<VulkanAllocation> VulkanMemory::allocate(const BufferGeometry& geometry) const {
-  const std::optional<VkMemoryRequirements> needed = requirements(geometry);
+std::optional<VulkanAllocation> VulkanMemory::Allocate(const BufferGeometry& geometry) const {
+  const std::optional<VkMemoryRequirements> needed = Requirements(geometry);
   if (!needed) return std::nullopt;
-  const std::optional<uint32_t> type = memoryType(needed->memoryTypeBits);
+  const std::optional<uint32_t> type = MemoryType(needed->memoryTypeBits);
   if (!type) return std::nullopt;
 
   VkExportMemoryAllocateInfo exported{};
@@ -98,17 +98,17 @@ std::optional<VulkanAllocation> VulkanMemory::allocate(const BufferGeometry& geo
     return std::nullopt;
   }
   allocation.address = static_cast<unsigned char*>(address);
-  const int descriptor = exportDescriptor(allocation);
+  const int descriptor = ExportDescriptor(allocation);
   ZeroFreshMemory(allocation.address, allocation.size, descriptor);
   if (descriptor >= 0) close(descriptor);
   return allocation;
 }
 
-void VulkanMemory::release(const VulkanAllocation& allocation) const {
+void VulkanMemory::Release(const VulkanAllocation& allocation) const {
   call_.FreeMemory(device_, allocation.memory, nullptr);  // unmaps as well
 }
 
-int VulkanMemory::exportDescriptor(const VulkanAllocation& allocation) const {
+int VulkanMemory::ExportDescriptor(const VulkanAllocation& allocation) const {
   VkMemoryGetFdInfoKHR info{};
   info.sType = VK_STRUCTURE_TYPE_MEMORY_GET_FD_INFO_KHR;
   info.memory = allocation.memory;
@@ -118,7 +118,7 @@ int VulkanMemory::exportDescriptor(const VulkanAllocation& allocation) const {
 }
 
 // What memory an image of this size needs; nothing when its rows do not lie as the geometry says.
-std::optional<VkMemoryRequirements> VulkanMemory::requirements(
+std::optional<VkMemoryRequirements> VulkanMemory::Requirements(
     const BufferGeometry& geometry) const {
   if (geometry.width == 0 || geometry.height == 0) return std::nullopt;
   VkExternalMemoryImageCreateInfo external{};
@@ -133,11 +133,11 @@ std::optional<VkMemoryRequirements> VulkanMemory::requirements(
   call_.GetImageSubresourceLayout(device_, image, &kColor, &layout);
   call_.GetImageMemoryRequirements(device_, image, &needed);
   call_.DestroyImage(device_, image, nullptr);
-  if (layout.offset != 0 || layout.rowPitch != geometry.rowBytes()) return std::nullopt;
+  if (layout.offset != 0 || layout.rowPitch != geometry.RowBytes()) return std::nullopt;
   return needed;
 }
 
-std::optional<uint32_t> VulkanMemory::memoryType(uint32_t allowed) const {
+std::optional<uint32_t> VulkanMemory::MemoryType(uint32_t allowed) const {
   for (uint32_t type = 0; type < types_.memoryTypeCount; ++type) {
     const VkMemoryPropertyFlags offered = types_.memoryTypes[type].propertyFlags;
     if ((allowed & (1u << type)) != 0 && (offered & kWantedMemory) == kWantedMemory) return type;

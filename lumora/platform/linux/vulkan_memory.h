@@ -27,11 +27,11 @@ class VulkanMemory {
 
   /// Zeroed memory that holds an RGBA image with the geometry's size, rows and slack. Nothing where
   /// the device lays out rows in another way, or has no such memory left.
-  std::optional<VulkanAllocation> allocate(const BufferGeometry& geometry) const;
-  void release(const VulkanAllocation& allocation) const;
+  std::optional<VulkanAllocation> Allocate(const BufferGeometry& geometry) const;
+  void Release(const VulkanAllocation& allocation) const;
 
   /// A file descriptor of the memory, owned by the caller; -1 on failure.
-  int exportDescriptor(const VulkanAllocation& allocation) const;
+  int ExportDescriptor(const VulkanAllocation& allocation) const;
 
  private:
   struct Functions {
@@ -46,9 +46,9 @@ class VulkanMemory {
   };
 
   VulkanMemory() = default;
-  bool open(const DeviceIdentity& identity);
-  std::optional<VkMemoryRequirements> requirements(const BufferGeometry& geometry) const;
-  std::optional<uint32_t> memoryType(uint32_t allowed) const;
+  bool Open(const DeviceIdentity& identity);
+  std::optional<VkMemoryRequirements> Requirements(const BufferGeometry& geometry) const;
+  std::optional<uint32_t> MemoryType(uint32_t allowed) const;
 
   VkDevice device_ = VK_NULL_HANDLE;
   VkPhysicalDeviceMemoryProperties types_{};
