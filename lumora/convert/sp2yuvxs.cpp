@@ -123,7 +123,7 @@ Offset ExpandPairs(const Target& target, Source source, int w, int h) {
   const bool apart = std::abs(target.stride) >= row;
   const Offset displacement = groups * kBlockPixels - w;
   const Stores stores =
-      2 * pairs * row * kTexelBytes > kStreamingBytes ? Stores::kStreaming : Stores::kCached;
+      2 * pairs * row * kTexelBytes > kStreamingBytes ? Stores::Streaming : Stores::Cached;
 
   Offset dst_at = 0;
   if (apart && target.edge_groups == 0) {
@@ -137,7 +137,7 @@ Offset ExpandPairs(const Target& target, Source source, int w, int h) {
       dst_at += target.pair_advance;
     }
   }
-  if (stores == Stores::kStreaming) hwy::FlushStream();
+  if (stores == Stores::Streaming) hwy::FlushStream();
   return dst_at;
 }
 

@@ -32,7 +32,7 @@ HWY_INLINE void ExpandVector(D d, const std::uint8_t* HWY_RESTRICT luma,
   const auto y = hn::LoadU(d, luma);
   const auto alpha = hn::Set(d, 0xFF);
 
-  if constexpr (kStores == Stores::kCached) {
+  if constexpr (kStores == Stores::Cached) {
     hn::StoreInterleaved4(y, hn::BitCast(d, c0), hn::BitCast(d, c1), alpha, d, dst);
   } else {
     // There is no streaming form of an interleaving store; the compiler keeps `texels` in
@@ -93,12 +93,12 @@ void ExpandRow(std::uint8_t* dst, const std::uint8_t* luma, const std::uint8_t* 
     const auto pixels = static_cast<std::size_t>(blocks * kBlockPixels);
     const std::size_t vector_bytes = hn::Lanes(Wide());
     const bool aligned = reinterpret_cast<std::uintptr_t>(dst) % vector_bytes == 0;
-    if (stores == Stores::kStreaming && aligned) {
-      ExpandVectors<Stores::kStreaming>(dst, luma, chroma, pixels);
+    if (stores == Stores::Streaming && aligned) {
+      ExpandVectors<Stores::Streaming>(dst, luma, chroma, pixels);
     } else if constexpr (HWY_CAP_GE512) {
       ExpandBlocks(hn::CappedTag<std::uint32_t, kBlockPixels>(), dst, luma, chroma, pixels);
     } else {
-      ExpandVectors<Stores::kCached>(dst, luma, chroma, pixels);
+      ExpandVectors<Stores::Cached>(dst, luma, chroma, pixels);
     }
   }
 }

@@ -10,7 +10,7 @@ namespace lumora {
 // How texels reach memory. Streaming stores go around the cache: better for a destination that
 // would push everything else out of it, worse for one that stays there until it is read. They
 // become visible to other threads only after hwy::FlushStream().
-enum class Stores { kCached, kStreaming };
+enum class Stores { Cached, Streaming };
 
 // Same arguments and same bytes as ExpandRowScalar(). Rows whose address is not a multiple of the
 // vector size are written with cached stores whatever `stores` says.

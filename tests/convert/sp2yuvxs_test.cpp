@@ -300,7 +300,7 @@ TEST_P(Sp2yuvxs, RowsEqualThePlainFormWithEitherKindOfStore) {
   constexpr std::ptrdiff_t kMost = 33;
   const Bytes luma = RandomBytes(lumora::kBlockPixels * kMost + 1, 15);
   const Bytes chroma = RandomBytes(lumora::kBlockPixels * kMost + 1, 16);
-  for (lumora::Stores stores : {lumora::Stores::kCached, lumora::Stores::kStreaming}) {
+  for (lumora::Stores stores : {lumora::Stores::Cached, lumora::Stores::Streaming}) {
     for (std::ptrdiff_t blocks = 0; blocks <= kMost; ++blocks) {
       for (int shift : {0, 1, 16, 32}) {
         alignas(64) std::uint8_t expected[lumora::kBlockBytes * kMost + 64] = {};

@@ -18,7 +18,7 @@ EngineSetup::EngineSetup() {
 }
 
 Status EngineSetup::Preview(int width, int height, bool colour) {
-  const bool fits = state_ == State::kColourPreview || (state_ == State::kPreview && !colour);
+  const bool fits = state_ == State::ColourPreview || (state_ == State::Preview && !colour);
   if (fits && width == width_ && height == height_) return {};
   if (Status status = CheckTextureSize(width, height); !status.ok()) return status;
   Release();
@@ -26,7 +26,7 @@ Status EngineSetup::Preview(int width, int height, bool colour) {
   engine_.Init(width, height, width, height, &stride, colour);
   width_ = width;
   height_ = height;
-  return Keep(colour ? State::kColourPreview : State::kPreview, PreviewFault(colour));
+  return Keep(colour ? State::ColourPreview : State::Preview, PreviewFault(colour));
 }
 
 void EngineSetup::SetPreviewFilters(GLint filter) {
@@ -42,7 +42,7 @@ Status EngineSetup::CaptureBlocks(int width, int height) {
   Release();
   int stride = 0;
   engine_.InitCapture(nullptr, nullptr, width, height, &stride, true);
-  return Keep(State::kBlocks, BlocksFault());
+  return Keep(State::Blocks, BlocksFault());
 }
 
 Status EngineSetup::CapturePlanes(PaddedFrame& frame) {
@@ -59,7 +59,7 @@ Status EngineSetup::CapturePlanes(PaddedFrame& frame) {
   if (slimmer != nullptr && !slimmer->Load()) slimmer.reset();
   delete engine_.m_pProgCheekSlimmer;
   engine_.m_pProgCheekSlimmer = slimmer.release();
-  return Keep(State::kPlanes, planes ? PlanesFault() : kNoMemory);
+  return Keep(State::Planes, planes ? PlanesFault() : kNoMemory);
 }
 
 void EngineSetup::UpdatePlanes(const PaddedFrame& frame, int first_row, int rows) {
@@ -76,12 +76,12 @@ void EngineSetup::UpdatePlanes(const PaddedFrame& frame, int first_row, int rows
 }
 
 void EngineSetup::Release() {
-  if (state_ == State::kPreview || state_ == State::kColourPreview) engine_.DeInit();
-  if (state_ == State::kBlocks || state_ == State::kPlanes) {
+  if (state_ == State::Preview || state_ == State::ColourPreview) engine_.DeInit();
+  if (state_ == State::Blocks || state_ == State::Planes) {
     engine_.DeInitCapture();
     engine_.m_spLargeBuffer.clear();
   }
-  state_ = State::kNone;
+  state_ = State::None;
 }
 
 /// The engine's set-up itself does not tell whether it worked.

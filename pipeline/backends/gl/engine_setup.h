@@ -25,7 +25,7 @@ class EngineSetup {
   /// whitening needs; a set-up that has it serves slimming too.
   Status Preview(int width, int height, bool colour);
   /// Whether the preview set-up that there is has been made with `colour`.
-  bool has_colour() const { return state_ == State::kColourPreview; }
+  bool has_colour() const { return state_ == State::ColourPreview; }
 
   /// Makes all images of the preview set-up be sampled with that filter. The engine's passes leave
   /// some with another one than they found, so that results would depend on the frames before.
@@ -42,7 +42,7 @@ class EngineSetup {
   void Release();
 
  private:
-  enum class State { kNone, kPreview, kColourPreview, kBlocks, kPlanes };
+  enum class State { None, Preview, ColourPreview, Blocks, Planes };
 
   Status Keep(State state, const char* fault);
   const char* PreviewFault(bool colour);
@@ -50,7 +50,7 @@ class EngineSetup {
   const char* PlanesFault();
 
   android::GPUBeautyFace engine_;
-  State state_ = State::kNone;
+  State state_ = State::None;
   int width_ = 0;  // of the preview set-up
   int height_ = 0;
 };

@@ -105,7 +105,7 @@ void DrawEyes(Canvas& canvas, const Person& person) {
 
 void DrawGlasses(Canvas& canvas) {
   constexpr Rgb kFrame = 0x5a2f2a;
-  const cv::Point2d kLensCentre(588, 446);
+  const cv::Point2d lens_centre(588, 446);
   for (const bool mirrored : {false, true}) {
     const auto placed = [mirrored](const Points& p) { return mirrored ? Mirrored(p) : p; };
     const Points lens = Smooth({{512, 410},
@@ -118,7 +118,7 @@ void DrawGlasses(Canvas& canvas) {
                                 {526, 470}});
     Points rim;
     for (const cv::Point2d& point : lens) {
-      rim.push_back(kLensCentre + (point - kLensCentre) * 1.11);
+      rim.push_back(lens_centre + (point - lens_centre) * 1.11);
     }
     const cv::Mat ring = canvas.Mask(placed(rim)) - canvas.Mask(placed(lens));
     canvas.Fill(placed(lens), {0xffffff, 0.12});
