@@ -393,5 +393,20 @@ TEST(Help, IsPrintedOnStandardOutput) {
   EXPECT_EQ(RunLumora({"help", "photo"}).exit_code, 0);
 }
 
+/// The command alone, with nothing beside it.
+TEST(Modules, WithoutTheFaceFinderOnlySearchingFails) {
+  const Folder folder;
+  Environment alone;
+  alone.command = folder / "lumora";
+  std::filesystem::copy_file(LUMORA_COMMAND, alone.command);
+  const std::string in = folder.Put("in.png", PngOf(Landscape(64, 48)));
+  const std::string out = folder / "out.png";
+  ExpectOneLineOfError(RunLumora({"photo", in, "-o", out, "--slim", "50"}, {}, alone), 1,
+                       "cannot search for faces: ");
+  EXPECT_FALSE(std::filesystem::exists(out));
+  EXPECT_EQ(RunLumora({"photo", in, "-o", out, "--slim", "0"}, {}, alone).exit_code, 0);
+  EXPECT_EQ(RunLumora({"--help"}, {}, alone).exit_code, 0);
+}
+
 }  // namespace
 }  // namespace lumora::test

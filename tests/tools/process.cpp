@@ -132,7 +132,7 @@ bool TerminalsExist() {
 Result RunLumora(const std::vector<std::string>& arguments, const std::string& input,
                  const Environment& environment) {
   std::vector<std::string> words = arguments;
-  words.insert(words.begin(), LUMORA_COMMAND);
+  words.insert(words.begin(), environment.command);
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);

@@ -20,6 +20,7 @@ struct Environment {
   bool terminal = false;       ///< standard error is a terminal; see TerminalsExist
   bool no_proc = false;        ///< nothing is mounted on /proc; see ProcCanBeHidden
   uint64_t address_space = 0;  ///< bytes; 0 is no limit. Sanitizers need more than there is
+  std::string command = LUMORA_COMMAND;
 };
 
 /// Whether this system gives pseudo-terminals; some containers have none.

@@ -53,7 +53,7 @@ class Doctor {
       std::optional<Engine> engine(std::in_place);
       const DeviceInfo device = engine->pipeline().Device();
       CheckDevice(device);
-      CheckClassifiers();
+      CheckFaceFinder();
       const SelfTest slimming = TestSlimming(*engine);
       const SelfTest whitening = TestWhitening(*engine);
       CheckRender("test slimming", slimming);
@@ -106,7 +106,12 @@ class Doctor {
     }
   }
 
-  void CheckClassifiers() {
+  void CheckFaceFinder() {
+    try {
+      Tell("face finder", true, LoadFaceFinder());
+    } catch (const Failure& failure) {
+      Tell("face finder", false, failure.what());
+    }
     const std::string folder = CascadeFolder();
     Tell("face classifiers", !folder.empty(),
          folder.empty() ? "not found; install the package opencv-data" : folder);

@@ -1,4 +1,5 @@
-// Faces in a picture, found with the cascade classifiers that come with OpenCV.
+// Faces in a picture. The search is in a module, since the libraries that it takes are many and
+// large, and most calls of the command do not search.
 #ifndef LUMORA_TOOLS_FACES_FACE_FINDER_H_
 #define LUMORA_TOOLS_FACES_FACE_FINDER_H_
 
@@ -7,28 +8,15 @@
 #include <string>
 #include <vector>
 
-#include "lumora/pipeline/face.h"
+#include "tools/lumora/faces/face_search.h"
 
 namespace lumora::tools {
-
-enum class FoundBy { Eyes, Box, File };
-
-/// "eyes", "box" or "file".
-const char* NameOf(FoundBy found_by);
-
-struct FoundFace {
-  Face face;
-  FoundBy found_by = FoundBy::Box;
-};
 
 /// Finds the faces that look at the camera.
 class FaceFinder {
  public:
-  /// Loads the classifiers. Throws Failure (Failed) when they are not installed.
+  /// Loads the module and its classifiers. Throws Failure (Failed) when they are not installed.
   FaceFinder();
-  ~FaceFinder();
-  FaceFinder(const FaceFinder&) = delete;
-  FaceFinder& operator=(const FaceFinder&) = delete;
 
   /// The faces of an 8-bit picture (gray or BGR) of any size, largest first. A face is first sought
   /// as a whole, then the eyes inside of it; where these are not found the usual places in the box
@@ -36,9 +24,11 @@ class FaceFinder {
   std::vector<FoundFace> Find(const cv::Mat& picture);
 
  private:
-  class Search;
-  std::unique_ptr<Search> search_;
+  std::unique_ptr<FaceSearch> search_;
 };
+
+/// Where the module lies. Throws Failure (Failed) when it is missing or cannot be loaded.
+std::string LoadFaceFinder();
 
 /// The folder with the classifiers; empty when there is none.
 std::string CascadeFolder();

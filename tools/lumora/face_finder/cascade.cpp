@@ -1,7 +1,8 @@
-#include "tools/lumora/faces/cascade.h"
+#include "tools/lumora/face_finder/cascade.h"
+
+#include <new>
 
 #include "tools/lumora/support/failure.h"
-#include "tools/lumora/support/memory.h"
 
 namespace lumora::tools {
 
@@ -10,9 +11,9 @@ cv::CascadeClassifier LoadCascade(const std::string& folder, const char* file) {
   bool loaded = false;
   try {
     loaded = !folder.empty() && cascade.load(folder + "/" + file);
-  } catch (const cv::Exception&) {
-    RethrowIfOutOfMemory();
-    // Others are reported below.
+  } catch (const cv::Exception& error) {
+    if (error.code == cv::Error::StsNoMem) throw std::bad_alloc();
+    // The file is damaged, as is told below.
   }
   if (!loaded) {
     throw Failure(ExitCode::Failed, std::string("cannot load the face classifier ") + file +

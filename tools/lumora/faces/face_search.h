@@ -1,0 +1,50 @@
+// What the module face_finder gives the command: the search itself, and the libraries that it
+// takes.
+#ifndef LUMORA_TOOLS_FACES_FACE_SEARCH_H_
+#define LUMORA_TOOLS_FACES_FACE_SEARCH_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "lumora/pipeline/face.h"
+
+namespace lumora::tools {
+
+enum class FoundBy { Eyes, Box, File };
+
+/// "eyes", "box" or "file".
+const char* NameOf(FoundBy found_by);
+
+struct FoundFace {
+  Face face;
+  FoundBy found_by = FoundBy::Box;
+};
+
+/// 8-bit pixels in someone's memory: gray, or blue, green and red.
+struct PixelView {
+  const uint8_t* pixels = nullptr;
+  int width = 0, height = 0;
+  int channels = 1;
+  size_t stride = 0;  ///< bytes from row to row
+};
+
+class FaceSearch {
+ public:
+  virtual ~FaceSearch() = default;
+
+  /// As FaceFinder::Find.
+  virtual std::vector<FoundFace> Find(const PixelView& picture) = 0;
+};
+
+inline constexpr char kFaceFinderModule[] = "face_finder";
+
+/// The module's function of the name kMakeFaceSearch: a new search with the classifiers of that
+/// folder, which is the caller's; none where `version` is not the module's own. Throws Failure
+/// (Failed) when they cannot be loaded.
+using MakeFaceSearch = FaceSearch* (*)(const char* version, const char* cascade_folder);
+inline constexpr char kMakeFaceSearch[] = "LumoraMakeFaceSearch";
+
+}  // namespace lumora::tools
+
+#endif  // LUMORA_TOOLS_FACES_FACE_SEARCH_H_
