@@ -1,8 +1,5 @@
 #include "lumora/gl/cache_file.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -12,9 +9,13 @@
 #include <new>
 
 #include "lumora/gl/cache_folder.h"
+#include "lumora/platform/descriptor.h"
+#include "lumora/platform/regular_file.h"
 
 namespace lumora {
 namespace {
+
+using platform::Descriptor;
 
 size_t ReadUpTo(int fd, void* bytes, size_t size) {
   auto* const data = static_cast<unsigned char*>(bytes);
@@ -45,35 +46,29 @@ struct FileName {
   char text[256] = "";  // no file system knows longer ones
 
   /// "<before><name><after>"; false when that is too long.
-  bool set(const char* before, const char* name, const char* after) {
+  bool Set(const char* before, const char* name, const char* after) {
     const int length = std::snprintf(text, sizeof(text), "%s%s%s", before, name, after);
     return length > 0 && length < static_cast<int>(sizeof(text));
   }
 };
 
-/// Opens a file that only we can have written, and says how long it is. Without blocking: a named
-/// pipe under this name must not stop the start of a camera.
-int OpenOurs(const CacheFolder& folder, const char* name, size_t* size) {
-  const int fd =
-      ::openat(folder.fd(), name, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC);
-  if (fd < 0) return -1;
+/// Opens a file that only we can have written, and says how long it is.
+Descriptor OpenOurs(const CacheFolder& folder, const char* name, size_t* size) {
   struct stat status = {};
-  if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) || !OnlyOurs(status)) {
-    ::close(fd);
-    return -1;
-  }
+  Descriptor file = platform::OpenRegularAt(folder.Get(), name, O_NOFOLLOW, &status);
+  if (!file.IsOpen() || !platform::IsOnlyOurs(status)) return Descriptor();
   *size = static_cast<size_t>(status.st_size);
-  return fd;
+  return file;
 }
 
 void ReadSeal(const CacheFolder& folder, FileBytes* bytes) {
   bytes->seal_size = 0;
   FileName name;
   size_t size = 0;
-  if (!name.set("", folder.name(), kSealSuffix)) return;
+  if (!name.Set("", folder.FileName(), kSealSuffix)) return;
   const Descriptor file(OpenOurs(folder, name.text, &size));
-  if (!file.valid() || size > sizeof(bytes->seal)) return;
-  bytes->seal_size = ReadUpTo(file.get(), bytes->seal, size);
+  if (!file.IsOpen() || size > sizeof(bytes->seal)) return;
+  bytes->seal_size = ReadUpTo(file.Get(), bytes->seal, size);
 }
 
 constexpr int kUniqueCharacters = 6;
@@ -100,81 +95,80 @@ void MakeUnique(char* characters) {
 class HiddenFile {
  public:
   HiddenFile(const CacheFolder& folder, const char* suffix) : folder_(folder) {
-    if (!name_.set("", folder.name(), suffix) || !stem_.set(".", name_.text, ".")) return;
-    RemoveScraps();
-    char unique[kUniqueCharacters + 1] = "";
-    for (int attempt = 0; attempt < 100; ++attempt) {
-      MakeUnique(unique);
-      if (!hidden_.set(stem_.text, unique, "")) return;
-      file_.take(::openat(folder.fd(), hidden_.text,
-                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
-      made_ = file_.valid();
-      if (made_ || errno != EEXIST) return;
-    }
+    named_ = name_.Set("", folder.FileName(), suffix) && stem_.Set(".", name_.text, ".");
   }
   ~HiddenFile() {
-    if (made_) ::unlinkat(folder_.fd(), hidden_.text, 0);
+    if (made_) ::unlinkat(folder_.Get(), hidden_.text, 0);
   }
   HiddenFile(const HiddenFile&) = delete;
   HiddenFile& operator=(const HiddenFile&) = delete;
 
-  bool made() const { return made_; }
+  /// Whether a file of that name was left by a writer of the same file.
+  bool IsScrap(const char* name) const {
+    const size_t stem = std::strlen(stem_.text);
+    return named_ && std::strncmp(name, stem_.text, stem) == 0 &&
+           std::strlen(name) == stem + kUniqueCharacters;
+  }
 
-  bool Write(ByteSpan bytes) const { return WriteAll(file_.get(), bytes); }
+  /// False when there is no such file to write to.
+  bool Make() {
+    char unique[kUniqueCharacters + 1] = "";
+    for (int attempt = 0; named_ && attempt < 100; ++attempt) {
+      MakeUnique(unique);
+      if (!hidden_.Set(stem_.text, unique, "")) return false;
+      file_.Take(::openat(folder_.Get(), hidden_.text,
+                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+      made_ = file_.IsOpen();
+      if (made_ || errno != EEXIST) return made_;
+    }
+    return false;
+  }
+
+  bool Write(ByteSpan bytes) const { return WriteAll(file_.Get(), bytes); }
 
   /// False when the last bytes could not be written.
-  bool Close() { return file_.close(); }
+  bool Close() { return file_.Close(); }
 
   bool TakePlace() {
-    const bool taken = ::renameat(folder_.fd(), hidden_.text, folder_.fd(), name_.text) == 0;
+    const bool taken = ::renameat(folder_.Get(), hidden_.text, folder_.Get(), name_.text) == 0;
     made_ = made_ && !taken;
     return taken;
   }
 
  private:
-  bool IsScrap(const char* name) const {
-    const size_t stem = std::strlen(stem_.text);
-    return std::strncmp(name, stem_.text, stem) == 0 &&
-           std::strlen(name) == stem + kUniqueCharacters;
-  }
-
-  /// Removes what a process left that was killed while it wrote. Nobody takes an hour to write a
-  /// file.
-  void RemoveScraps() const {
-    constexpr time_t kScrapAge = 3600;
-    DIR* const directory = ::opendir(folder_.path()[0] == '\0' ? "." : folder_.path());
-    if (directory == nullptr) return;
-    while (const dirent* const entry = ::readdir(directory)) {
-      struct stat status = {};
-      if (!IsScrap(entry->d_name) ||
-          ::fstatat(folder_.fd(), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        continue;
-      }
-      const bool old = status.st_mtime < std::time(nullptr) - kScrapAge;
-      if (old && S_ISREG(status.st_mode)) ::unlinkat(folder_.fd(), entry->d_name, 0);
-    }
-    ::closedir(directory);
-  }
-
   const CacheFolder& folder_;
   FileName name_, stem_, hidden_;
   Descriptor file_;
+  bool named_ = false;
   bool made_ = false;
 };
+
+/// Removes what processes left that were killed while they wrote either file. Nobody takes an hour
+/// to write one.
+void RemoveScraps(const CacheFolder& folder, const HiddenFile& file, const HiddenFile& seal) {
+  constexpr time_t kScrapAge = 3600;
+  platform::ForEachEntry(folder.Get(), [&](const char* name) {
+    struct stat status = {};
+    if (!file.IsScrap(name) && !seal.IsScrap(name)) return;
+    if (::fstatat(folder.Get(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) return;
+    const bool old = status.st_mtime < std::time(nullptr) - kScrapAge;
+    if (old && S_ISREG(status.st_mode)) ::unlinkat(folder.Get(), name, 0);
+  });
+}
 
 }  // namespace
 
 ReadResult ReadCacheFile(const char* path, size_t min_size, FileBytes* bytes) {
   bytes->seal_size = 0;
   const CacheFolder folder(path);
-  if (!folder.usable()) return ReadResult::CannotOpen;
+  if (!folder.IsUsable()) return ReadResult::CannotOpen;
   size_t size = 0;
-  const Descriptor file(OpenOurs(folder, folder.name(), &size));
-  if (!file.valid()) return ReadResult::CannotOpen;
+  const Descriptor file(OpenOurs(folder, folder.FileName(), &size));
+  if (!file.IsOpen()) return ReadResult::CannotOpen;
   if (size < min_size || size > kMaxCacheFileSize) return ReadResult::BadLength;
   bytes->data.reset(new (std::nothrow) unsigned char[size]);
   if (bytes->data == nullptr) return ReadResult::BadLength;
-  bytes->size = ReadUpTo(file.get(), bytes->data.get(), size);
+  bytes->size = ReadUpTo(file.Get(), bytes->data.get(), size);
   if (bytes->size < min_size) return ReadResult::BadLength;
   ReadSeal(folder, bytes);
   return ReadResult::Ok;
@@ -182,10 +176,11 @@ ReadResult ReadCacheFile(const char* path, size_t min_size, FileBytes* bytes) {
 
 WriteResult WriteCacheFile(const char* path, ByteSpan head, ByteSpan body, ByteSpan seal) {
   const CacheFolder folder(path);
-  if (!folder.usable()) return WriteResult::CannotOpen;
+  if (!folder.IsUsable()) return WriteResult::CannotOpen;
   HiddenFile file(folder, "");
   HiddenFile sealing(folder, kSealSuffix);
-  if (!file.made() || !sealing.made()) return WriteResult::CannotOpen;
+  RemoveScraps(folder, file, sealing);
+  if (!file.Make() || !sealing.Make()) return WriteResult::CannotOpen;
   const bool written = file.Write(head) && file.Write(body) && sealing.Write(seal);
   const bool file_whole = file.Close();
   const bool seal_whole = sealing.Close();

@@ -1,20 +1,23 @@
 #include "lumora/platform/regular_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace lumora::platform {
 
-std::FILE* OpenRegularFile(const char* path) {
+Descriptor OpenRegularAt(int folder, const char* name, int flags, struct stat* status) {
   // Without blocking: opening a named pipe would wait for its writer.
-  const int fd = ::open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (fd < 0) return nullptr;
+  Descriptor file(::openat(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | flags));
+  const bool regular =
+      file.IsOpen() && ::fstat(file.Get(), status) == 0 && S_ISREG(status->st_mode);
+  return regular ? std::move(file) : Descriptor();
+}
+
+std::FILE* OpenRegularFile(const char* path) {
   struct stat status = {};
-  const bool regular = ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
-  std::FILE* const file = regular ? ::fdopen(fd, "rb") : nullptr;
-  if (file == nullptr) ::close(fd);
-  return file;
+  Descriptor file = OpenRegularAt(AT_FDCWD, path, 0, &status);
+  std::FILE* const stream = file.IsOpen() ? ::fdopen(file.Get(), "rb") : nullptr;
+  if (stream != nullptr) file.Release();
+  return stream;
 }
 
 size_t ReadRegularFile(const char* path, void* bytes, size_t size) {

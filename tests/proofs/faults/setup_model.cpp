@@ -161,7 +161,9 @@ struct ProgramModel {
       case Call::CreateShader:
       case Call::CreateProgram:
         return {NotCompiled({}), After::Broken, true};
-      case Call::Open:  // the folder, the file, which is not there anyway, the folder to write to
+      // The folder; the file, which is not there anyway; the folder to write to; the same to look
+      // for what killed writers left.
+      case Call::Open:
       case Call::Stat:  // ... the folder, twice
         return ordinal == (call == Call::Open ? 3 : 2) ? not_saved : GotRound();
       case Call::MakeTemporary:
@@ -192,7 +194,7 @@ struct ProgramModel {
                                     {Call::CreateProgram, 1},
                                     {Call::LinkProgram, 1}};
     if (!uses_cache()) return all;
-    return all + std::map<Call, int>{{Call::Open, 3},          {Call::Stat, 2},
+    return all + std::map<Call, int>{{Call::Open, 4},          {Call::Stat, 2},
                                      {Call::NewArray, 1},      {Call::TakeBinary, 1},
                                      {Call::MakeTemporary, 2}, {Call::MakeDirectory, directories},
                                      {Call::Close, 4},         {Call::Write, 3},
