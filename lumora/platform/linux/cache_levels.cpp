@@ -1,6 +1,5 @@
 #include "lumora/platform/linux/cache_levels.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "lumora/platform/descriptor.h"
 #include "lumora/platform/driver_digest.h"
 #include "lumora/platform/edition.h"
 #include "lumora/platform/gl_api.h"
@@ -23,42 +23,24 @@ constexpr size_t kDigits = 16;
 constexpr time_t kDay = 24 * 3600;
 constexpr time_t kMonth = 30 * kDay;
 
-/// An open directory that closes itself.
+/// A directory that is held open.
 class OpenFolder {
  public:
   OpenFolder(int parent, const char* name)
-      : fd_(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)) {
-    if (fd_ >= 0 && ::fstat(fd_, &status_) != 0) status_.st_mode = 0;
+      : folder_(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)) {
+    if (folder_.IsOpen() && ::fstat(folder_.Get(), &status_) != 0) status_.st_mode = 0;
   }
-  ~OpenFolder() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  OpenFolder(const OpenFolder&) = delete;
-  OpenFolder& operator=(const OpenFolder&) = delete;
 
-  int fd() const { return fd_; }
-  time_t changed() const { return status_.st_mtime; }
+  int Get() const { return folder_.Get(); }
+  time_t Changed() const { return status_.st_mtime; }
   /// Whether it is there and the effective user alone decides what is in it.
   bool IsOwn() const {
-    return fd_ >= 0 && S_ISDIR(status_.st_mode) && status_.st_uid == ::geteuid() &&
-           (status_.st_mode & (S_IWGRP | S_IWOTH)) == 0;
-  }
-
-  /// Calls `action` with the name of each entry.
-  template <typename Action>
-  void ForEach(Action action) const {
-    const int again = ::openat(fd_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* const entries = again >= 0 ? ::fdopendir(again) : nullptr;
-    if (entries == nullptr) {
-      if (again >= 0) ::close(again);
-      return;
-    }
-    while (const dirent* const entry = ::readdir(entries)) action(entry->d_name);
-    ::closedir(entries);
+    return folder_.IsOpen() && S_ISDIR(status_.st_mode) && status_.st_uid == ::geteuid() &&
+           IsOnlyOurs(status_);
   }
 
  private:
-  int fd_;
+  Descriptor folder_;
   struct stat status_ = {};
 };
 
@@ -82,18 +64,18 @@ bool IsOfThisCache(const char* name) {
 }
 
 void RemoveIfForgotten(const OpenFolder& levels, const char* name) {
-  const OpenFolder level(levels.fd(), name);
-  if (!level.IsOwn() || level.changed() > std::time(nullptr) - kMonth) return;
+  const OpenFolder level(levels.Get(), name);
+  if (!level.IsOwn() || level.Changed() > std::time(nullptr) - kMonth) return;
   bool all_ours = true;
-  level.ForEach([&](const char* file) {
+  ForEachEntry(level.Get(), [&](const char* file) {
     const bool self = std::strcmp(file, ".") == 0 || std::strcmp(file, "..") == 0;
     all_ours = all_ours && (self || IsOfThisCache(file));
   });
   if (!all_ours) return;
-  level.ForEach([&](const char* file) {
-    if (IsOfThisCache(file)) ::unlinkat(level.fd(), file, 0);
+  ForEachEntry(level.Get(), [&](const char* file) {
+    if (IsOfThisCache(file)) ::unlinkat(level.Get(), file, 0);
   });
-  ::unlinkat(levels.fd(), name, AT_REMOVEDIR);
+  ::unlinkat(levels.Get(), name, AT_REMOVEDIR);
 }
 
 /// Whether this process asks for the level for the first time since it asked for another.
@@ -123,11 +105,11 @@ void KeepLevels(const char* directory, const LevelName& current) {
   if (!levels.IsOwn()) return;
   {
     // A day's grace spares the disk a write at every start.
-    const OpenFolder level(levels.fd(), current.text);
-    const bool stale = level.IsOwn() && level.changed() < std::time(nullptr) - kDay;
-    if (stale) ::futimens(level.fd(), nullptr);
+    const OpenFolder level(levels.Get(), current.text);
+    const bool stale = level.IsOwn() && level.Changed() < std::time(nullptr) - kDay;
+    if (stale) ::futimens(level.Get(), nullptr);
   }
-  levels.ForEach([&](const char* name) {
+  ForEachEntry(levels.Get(), [&](const char* name) {
     const bool other = std::strcmp(name, current.text) != 0;
     if (other && IsLevel(name)) RemoveIfForgotten(levels, name);
   });
