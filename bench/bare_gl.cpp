@@ -1,7 +1,7 @@
 #include "bench/bare_gl.h"
 
 #include "bench/report.h"
-#include "lumora/gl/offscreen_context.h"
+#include "lumora/platform/offscreen_context.h"
 #include "lumora/programs/shader_texts.h"
 
 namespace lumora::bench {
@@ -29,13 +29,13 @@ GLuint CompileShader(GLenum kind, const char* text) {
 }  // namespace
 
 BareContext::BareContext() {
-  const bool made =
-      CreateOffscreenContext({display_, config_, surface_, context_, referenced_}, Ignore);
+  const bool made = platform::CreateOffscreenContext(
+      {display_, config_, surface_, context_, referenced_}, Ignore);
   Require(made, "no usable display");
 }
 
 BareContext::~BareContext() {
-  DestroyOffscreenContext({display_, config_, surface_, context_, referenced_}, Ignore);
+  platform::DestroyOffscreenContext({display_, config_, surface_, context_, referenced_}, Ignore);
 }
 
 void BareContext::MakeCurrent() const {

@@ -8,10 +8,10 @@
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/display.h"
 #include "lumora/platform/gl_api.h"
+#include "lumora/platform/offscreen_context.h"
 #include "lumora/programs/shader_texts.h"
 
 LUMORA_LOG_TAG("GPUColorConvert");
@@ -20,7 +20,8 @@ namespace android {
 namespace {
 
 /// The EGL members; whether the display is referenced is the converter's secret.
-lumora::OffscreenHandles EglHandles(GPUColorConverter& converter, bool& display_referenced) {
+lumora::platform::OffscreenHandles EglHandles(GPUColorConverter& converter,
+                                              bool& display_referenced) {
   return {converter.m_eglDisplay, converter.m_eglConfig, converter.m_eglSurface,
           converter.m_eglContext, display_referenced};
 }
@@ -73,7 +74,7 @@ GPUColorConverter::GPUColorConverter()
       m_bIsInit(false),
       m_bDisplayReferenced(false) {
   LOGI("GPUColorConverter()+");
-  const bool ready = lumora::CreateOffscreenContext(
+  const bool ready = lumora::platform::CreateOffscreenContext(
       EglHandles(*this, m_bDisplayReferenced),
       [](const char* step) { LOGD("[%s] %s successfully", "GPUColorConverter", step); });
   if (!ready) {
@@ -91,9 +92,9 @@ GPUColorConverter::~GPUColorConverter() {
   LOGI("~GPUColorConverter()+");
   if (!m_bEGLReady) return;
   if (m_bIsInit) DeInit();
-  lumora::DestroyOffscreenContext(EglHandles(*this, m_bDisplayReferenced), [](const char* step) {
-    LOGI("[%s] %s", "~GPUColorConverter", step);
-  });
+  lumora::platform::DestroyOffscreenContext(
+      EglHandles(*this, m_bDisplayReferenced),
+      [](const char* step) { LOGI("[%s] %s", "~GPUColorConverter", step); });
   m_bEGLReady = false;
   LOGI("~GPUColorConverter()-");
 }

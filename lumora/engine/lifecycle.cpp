@@ -7,8 +7,8 @@
 #include "lumora/geometry/frame_sizes.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
-#include "lumora/gl/offscreen_context.h"
 #include "lumora/platform/gl_api.h"
+#include "lumora/platform/offscreen_context.h"
 #include "lumora/platform/settings.h"
 
 LUMORA_LOG_TAG("Lumora");
@@ -52,7 +52,7 @@ void DeletePlaneTexture(GLuint& texture) {
 }
 
 /// The EGL members; whether the display is referenced is the engine's secret.
-lumora::OffscreenHandles EglHandles(GPUBeautyFace& engine, bool& display_referenced) {
+lumora::platform::OffscreenHandles EglHandles(GPUBeautyFace& engine, bool& display_referenced) {
   return {engine.m_eglDisplay, engine.m_eglConfig, engine.m_eglSurface, engine.m_eglContext,
           display_referenced};
 }
@@ -120,7 +120,7 @@ GPUBeautyFace::GPUBeautyFace()
       m_nFaceWhiteCenterY(0),
       m_bDisplayReferenced(false) {
   LOGI("GPUBeautyFace()+");
-  const bool ready = lumora::CreateOffscreenContext(
+  const bool ready = lumora::platform::CreateOffscreenContext(
       EglHandles(*this, m_bDisplayReferenced),
       [](const char* step) { LOGD("[%s] %s successfully", "GPUBeautyFace", step); });
   if (!ready) return;
@@ -131,9 +131,9 @@ GPUBeautyFace::GPUBeautyFace()
 GPUBeautyFace::~GPUBeautyFace() {
   LOGI("~GPUBeautyFace()+");
   if (m_bIsInit) DeInit();
-  lumora::DestroyOffscreenContext(EglHandles(*this, m_bDisplayReferenced), [](const char* step) {
-    LOGI("[%s] %s", "~GPUBeautyFace", step);
-  });
+  lumora::platform::DestroyOffscreenContext(
+      EglHandles(*this, m_bDisplayReferenced),
+      [](const char* step) { LOGI("[%s] %s", "~GPUBeautyFace", step); });
   m_bEGLReady = false;
   LOGI("~GPUBeautyFace()-");
   m_spLargeBuffer.clear();

@@ -16,6 +16,7 @@ set(lumora_platform_sources
   platform/byte_digest.cpp
   platform/driver_digest.cpp
   platform/gl_api.cpp
+  platform/offscreen_context.cpp
   platform/regular_file.cpp
   platform/settings.cpp)
 set(lumora_platform_libraries "")

@@ -223,13 +223,13 @@ TEST_P(BufferState, BuffersThatOutliveTheirContextLeaveTheNextOneAlone) {
       glFinish();  // the image stays newer on the GPU
     }
     first.reset();
-    image.abandonContext(display);
+    image.AbandonContext(display);
 
     const GlContext second;  // its handle may well be that of the first
     ASSERT_TRUE(second.ok());
     std::vector<std::unique_ptr<RenderTarget>> targets;
     for (int i = 0; i < 8; ++i) targets.push_back(std::make_unique<RenderTarget>(4, 4));
-    image.dropBuffer();
+    image.DropBuffer();
     for (const auto& target : targets) {
       EXPECT_EQ(glIsTexture(target->texture()), GL_TRUE);
       EXPECT_EQ(glIsFramebuffer(target->framebuffer()), GL_TRUE);
@@ -241,8 +241,8 @@ TEST_P(BufferState, BuffersThatOutliveTheirContextLeaveTheNextOneAlone) {
 TEST_P(BufferState, BuffersDieOnThreadsWithoutContext) {
   TestImage image(kWidth, kHeight);
   image.upload(PatternImage(1));
-  image.abandonContext(context().display());
-  std::thread([&image] { image.dropBuffer(); }).join();
+  image.AbandonContext(context().display());
+  std::thread([&image] { image.DropBuffer(); }).join();
   EXPECT_TRUE(TakeGlErrors().empty());
 }
 

@@ -94,7 +94,7 @@ Image TestImage::read() {
   return picture;
 }
 
-void TestImage::abandonContext(EGLDisplay display) {
+void TestImage::AbandonContext(EGLDisplay display) {
   gl::Extensions().eglDestroyImageKHR(display, image_);
   texture_ = 0;
 }

@@ -35,9 +35,9 @@ class TestImage {
   reference::Image read();
 
   /// Ends the EGL image and forgets texture and framebuffer, as when their context has gone.
-  void abandonContext(EGLDisplay display);
+  void AbandonContext(EGLDisplay display);
   /// The buffer's last reference goes.
-  void dropBuffer() { buffer_.clear(); }
+  void DropBuffer() { buffer_.clear(); }
 
  private:
   const int width_;

@@ -11,6 +11,7 @@ list(APPEND lumora_platform_sources
   platform/linux/memory_object_rehearsal.cpp
   platform/linux/owned_texture.cpp
   platform/linux/paths.cpp
+  platform/linux/pbuffer_config.cpp
   platform/linux/pixel_transfer.cpp
   platform/linux/property.cpp
   platform/linux/staged.cpp

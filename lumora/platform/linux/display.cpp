@@ -6,6 +6,7 @@
 
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/immortal.h"
+#include "lumora/platform/linux/pbuffer_config.h"
 #include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
@@ -62,21 +63,14 @@ EGLBoolean Stop(Display& display) {
   return eglTerminate(display.handle);
 }
 
-bool OffersPbuffers(EGLDisplay handle) {
-  constexpr std::array<EGLint, 5> kAttributes = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT,
-                                                 EGL_RENDERABLE_TYPE, EGL_OPENGL_ES2_BIT, EGL_NONE};
-  EGLConfig config = nullptr;
-  EGLint count = 0;
-  return eglChooseConfig(handle, kAttributes.data(), &config, 1, &count) == EGL_TRUE && count > 0;
-}
-
 // Whether the display can be used. A usable one is left initialised for the Initialize that
 // follows; another one is left as it was found.
 bool Works(Displays& displays, EGLDisplay handle) {
   if (handle == EGL_NO_DISPLAY) return false;
   Display& display = displays.Entry(handle);
   if (Start(display, nullptr, nullptr) != EGL_TRUE) return false;
-  if (OffersPbuffers(handle)) return true;
+  EGLConfig config = nullptr;
+  if (ChoosePbufferConfig(handle, &config)) return true;
   if (display.references == 0) Stop(display);
   return false;
 }

@@ -1,6 +1,5 @@
 #include "lumora/platform/linux/memory_object_proof.h"
 
-#include <array>
 #include <mutex>
 #include <vector>
 
@@ -8,6 +7,8 @@
 #include "lumora/platform/immortal.h"
 #include "lumora/platform/linux/memory_object.h"
 #include "lumora/platform/linux/memory_object_rehearsal.h"
+#include "lumora/platform/linux/pbuffer_config.h"
+#include "lumora/platform/offscreen_context.h"
 #include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
@@ -16,24 +17,12 @@ namespace {
 // A context of its own on the current display, current for the life of the object.
 class PrivateContext {
  public:
-  PrivateContext() {
-    constexpr std::array<EGLint, 5> kConfig = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT,
-                                               EGL_RENDERABLE_TYPE, EGL_OPENGL_ES2_BIT, EGL_NONE};
-    constexpr std::array<EGLint, 3> kVersion = {EGL_CONTEXT_CLIENT_VERSION, 2, EGL_NONE};
-    constexpr std::array<EGLint, 5> kSize = {EGL_WIDTH, 1, EGL_HEIGHT, 1, EGL_NONE};
-    EGLConfig config = nullptr;
-    EGLint count = 0;
-    if (eglChooseConfig(display_, kConfig.data(), &config, 1, &count) != EGL_TRUE || count == 0) {
-      return;
-    }
-    surface_ = eglCreatePbufferSurface(display_, config, kSize.data());
-    context_ = eglCreateContext(display_, config, EGL_NO_CONTEXT, kVersion.data());
-    current_ = eglMakeCurrent(display_, surface_, surface_, context_) == EGL_TRUE;
+  PrivateContext()
+      : current_(ChoosePbufferConfig(display_, &config_) && MakeContextCurrent(Handles(), Ignore)) {
   }
   ~PrivateContext() {
     if (current_) eglMakeCurrent(display_, former_draw_, former_read_, former_context_);
-    if (context_ != EGL_NO_CONTEXT) eglDestroyContext(display_, context_);
-    if (surface_ != EGL_NO_SURFACE) eglDestroySurface(display_, surface_);
+    DestroyContext(Handles(), Ignore);
   }
   PrivateContext(const PrivateContext&) = delete;
   PrivateContext& operator=(const PrivateContext&) = delete;
@@ -41,13 +30,18 @@ class PrivateContext {
   bool current() const { return current_; }
 
  private:
-  const EGLDisplay display_ = eglGetCurrentDisplay();
+  static void Ignore(const char*) {}
+  OffscreenHandles Handles() { return {display_, config_, surface_, context_, referenced_}; }
+
   const EGLContext former_context_ = eglGetCurrentContext();
   const EGLSurface former_draw_ = eglGetCurrentSurface(EGL_DRAW);
   const EGLSurface former_read_ = eglGetCurrentSurface(EGL_READ);
+  EGLDisplay display_ = eglGetCurrentDisplay();
+  EGLConfig config_ = nullptr;
   EGLSurface surface_ = EGL_NO_SURFACE;
   EGLContext context_ = EGL_NO_CONTEXT;
-  bool current_ = false;
+  bool referenced_ = false;  ///< the display is the former context's
+  const bool current_;
 };
 
 const VulkanMemory* Prove() {

@@ -1,12 +1,12 @@
-// The private off-screen context of an engine: a 1 x 1 pbuffer, OpenGL ES 2.
-#ifndef LUMORA_GL_OFFSCREEN_CONTEXT_H_
-#define LUMORA_GL_OFFSCREEN_CONTEXT_H_
+// Off-screen contexts of the library's own: a 1 x 1 pbuffer, OpenGL ES 2. Nobody else makes any.
+#ifndef LUMORA_PLATFORM_OFFSCREEN_CONTEXT_H_
+#define LUMORA_PLATFORM_OFFSCREEN_CONTEXT_H_
 
 #include "lumora/platform/gl_api.h"
 
-namespace lumora {
+namespace lumora::platform {
 
-/// The EGL members of an engine, by reference: the engine owns what they name.
+/// EGL members of an owner, by reference: it owns what they name.
 struct OffscreenHandles {
   EGLDisplay& display;
   EGLConfig& config;
@@ -26,6 +26,11 @@ bool CreateOffscreenContext(const OffscreenHandles& handles, EglStepLog done);
 /// a display.
 void DestroyOffscreenContext(const OffscreenHandles& handles, EglStepLog about_to);
 
-}  // namespace lumora
+/// The inner half of each, for a display and a configuration that are there: context and surface
+/// are made and become current; surface and context go, whether or not they are current.
+bool MakeContextCurrent(const OffscreenHandles& handles, EglStepLog done);
+void DestroyContext(const OffscreenHandles& handles, EglStepLog about_to);
 
-#endif  // LUMORA_GL_OFFSCREEN_CONTEXT_H_
+}  // namespace lumora::platform
+
+#endif  // LUMORA_PLATFORM_OFFSCREEN_CONTEXT_H_
