@@ -83,8 +83,8 @@ void Slimming(benchmark::State& state, Size size, bool full) {
   const auto run_pipeline = [&] {
     Look look;
     look.slim = kSlim;
-    const Status done = pipeline->Process(AsConst(ViewOf(frame, size)), ViewOf(ours, size), {face},
-                                          look, nullptr, {Chain::Preview});
+    const Status done = pipeline->Process(
+        {AsConst(ViewOf(frame, size)), ViewOf(ours, size), {face}, look, Chain::Preview});
     Require(done.ok(), done.message);
   };
   run_pipeline();

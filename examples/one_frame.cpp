@@ -16,7 +16,12 @@ int main() {
       lumora::PixelFormat::NV21, width, height, {luma.data(), chroma.data()}, {width, width}};
   const lumora::Face face = lumora::FaceFromEyes({280, 200}, {360, 200});  // from your detector
 
-  status = pipeline->Process(lumora::AsConst(frame), frame, {face}, {/*slim=*/50});
+  lumora::FrameRequest request;
+  request.in = lumora::AsConst(frame);
+  request.out = frame;  // the same memory: in place
+  request.faces = face;
+  request.look.slim = 50;
+  status = pipeline->Process(request);
   std::printf("%s\n", status.ok() ? "slimmed" : status.message.c_str());
   return status.ok() ? 0 : 1;
 }

@@ -131,9 +131,8 @@ lumora::Status Call(const lumora::ConstFrameView& in, const lumora::FrameView& o
       };
       lumora::Look look{scale(), scale(), scale(), lumora::Effect::Auto};
       look.effect = static_cast<lumora::Effect>(input.between(-1, 5));
-      lumora::ProcessOptions options;
-      options.chain = static_cast<lumora::Chain>(input.between(0, 2));
-      return ThePipeline().Process(in, out, faces, look, &report, options);
+      const auto chain = static_cast<lumora::Chain>(input.between(0, 2));
+      return ThePipeline().Process({in, out, faces, look, chain}, &report);
     }
   }
 }
@@ -146,7 +145,7 @@ Samples CleanResult(const Size& size) {
   const auto middle = static_cast<float>(size.width) / 2,
              eyes = static_cast<float>(size.height) / 3;
   const Face face = lumora::FaceFromEyes({middle - 5, eyes}, {middle + 5, eyes});
-  Require(ThePipeline().Process(in.const_view(), out.view(), {face}, {50, 50, 20}).ok(),
+  Require(ThePipeline().Process({in.const_view(), out.view(), {face}, {50, 50, 20}}).ok(),
           "a clean frame is processed");
   return out.Read();
 }

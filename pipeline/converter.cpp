@@ -108,8 +108,8 @@ Status Converter::Worker::ConvertHere(const ConstFrameView& in, const ImageView&
     return EngineRefused();
   }
   // Nothing may fail any more once the images are written.
-  report->chain = "convert";
-  report->buffer_kind = BufferKind();
+  report->chain = ChainUsed::Convert;
+  report->buffer_kind = BufferKindHere();
   if (rgb.data != nullptr) CopyImage(rgb_pixels, frame_.width(), rgb);
   if (hsi.data != nullptr) CopyImage(hsi_pixels, frame_.width(), hsi);
   report->download_ms = stopwatch.Lap();

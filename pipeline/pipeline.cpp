@@ -1,6 +1,7 @@
 #include "lumora/pipeline/pipeline.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include "lumora/geometry/frame_sizes.h"
@@ -24,7 +25,7 @@ Chain ChainFor(int width, Chain wanted) {
 }
 
 /// Whether there is a face that can be processed, and a reason to.
-bool HasWork(const std::vector<Face>& faces, int width, int height, const Look& look) {
+bool HasWork(FaceSpan faces, int width, int height, const Look& look) {
   if (look.slim == 0 && !Whitens(look)) return false;
   return std::any_of(faces.begin(), faces.end(),
                      [&](const Face& face) { return IsSlimmable(face, width, height); });
@@ -34,7 +35,7 @@ void CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* repor
   Stopwatch stopwatch;
   CopyFrame(in, out);  // asks for memory, if at all, before it writes
   if (report == nullptr) return;
-  report->chain = "none";  // so short a text asks for none
+  report->chain = ChainUsed::None;
   report->download_ms = stopwatch.Lap();
 }
 
@@ -79,18 +80,16 @@ Pipeline::Pipeline(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) 
 
 Pipeline::~Pipeline() = default;
 
-Status Pipeline::Process(const ConstFrameView& in, const FrameView& out,
-                         const std::vector<Face>& faces, const Look& look, Report* report,
-                         const ProcessOptions& options) {
+Status Pipeline::Process(const FrameRequest& request, Report* report) {
   return Reported(report, [&]() -> Status {
+    const auto& [in, out, faces, look, wanted] = request;
     if (Status checked = CheckArguments(in, out, faces, look); !checked.ok()) return checked;
     if (!HasWork(faces, in.width, in.height, look)) {
       CopyUnchanged(in, out, report);
       return {};
     }
-    const Chain chain = ChainFor(in.width, options.chain);
-    return worker_->Run(
-        [&](EngineHost& host) { return host.Beautify(in, out, faces, look, chain, report); });
+    const Chain chain = ChainFor(in.width, wanted);
+    return worker_->Run([&](EngineHost& host) { return host.Beautify(request, chain, report); });
   });
 }
 
@@ -110,23 +109,13 @@ Status Pipeline::Rectify(const ConstFrameView& in, const FrameView& out, int deg
   });
 }
 
-Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out,
-                               const LensCoefficients& lens, Report* report) {
-  return Reported(report, [&]() -> Status {
-    if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
-    if (Status checked = CheckLens(lens); !checked.ok()) return checked;
-    return worker_->Run([&](EngineHost& host) {
-      return host.RectifyRadial(in, out, &lens, Camera::First, report);
-    });
-  });
-}
-
-Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out, Camera camera,
+Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
                                Report* report) {
   return Reported(report, [&]() -> Status {
     if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
+    if (Status checked = CheckLens(lens); !checked.ok()) return checked;
     return worker_->Run(
-        [&](EngineHost& host) { return host.RectifyRadial(in, out, nullptr, camera, report); });
+        [&](EngineHost& host) { return host.RectifyRadial(in, out, lens, report); });
   });
 }
 

@@ -7,6 +7,7 @@
 #include <initializer_list>
 
 #include "lumora/pipeline/face.h"
+#include "lumora/pipeline/lens.h"
 #include "pipeline/faces/landmarks.h"
 #include "pipeline/frames/frame_check.h"
 

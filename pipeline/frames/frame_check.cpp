@@ -116,8 +116,8 @@ Status CheckFrames(const ConstFrameView& in, const FrameView& out) {
   return {};
 }
 
-Status CheckArguments(const ConstFrameView& in, const FrameView& out,
-                      const std::vector<Face>& faces, const Look& look) {
+Status CheckArguments(const ConstFrameView& in, const FrameView& out, FaceSpan faces,
+                      const Look& look) {
   if (Status status = CheckFrames(in, out); !status.ok()) return status;
   if (Status status = CheckScale(look.slim, "slim"); !status.ok()) return status;
   if (Status status = CheckScale(look.whiten, "whiten"); !status.ok()) return status;
@@ -132,9 +132,10 @@ Status CheckArguments(const ConstFrameView& in, const FrameView& out,
   return {};
 }
 
-Status CheckLens(const LensCoefficients& lens) {
-  if (IsUsable(lens)) return {};
-  for (const float k : {lens.k0, lens.k1, lens.k2, lens.k3}) {
+Status CheckLens(const Lens& lens) {
+  const auto* const given = std::get_if<LensCoefficients>(&lens);
+  if (given == nullptr || IsUsable(*given)) return {};
+  for (const float k : {given->k0, given->k1, given->k2, given->k3}) {
     if (!std::isfinite(k)) return Invalid("a lens coefficient is not finite");
   }
   const std::string most = WholeText(kLargestCoefficient);

@@ -2,12 +2,12 @@
 #ifndef LUMORA_PIPELINE_FRAMES_FRAME_CHECK_H_
 #define LUMORA_PIPELINE_FRAMES_FRAME_CHECK_H_
 
-#include <vector>
-
 #include "lumora/pipeline/converter.h"
 #include "lumora/pipeline/face.h"
 #include "lumora/pipeline/frame.h"
-#include "lumora/pipeline/pipeline.h"
+#include "lumora/pipeline/lens.h"
+#include "lumora/pipeline/look.h"
+#include "lumora/pipeline/status.h"
 
 namespace lumora {
 
@@ -17,11 +17,11 @@ constexpr int kSmallestSide = 32;
 constexpr int kLargestSide = 32768;
 
 /// Whether Process can work with these arguments. Reads no sample.
-Status CheckArguments(const ConstFrameView& in, const FrameView& out,
-                      const std::vector<Face>& faces, const Look& look);
+Status CheckArguments(const ConstFrameView& in, const FrameView& out, FaceSpan faces,
+                      const Look& look);
 
-/// Whether RectifyRadial can work with these coefficients.
-Status CheckLens(const LensCoefficients& lens);
+/// Whether RectifyRadial can work with this lens.
+Status CheckLens(const Lens& lens);
 
 /// The part of CheckArguments that looks at the frames alone.
 Status CheckFrames(const ConstFrameView& in, const FrameView& out);

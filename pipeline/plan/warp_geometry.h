@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "lumora/geometry/face_record.h"
+#include "lumora/pipeline/chain.h"
 #include "lumora/pipeline/face.h"
-#include "lumora/pipeline/pipeline.h"
 
 namespace lumora {
 

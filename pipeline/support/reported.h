@@ -17,8 +17,6 @@ inline void Clear(Report* report) {
     from.clear();
     to.swap(from);
   };
-  keep(report->chain, empty.chain);
-  keep(report->buffer_kind, empty.buffer_kind);
   keep(report->tones, empty.tones);
   keep(report->blocks, empty.blocks);
   *report = std::move(empty);

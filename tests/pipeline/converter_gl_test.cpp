@@ -71,7 +71,7 @@ TEST_F(ConverterTest, GivesTheColoursOfEveryPixelForEverySizeAndFormat) {
       Report report;
       const Status status = converter_->Convert(in.const_view(), rgb.view(), hsi.view(), &report);
       ASSERT_TRUE(status.ok()) << status.message;
-      EXPECT_EQ(report.chain, "convert");
+      EXPECT_EQ(report.chain, ChainUsed::Convert);
       const int chroma_width = (width + 1) / 2;
       for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -184,7 +184,7 @@ TEST_F(ConverterTest, LivesBesidePipelinesAndOtherConverters) {
       mine.Fill(samples);
       for (int frame = 0; frame < 3; ++frame) {
         ImageMemory rgb(96, 64, 3);
-        if (!pipeline->Process(mine.const_view(), out.view(), {FaceIn(96, 64)}, kFull).ok() ||
+        if (!pipeline->Process({mine.const_view(), out.view(), {FaceIn(96, 64)}, kFull}).ok() ||
             !converter->Convert(mine.const_view(), rgb.view(), {}).ok() ||
             rgb.bytes != expected.bytes) {
           ++wrong[i];

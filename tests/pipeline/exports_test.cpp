@@ -32,7 +32,7 @@ TEST(SharedLibrary, OffersThePipeline) {
       PixelFormat::NV21, 64, 64, {bytes.data(), bytes.data() + 64 * 64, nullptr}, {64, 64, 0}};
   Report report;
   const Face face = FaceFromEyes({24, 28}, {40, 28});
-  EXPECT_TRUE(pipeline->Process(AsConst(frame), frame, {face}, Look{50}, &report).ok());
+  EXPECT_TRUE(pipeline->Process({AsConst(frame), frame, {face}, Look{50}}, &report).ok());
   EXPECT_EQ(report.faces, 1);
 }
 

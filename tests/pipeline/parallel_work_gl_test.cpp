@@ -31,7 +31,7 @@ using Call =
 
 Call Beautify(Look look, Chain chain) {
   return [=](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-    return pipeline.Process(in, out, {FaceIn(kWidth, kHeight)}, look, nullptr, {chain});
+    return pipeline.Process({in, out, {FaceIn(kWidth, kHeight)}, look, chain});
   };
 }
 

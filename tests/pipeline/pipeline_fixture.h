@@ -39,7 +39,7 @@ class PipelineTest : public ::testing::Test {
     FrameMemory in(PixelFormat::NV21, width, height);
     FrameMemory out(PixelFormat::NV21, width, height);
     in.Fill(samples);
-    const Status status = pipeline.Process(in.const_view(), out.view(), faces, look, report);
+    const Status status = pipeline.Process({in.const_view(), out.view(), faces, look}, report);
     EXPECT_TRUE(status.ok()) << status.message;
     return out.Read();
   }

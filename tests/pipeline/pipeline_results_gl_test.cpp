@@ -27,11 +27,12 @@ TEST_F(PipelineTest, SlimZeroIsAnExactCopyInEveryFormat) {
         in.Fill(samples);
         Report report;
         ASSERT_TRUE(
-            pipeline_->Process(in.const_view(), out.view(), {FaceIn(width, height)}, kOff, &report)
+            pipeline_
+                ->Process({in.const_view(), out.view(), {FaceIn(width, height)}, kOff}, &report)
                 .ok());
         EXPECT_TRUE(out.Read() == samples);
         EXPECT_TRUE(out.GuardsIntact());
-        EXPECT_EQ(report.chain, "none");
+        EXPECT_EQ(report.chain, ChainUsed::None);
         EXPECT_EQ(report.faces, 0);
       }
     }
@@ -42,7 +43,7 @@ TEST_F(PipelineTest, AFrameWithoutFacesIsAnExactCopy) {
   const Samples samples = NoiseSamples(97, 133);
   Report report;
   EXPECT_TRUE(Through(*pipeline_, samples, 97, 133, {}, kFull, &report) == samples);
-  EXPECT_EQ(report.chain, "none");
+  EXPECT_EQ(report.chain, ChainUsed::None);
 }
 
 TEST_F(PipelineTest, ChangesPixelsInsideTheCircleOnlyInEveryFormat) {
@@ -56,7 +57,7 @@ TEST_F(PipelineTest, ChangesPixelsInsideTheCircleOnlyInEveryFormat) {
         in.Fill(samples);
         Report report;
         const Status status =
-            pipeline_->Process(in.const_view(), out.view(), faces, kFull, &report);
+            pipeline_->Process({in.const_view(), out.view(), faces, kFull}, &report);
         ASSERT_TRUE(status.ok()) << status.message;
         const TouchedArea area({}, faces, width, height);
         const AreaChanges changes = CountChanges(samples, out.Read(), width, height, area);
@@ -64,7 +65,7 @@ TEST_F(PipelineTest, ChangesPixelsInsideTheCircleOnlyInEveryFormat) {
         EXPECT_GT(changes.inside, width * height / 50) << width << " x " << height;
         EXPECT_TRUE(out.GuardsIntact());
         EXPECT_TRUE(in.Read() == samples);
-        EXPECT_EQ(report.chain, "preview");
+        EXPECT_EQ(report.chain, ChainUsed::Preview);
         EXPECT_EQ(report.faces, 1);
       }
     }
@@ -134,7 +135,7 @@ TEST_F(PipelineTest, ProcessesAFrameInPlace) {
     const std::vector<Face> faces = {FaceIn(97, 133)};
     FrameMemory frame(format, 97, 133, 6);
     frame.Fill(samples);
-    const Status status = pipeline_->Process(frame.const_view(), frame.view(), faces, kFull);
+    const Status status = pipeline_->Process({frame.const_view(), frame.view(), faces, kFull});
     ASSERT_TRUE(status.ok()) << status.message;
     EXPECT_TRUE(frame.Read() == Through(*pipeline_, samples, 97, 133, faces, kFull));
     EXPECT_TRUE(frame.GuardsIntact());

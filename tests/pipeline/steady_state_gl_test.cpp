@@ -33,12 +33,12 @@ class SteadyState : public PipelineTest {
         EXPECT_TRUE(worked);
       }
     }
-    EXPECT_NE("", kept.chain);
+    EXPECT_NE(ChainUsed::NoCall, kept.chain);
   }
 
   void ExpectNoAllocations(const std::vector<Face>& faces, const Look& look) {
     ExpectNoAllocations([&](const FrameView& out, Report* report) {
-      return pipeline_->Process(in_.const_view(), out, faces, look, report, {Chain::Preview});
+      return pipeline_->Process({in_.const_view(), out, faces, look, Chain::Preview}, report);
     });
   }
 
@@ -85,7 +85,7 @@ TEST_F(SteadyState, ConvertedFrames) {
   Report report;
   EXPECT_EQ(0, SteadyAllocationsOf(
                    [&] { converter->Convert(in_.const_view(), image, ImageView{}, &report); }));
-  EXPECT_EQ("convert", report.chain);
+  EXPECT_EQ(ChainUsed::Convert, report.chain);
 }
 
 }  // namespace

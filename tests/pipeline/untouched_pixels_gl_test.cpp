@@ -42,8 +42,8 @@ class UntouchedPixelsTest : public PipelineTest {
     FrameMemory in(request.format, request.width, request.height);
     FrameMemory out(request.format, request.width, request.height);
     in.Fill(samples);
-    const Status status = pipeline_->Process(in.const_view(), out.view(), request.faces,
-                                             request.look, nullptr, {request.chain});
+    const Status status = pipeline_->Process(
+        {in.const_view(), out.view(), request.faces, request.look, request.chain});
     EXPECT_TRUE(status.ok()) << status.message;
     const std::vector<Face> none;
     const TouchedArea area(Whitens(request.look) ? request.faces : none,

@@ -4,7 +4,6 @@
 #include <cstddef>
 
 #include "lumora/geometry/rounding.h"
-#include "lumora/platform/display.h"
 #include "lumora/platform/settings.h"
 #include "pipeline/backends/gl/gl_state.h"
 #include "pipeline/backends/gl/rectification.h"
@@ -35,37 +34,37 @@ FramePlace MiddlePlace(int width, int height) {
 
 }  // namespace
 
-Status EngineHost::Beautify(const ConstFrameView& in, const FrameView& out,
-                            const std::vector<Face>& faces, const Look& look, Chain chain,
-                            Report* report) {
+Status EngineHost::Beautify(const FrameRequest& request, Chain chain, Report* report) {
   report = reports_.For(report);
+  const ConstFrameView& in = request.in;
   Stopwatch stopwatch;
-  TakeFaces(faces, in.width, in.height, look.slim, chain);
+  TakeFaces(request, chain);
   frame_.Load(in);
   report->upload_ms = stopwatch.Lap();
 
-  Status status = RunEffects(look, chain, report);
+  Status status = RunEffects(request.look, chain, report);
   report->engine_ms = stopwatch.Lap();
   if (status.ok()) {
     // Nothing may fail any more once `out` is written.
-    report->chain = chain == Chain::Capture ? "capture" : "preview";
+    report->chain = chain == Chain::Capture ? ChainUsed::Capture : ChainUsed::Preview;
     report->faces = static_cast<int>(faces_.size());
-    report->buffer_kind = BufferKind();
+    report->buffer_kind = BufferKindHere();
     if (chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
     ClipBlocks(in.width, in.height, &report->blocks);
-    frame_.Store(out);
+    frame_.Store(request.out);
     report->download_ms = stopwatch.Lap();
   }
   if (chain == Chain::Capture) FreeMemory();
   return status;
 }
 
-void EngineHost::TakeFaces(const std::vector<Face>& faces, int width, int height, int slim,
-                           Chain chain) {
+void EngineHost::TakeFaces(const FrameRequest& request, Chain chain) {
   faces_.clear();
-  for (size_t i = 0; i < faces.size(); ++i) {
-    if (const auto record = MakeFaceRecord(faces[i], width, height, slim, chain)) {
-      faces_.push_back({static_cast<int>(i), faces[i], *record});
+  for (size_t i = 0; i < request.faces.size(); ++i) {
+    const Face& face = request.faces[i];
+    if (const auto record =
+            MakeFaceRecord(face, request.in.width, request.in.height, request.look.slim, chain)) {
+      faces_.push_back({static_cast<int>(i), face, *record});
     }
   }
 }
@@ -108,12 +107,12 @@ Status EngineHost::Rectify(const ConstFrameView& in, const FrameView& out, int d
   });
 }
 
-Status EngineHost::RectifyRadial(const ConstFrameView& in, const FrameView& out,
-                                 const LensCoefficients* lens, Camera camera, Report* report) {
+Status EngineHost::RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
+                                 Report* report) {
   return Correct(in, out, MiddlePlace(in.width, in.height), report, [&] {
     const FrameShare share = {static_cast<double>(in.width) / frame_.width(),
                               static_cast<double>(in.height) / frame_.height()};
-    return DrawRadial(setup_, lens, camera, share);
+    return DrawRadial(setup_, lens, share);
   });
 }
 
@@ -142,8 +141,8 @@ Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, Frame
     setup_.Release();
     return status;
   }
-  report->chain = "preview";
-  report->buffer_kind = BufferKind();
+  report->chain = ChainUsed::Preview;
+  report->buffer_kind = BufferKindHere();
   report->blocks.push_back({0, 0, in.width, in.height});
   frame_.Store(out);
   report->download_ms = stopwatch.Lap();
@@ -157,11 +156,11 @@ void EngineHost::FreeMemory() {
 
 DeviceInfo EngineHost::Device() {
   DeviceInfo info;
-  info.display = platform::DisplayOrigin();
+  info.display = DisplayHere();
   info.vendor = GlText(GL_VENDOR);
   info.renderer = GlText(GL_RENDERER);
   info.version = GlText(GL_VERSION);
-  info.buffer_kind = BufferKind();
+  info.buffer_kind = BufferKindHere();
   info.max_texture_size = MaxTextureSize();
   info.cache_directory = platform::CacheDirectory();
   info.program_binaries = OffersProgramBinaries();

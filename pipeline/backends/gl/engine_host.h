@@ -22,20 +22,19 @@ class EngineHost {
   /// Whether the engine has its context; nothing else may be called where it has none.
   bool ready() { return setup_.engine().m_bEGLReady; }
 
-  /// `out` receives `in` with `look` applied to those of `faces` that can be processed, at least
-  /// one. `chain` is Preview or Capture.
-  Status Beautify(const ConstFrameView& in, const FrameView& out, const std::vector<Face>& faces,
-                  const Look& look, Chain chain, Report* report);
+  /// Carries out a request, in which at least one face can be processed. `chain` is Preview or
+  /// Capture.
+  Status Beautify(const FrameRequest& request, Chain chain, Report* report);
 
-  /// The two corrections of Pipeline; `camera` counts where `lens` is null.
+  /// The two corrections of Pipeline.
   Status Rectify(const ConstFrameView& in, const FrameView& out, int degree, Report* report);
-  Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const LensCoefficients* lens,
-                       Camera camera, Report* report);
+  Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
+                       Report* report);
 
   DeviceInfo Device();
 
  private:
-  void TakeFaces(const std::vector<Face>& faces, int width, int height, int slim, Chain chain);
+  void TakeFaces(const FrameRequest& request, Chain chain);
   Status RunEffects(const Look& look, Chain chain, Report* report);
   /// The way of both corrections: `draw` draws from the input image to the first work image.
   template <typename Draw>

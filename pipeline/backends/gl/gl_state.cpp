@@ -1,6 +1,9 @@
 #include "pipeline/backends/gl/gl_state.h"
 
-#include "lumora/platform/graphic_buffer.h"
+#include <string_view>
+
+#include "lumora/platform/buffer_kind.h"
+#include "lumora/platform/display.h"
 #include "pipeline/support/failure.h"
 
 namespace lumora {
@@ -24,8 +27,27 @@ bool OffersProgramBinaries() {
   return formats > 0;
 }
 
-std::string BufferKind() {
-  return platform::BufferKindName(platform::PreferredBufferKind());
+DisplaySource DisplayHere() {
+  const std::string_view origin = platform::DisplayOrigin();
+  for (const DisplaySource source : {DisplaySource::Default, DisplaySource::Device,
+                                     DisplaySource::SoftwareDevice, DisplaySource::Surfaceless}) {
+    if (origin == Name(source)) return source;
+  }
+  return DisplaySource::None;
+}
+
+BufferKind BufferKindHere() {
+  switch (platform::PreferredBufferKind()) {
+    case platform::BufferKind::Staged:
+      return BufferKind::Staged;
+    case platform::BufferKind::MemoryObject:
+      return BufferKind::MemoryObject;
+    case platform::BufferKind::DmaBuf:
+      return BufferKind::DmaBuf;
+    case platform::BufferKind::HardwareBuffer:
+      return BufferKind::HardwareBuffer;
+  }
+  return BufferKind::None;
 }
 
 void ClearGlErrors() {

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "lumora/pipeline/device.h"
 #include "lumora/pipeline/status.h"
 #include "lumora/platform/gl_api.h"
 
@@ -14,8 +15,9 @@ int MaxTextureSize();
 std::string GlText(GLenum name);
 bool OffersProgramBinaries();
 
-/// How CPU and GPU share memory here.
-std::string BufferKind();
+/// How the display was found, and how CPU and GPU share memory here.
+DisplaySource DisplayHere();
+BufferKind BufferKindHere();
 
 /// Forgets errors of earlier calls.
 void ClearGlErrors();

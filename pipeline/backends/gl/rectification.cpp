@@ -49,15 +49,14 @@ bool DrawKeystone(EngineSetup& setup, int degree, const FrameShare& share) {
   return engine.DrawRectification() != 0;
 }
 
-bool DrawRadial(EngineSetup& setup, const LensCoefficients* lens, Camera camera,
-                const FrameShare& share) {
+bool DrawRadial(EngineSetup& setup, const Lens& lens, const FrameShare& share) {
   android::GPUBeautyFace& engine = setup.engine();
   if (engine.m_pProgRadialDistortion == nullptr) return false;
   auto& program = static_cast<GLProgRadialDistortion&>(*engine.m_pProgRadialDistortion);
-  if (lens != nullptr) {
-    SetCoefficients(*lens, program);
+  if (const auto* const given = std::get_if<LensCoefficients>(&lens)) {
+    SetCoefficients(*given, program);
   } else {
-    engine.SetRadialRectParameters(camera == Camera::Second ? 1 : 0);  // reads files
+    engine.SetRadialRectParameters(*std::get_if<Camera>(&lens) == Camera::Second ? 1 : 0);  // reads files
     const float* const k = program.m_fvKval;
     if (!IsUsable({k[0], k[1], k[2], k[3]})) SetCoefficients(LensCoefficients{}, program);
   }

@@ -2,7 +2,7 @@
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_RECTIFICATION_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_RECTIFICATION_H_
 
-#include "lumora/pipeline/pipeline.h"
+#include "lumora/pipeline/lens.h"
 #include "pipeline/backends/gl/engine_setup.h"
 
 namespace lumora {
@@ -17,10 +17,8 @@ struct FrameShare {
 /// the upper left. Returns whether the engine did.
 bool DrawKeystone(EngineSetup& setup, int degree, const FrameShare& share);
 
-/// Draws the radial correction, with the coefficients of `camera` where `lens` is null. The frame
-/// lies in the middle.
-bool DrawRadial(EngineSetup& setup, const LensCoefficients* lens, Camera camera,
-                const FrameShare& share);
+/// Draws the radial correction. The frame lies in the middle.
+bool DrawRadial(EngineSetup& setup, const Lens& lens, const FrameShare& share);
 
 }  // namespace lumora
 

@@ -85,10 +85,8 @@ const std::vector<Face>& Faces() {
 
 template <int slim, int whiten, Chain chain>
 Status Process(const Makers& makers, Frames& f) {
-  ProcessOptions options;
-  options.chain = chain;
-  return makers.pipeline->Process(f.in.const_view(), f.out.view(), Faces(),
-                                  Look{slim, whiten, whiten}, &f.report, options);
+  return makers.pipeline->Process(
+      {f.in.const_view(), f.out.view(), Faces(), Look{slim, whiten, whiten}, chain}, &f.report);
 }
 
 // To a place in the same memory, which takes a copy in between.
@@ -99,7 +97,7 @@ Status Shift(const Makers& makers, Frames& f) {
   to.height -= 2;
   from.planes[0] += 2 * from.strides[0];
   from.planes[1] += from.strides[1];
-  return makers.pipeline->Process(from, to, {}, Look{}, &f.report);
+  return makers.pipeline->Process({from, to, {}, Look{}}, &f.report);
 }
 
 // Between them they come by everything that the engine and the pipeline do.
@@ -196,7 +194,7 @@ class OperationTest {
     EXPECT_EQ(status.ok(), status.message.empty());
     EXPECT_TRUE(frames == (status.ok() ? expected : Frames(expected.width)));
     if (!status.ok()) {
-      EXPECT_EQ(frames.report.chain, "");
+      EXPECT_EQ(frames.report.chain, ChainUsed::NoCall);
       EXPECT_TRUE(frames.report.blocks.empty() && frames.report.tones.empty());
     }
     EXPECT_TRUE(Good(expected.width) == expected);

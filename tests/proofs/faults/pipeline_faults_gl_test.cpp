@@ -31,14 +31,12 @@ std::vector<Face> Faces(int width, int height) {
 
 template <int slim, int whiten>
 Status Preview(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-  return pipeline.Process(in, out, Faces(in.width, in.height), Look{slim, whiten, whiten});
+  return pipeline.Process({in, out, Faces(in.width, in.height), Look{slim, whiten, whiten}});
 }
 template <int slim, int whiten>
 Status Capture(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-  ProcessOptions options;
-  options.chain = Chain::Capture;
-  return pipeline.Process(in, out, Faces(in.width, in.height), Look{slim, whiten, whiten}, nullptr,
-                          options);
+  return pipeline.Process(
+      {in, out, Faces(in.width, in.height), Look{slim, whiten, whiten}, Chain::Capture});
 }
 
 const Operation kOperations[] = {

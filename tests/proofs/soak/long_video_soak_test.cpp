@@ -22,8 +22,8 @@ class Projector {
 
   Samples show(const StreetFrame& frame, Report* report = nullptr, Chain chain = Chain::Auto) {
     in_.Fill(frame.samples);
-    const Status status = pipeline_->Process(in_.const_view(), out_.view(), frame.faces, kLook,
-                                             report, ProcessOptions{chain});
+    const Status status =
+        pipeline_->Process({in_.const_view(), out_.view(), frame.faces, kLook, chain}, report);
     EXPECT_TRUE(status.ok()) << status.message;
     return out_.Read();
   }
@@ -67,7 +67,7 @@ std::vector<Samples> FirstRound(Projector& projector, const std::vector<StreetFr
         CountChanges(frame.samples, results[i], kStreetWidth, kStreetHeight, area);
     EXPECT_EQ(changes.outside, 0);
     if (frame.faces.empty()) {
-      EXPECT_EQ(report.chain, "none");
+      EXPECT_EQ(report.chain, ChainUsed::None);
       EXPECT_TRUE(results[i] == frame.samples);
     }
     EXPECT_GE(changes.inside, inside > 0 ? 50 : 0);

@@ -112,7 +112,7 @@ class Bench {
 
   ExitCode Run() {
     const DeviceInfo device = engine_.pipeline().Device();
-    if (!options_.json) Print(device.renderer + ", " + device.buffer_kind);
+    if (!options_.json) Print(device.renderer + ", " + Name(device.buffer_kind));
     for (const Case& what : kCases) {
       const double megapixels = what.width * 1e-6 * what.height;
       if (what.chain == Chain::Capture && megapixels > options_.largest) continue;
@@ -121,7 +121,7 @@ class Bench {
     if (options_.json) {
       PrintReport({{"renderer", device.renderer},
                    {"version", device.version},
-                   {"buffer", device.buffer_kind},
+                   {"buffer", Name(device.buffer_kind)},
                    {"results", results_}});
     }
     return ExitCode::Done;
@@ -135,8 +135,8 @@ class Bench {
     Report report;
     const Timing timing = Measure(
         [&] {
-          ThrowUnlessOk(engine_.pipeline().Process(AsConst(frame.View()), result.View(), {face},
-                                                   look.look, &report, {what.chain}));
+          ThrowUnlessOk(engine_.pipeline().Process(
+              {AsConst(frame.View()), result.View(), {face}, look.look, what.chain}, &report));
         },
         options_.seconds);
     const char* const chain = what.chain == Chain::Preview ? "preview" : "capture";

@@ -125,7 +125,7 @@ Bytes FrameIn(PixelFormat format, const Source& source) {
   Bytes bytes(RawFrameBytes(source.size()));
   const FrameView out = RawFrameView(bytes.data(), format, source.size());
   // Without an effect the pipeline copies, from any format to any other.
-  ThrowUnlessOk(Engine().pipeline().Process(source.view(), out, {}, Look{}));
+  ThrowUnlessOk(Engine().pipeline().Process({source.view(), out, {}, Look{}}));
   return bytes;
 }
 

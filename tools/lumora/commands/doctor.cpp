@@ -22,8 +22,6 @@
 namespace lumora::tools {
 namespace {
 
-constexpr char kCopies[] = "staged";
-
 struct Check {
   std::string name;
   bool ok;
@@ -59,7 +57,8 @@ class Doctor {
       CheckRender("test slimming", slimming);
       CheckRender("test whitening", whitening);
       engine.reset();
-      if (!(slimming.passed && whitening.passed) && device.buffer_kind != kCopies) CheckCopies();
+      if (!(slimming.passed && whitening.passed) && device.buffer_kind != BufferKind::Staged)
+        CheckCopies();
       CheckCache(device);  // last: the first programs that are kept make the directory
     } catch (const Failure& failure) {
       code = failure.code();
@@ -82,9 +81,9 @@ class Doctor {
   }
 
   void CheckDevice(const DeviceInfo& device) {
-    Tell("display", true, device.display);
+    Tell("display", true, Name(device.display));
     Tell("driver", true, device.vendor + ", " + device.renderer + ", " + device.version);
-    Tell("buffers", true, device.buffer_kind);
+    Tell("buffers", true, Name(device.buffer_kind));
     Tell("largest texture", device.max_texture_size >= kSmallestSide,
          std::to_string(device.max_texture_size) + " pixels");
     Tell("program binaries", true,
@@ -124,7 +123,7 @@ class Doctor {
   // Whether it is the memory shared with the driver that spoils the tests: the library found it in
   // order on images of its own, or it would not be in use.
   void CheckCopies() {
-    setenv("LUMORA_BUFFER", kCopies, 1);
+    setenv("LUMORA_BUFFER", Name(BufferKind::Staged), 1);
     Engine engine;
     const bool passed = TestSlimming(engine).passed && TestWhitening(engine).passed;
     Tell("copied buffers", passed,

@@ -13,7 +13,7 @@ Engine::Engine() {
 Frame420 Engine::Process(const Frame420& frame, const std::vector<Face>& faces, const Look& look,
                          Report* report, Chain chain) {
   return Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-    return pipeline.Process(in, out, faces, look, report, {chain});
+    return pipeline.Process({in, out, faces, look, chain}, report);
   });
 }
 

@@ -179,19 +179,20 @@ class Photo {
     const cv::Size size = edit_->picture().size();
     Json faces = Json::array();
     for (const FoundFace& found : found_) faces.push_back(FaceJson(found, size));
-    PrintReport({{"input", options_.in},
-                 {"output", options_.out},
-                 {"width", size.width},
-                 {"height", size.height},
-                 {"look", LookJson(look_)},
-                 {"faces", faces},
-                 {"tones", TonesJson(report_.tones)},
-                 {"chain", report_.chain.empty() ? "none" : report_.chain},
-                 {"buffer", report_.buffer_kind},
-                 {"blocks", BlocksJson(report_.blocks)},
-                 {"timings_ms", timings_},
-                 {"peak_memory_mib", PeakMemory()},
-                 {"notes", edit_->notes()}});
+    PrintReport(
+        {{"input", options_.in},
+         {"output", options_.out},
+         {"width", size.width},
+         {"height", size.height},
+         {"look", LookJson(look_)},
+         {"faces", faces},
+         {"tones", TonesJson(report_.tones)},
+         {"chain", Name(report_.chain == ChainUsed::NoCall ? ChainUsed::None : report_.chain)},
+         {"buffer", Name(report_.buffer_kind)},
+         {"blocks", BlocksJson(report_.blocks)},
+         {"timings_ms", timings_},
+         {"peak_memory_mib", PeakMemory()},
+         {"notes", edit_->notes()}});
   }
 
   const PhotoOptions& options_;

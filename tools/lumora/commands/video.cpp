@@ -165,8 +165,8 @@ class Video {
 
   void Engage(const ClipFrame& in, ClipFrame& out, const std::vector<Face>& faces) {
     Report report;
-    ThrowUnlessOk(engine_->pipeline().Process(in.View(), out.MutableView(), faces, look_, &report,
-                                              {Chain::Preview}));
+    ThrowUnlessOk(engine_->pipeline().Process(
+        {in.View(), out.MutableView(), faces, look_, Chain::Preview}, &report));
     engine_ms_ += report.engine_ms;
     faces_ += report.faces;
     if (report.faces > 0) buffer_kind_ = report.buffer_kind;
@@ -187,7 +187,7 @@ class Video {
                  {"faces_left_out", left_out_},
                  {"face_found", needs_faces_ ? Json(frames_with_faces_ > 0) : Json()},
                  {"chain", faces_ > 0 ? "preview" : "none"},
-                 {"buffer", buffer_kind_},
+                 {"buffer", Name(buffer_kind_)},
                  {"seconds", seconds},
                  {"frames_per_second", seconds > 0 ? count / seconds : 0},
                  {"engine_ms_per_frame", frames_ > 0 ? engine_ms_ / count : 0},
@@ -206,7 +206,7 @@ class Video {
   std::vector<std::string> notes_;
   int64_t frames_ = 0, frames_with_faces_ = 0, faces_ = 0, left_out_ = 0;
   double engine_ms_ = 0;
-  std::string buffer_kind_;
+  BufferKind buffer_kind_ = BufferKind::None;
 };
 
 ExitCode Retouch(const VideoOptions& options, const Options& line) {

@@ -3,6 +3,8 @@
 #define LUMORA_PIPELINE_FACE_H_
 
 #include <array>
+#include <cstddef>
+#include <vector>
 
 #include "lumora/pipeline/export.h"
 
@@ -52,6 +54,30 @@ struct Face {
   RectF box;               ///< as the detector gave it
   float roll_degrees = 0;  ///< rotation in the image plane, clockwise as seen; 0 is upright
   FaceLandmarks landmarks;
+};
+
+/// Faces in the caller's memory, which stay there as long as the span is used: one, or those of a
+/// vector or an array, from which it is made by itself.
+class FaceSpan {
+ public:
+  constexpr FaceSpan() = default;  ///< no faces
+  constexpr FaceSpan(const Face* faces, size_t count) : faces_(faces), count_(count) {}
+  constexpr FaceSpan(const Face& face) : FaceSpan(&face, 1) {}
+  FaceSpan(const std::vector<Face>& faces) : FaceSpan(faces.data(), faces.size()) {}
+  template <size_t count>
+  constexpr FaceSpan(const std::array<Face, count>& faces) : FaceSpan(faces.data(), count) {}
+  template <size_t count>
+  constexpr FaceSpan(const Face (&faces)[count]) : FaceSpan(faces, count) {}
+
+  constexpr const Face* begin() const { return faces_; }
+  constexpr const Face* end() const { return faces_ + count_; }
+  constexpr size_t size() const { return count_; }
+  constexpr bool empty() const { return count_ == 0; }
+  constexpr const Face& operator[](size_t index) const { return faces_[index]; }
+
+ private:
+  const Face* faces_ = nullptr;
+  size_t count_ = 0;
 };
 
 /// A face from the centres of its eyes alone: the canonical face, moved, turned and scaled so that

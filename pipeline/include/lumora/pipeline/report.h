@@ -2,10 +2,11 @@
 #ifndef LUMORA_PIPELINE_REPORT_H_
 #define LUMORA_PIPELINE_REPORT_H_
 
-#include <string>
 #include <vector>
 
 #include "lumora/geometry/rectangle.h"
+#include "lumora/pipeline/chain.h"
+#include "lumora/pipeline/device.h"
 
 namespace lumora {
 
@@ -21,19 +22,20 @@ struct FaceTone {
   bool saturation_shifted = false;
 };
 
-/// What one call did. After a failed call the chain is empty.
+/// What one call did. The caller owns it, and may use one again and again: a call empties it first
+/// and keeps its memory. After a failed call it is empty.
 struct Report {
-  std::string chain;        ///< "none" (nothing to do), "preview", "capture" or "convert"
-  std::string buffer_kind;  ///< how CPU and GPU share memory: "staged", "memobj"; empty for "none"
-  int faces = 0;            ///< faces processed: those that can be, see Pipeline::Process
+  ChainUsed chain = ChainUsed::NoCall;
+  BufferKind buffer_kind = BufferKind::None;  ///< how CPU and GPU shared memory
+  int faces = 0;                  ///< faces processed: those that can be, see Pipeline::Process
   std::vector<FaceTone> tones;    ///< the faces that were whitened
   std::vector<PixelRect> blocks;  ///< what was drawn, clipped to the frame: one rectangle a block
                                   ///< of a capture, the whole frame in the preview chain
-  double upload_ms = 0;           ///< copying the caller's frame in; 0 for "none"
+  double upload_ms = 0;           ///< copying the caller's frame in; 0 where nothing was done
   double whiten_ms = 0;           ///< whitening with its blending; set-up included; 0 when off
   double slim_ms = 0;             ///< slimming; set-up included; 0 when off
   double engine_ms = 0;  ///< all of the engine's work: whitening, slimming, rectifying, converting
-  double download_ms = 0;  ///< copying the result out; for "none" the whole copy
+  double download_ms = 0;  ///< copying the result out; where nothing was done the whole copy
 };
 
 }  // namespace lumora

@@ -45,7 +45,7 @@ TEST_F(PipelineTest, RectifyMapsTheFrameOntoTheQuadWhateverItsSize) {
       Report report;
       const Status status = pipeline_->Rectify(in.const_view(), out.view(), degree, &report);
       ASSERT_TRUE(status.ok()) << status.message;
-      EXPECT_EQ(report.chain, "preview");
+      EXPECT_EQ(report.chain, ChainUsed::Preview);
       EXPECT_GT(report.engine_ms, 0);
       const auto quad = reference::QuadOfDegree(degree);
       ExpectLuma(
@@ -63,7 +63,7 @@ TEST_F(PipelineTest, RectifyByNothingIsAByteCopy) {
   Report report;
   ASSERT_TRUE(pipeline_->Rectify(in.const_view(), out.view(), 0, &report).ok());
   EXPECT_TRUE(out.Read() == samples);
-  EXPECT_EQ(report.chain, "none");
+  EXPECT_EQ(report.chain, ChainUsed::None);
 }
 
 /// The radial map of a whole frame: a slight enlargement, then the polynomial.

@@ -25,7 +25,7 @@ class SlimmingCaptureTest : public PipelineTest {
     FrameMemory out(PixelFormat::I420, width, height);
     in.Fill(samples);
     const Status status =
-        pipeline_->Process(in.const_view(), out.view(), faces, kFull, report, {chain});
+        pipeline_->Process({in.const_view(), out.view(), faces, kFull, chain}, report);
     EXPECT_TRUE(status.ok()) << status.message;
     return out.Read();
   }

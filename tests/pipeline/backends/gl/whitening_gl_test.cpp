@@ -49,7 +49,7 @@ class WhiteningTest : public PipelineTest {
     FrameMemory out(PixelFormat::NV21, width, height);
     in.Fill(samples);
     const Status status =
-        pipeline_->Process(in.const_view(), out.view(), faces, look, report, {chain});
+        pipeline_->Process({in.const_view(), out.view(), faces, look, chain}, report);
     EXPECT_TRUE(status.ok()) << status.message;
     return out.Read();
   }
@@ -68,10 +68,11 @@ TEST_F(WhiteningTest, ChangesNothingOutsideTheEllipsesAndCirclesInAnyChainOrForm
           FrameMemory out(format, width, height, 9);
           in.Fill(samples);
           Report report;
-          const Status status = pipeline_->Process(in.const_view(), out.view(), faces,
-                                                   LookOf(slim, 100, 60), &report, {chain});
+          const Status status = pipeline_->Process(
+              {in.const_view(), out.view(), faces, LookOf(slim, 100, 60), chain}, &report);
           ASSERT_TRUE(status.ok()) << status.message;
-          EXPECT_EQ(report.chain, chain == Chain::Capture ? "capture" : "preview");
+          EXPECT_EQ(report.chain,
+                    chain == Chain::Capture ? ChainUsed::Capture : ChainUsed::Preview);
           const TouchedArea area(faces, slim > 0 ? faces : std::vector<Face>{}, width, height);
           const AreaChanges changes = CountChanges(samples, out.Read(), width, height, area);
           EXPECT_EQ(changes.outside, 0) << width << " x " << height << " slim " << slim;
@@ -245,10 +246,10 @@ TEST_F(WhiteningTest, EverythingOffIsAByteCopy) {
     Report report;
     EXPECT_TRUE(Whitened(samples, 97, 133, {FaceIn(97, 133)}, LookOf(0, 0), chain, &report) ==
                 samples);
-    EXPECT_EQ(report.chain, "none");
+    EXPECT_EQ(report.chain, ChainUsed::None);
     EXPECT_TRUE(Whitened(samples, 97, 133, {FaceIn(97, 133)}, LookOf(0, 50, 0, Effect::Saturation),
                          chain, &report) == samples);
-    EXPECT_EQ(report.chain, "none");
+    EXPECT_EQ(report.chain, ChainUsed::None);
   }
 }
 
@@ -267,7 +268,7 @@ TEST_F(WhiteningTest, AResultDoesNotDependOnWhatCameBefore) {
     const auto alone = Pipeline::Create(nullptr);
     FrameMemory in(PixelFormat::NV21, width, height), out(PixelFormat::NV21, width, height);
     in.Fill(samples);
-    ASSERT_TRUE(alone->Process(in.const_view(), out.view(), faces, look, nullptr, {chain}).ok());
+    ASSERT_TRUE(alone->Process({in.const_view(), out.view(), faces, look, chain}).ok());
     first.push_back(out.Read());
   }
   for (int round = 0; round < 2; ++round) {
@@ -288,8 +289,7 @@ TEST_F(WhiteningTest, AFrameIsProcessedInPlace) {
   for (const Chain chain : kChains) {
     FrameMemory frame(PixelFormat::I420, width, height, 3);
     frame.Fill(samples);
-    ASSERT_TRUE(
-        pipeline_->Process(frame.const_view(), frame.view(), faces, look, nullptr, {chain}).ok());
+    ASSERT_TRUE(pipeline_->Process({frame.const_view(), frame.view(), faces, look, chain}).ok());
     EXPECT_TRUE(frame.Read() == Whitened(samples, width, height, faces, look, chain));
     EXPECT_TRUE(frame.GuardsIntact());
   }
@@ -303,7 +303,7 @@ TEST_F(WhiteningTest, LargeStillsTakeTheCaptureChainInBlocksAroundFaces) {
   Report report;
   const Samples result =
       Whitened(samples, width, height, faces, LookOf(40, 50), Chain::Auto, &report);
-  EXPECT_EQ(report.chain, "capture");
+  EXPECT_EQ(report.chain, ChainUsed::Capture);
   EXPECT_GT(report.whiten_ms, 0);
   EXPECT_GT(report.slim_ms, 0);
   EXPECT_GE(report.engine_ms, report.whiten_ms);
@@ -329,7 +329,7 @@ TEST_F(WhiteningTest, PreviewsServeUpTo1280PixelsAcrossAndCapturesBeyond) {
     Report report;
     Whitened(SkinSamples(width, 64), width, 64, {FaceFromEyes({600, 24}, {610, 24})}, LookOf(0, 50),
              Chain::Auto, &report);
-    EXPECT_EQ(report.chain, width > 1280 ? "capture" : "preview");
+    EXPECT_EQ(report.chain, width > 1280 ? ChainUsed::Capture : ChainUsed::Preview);
   }
 }
 
@@ -347,14 +347,14 @@ TEST_F(WhiteningTest, AnEngineThatCannotDrawFailsWithASentenceAndRecovers) {
       {
         const FramebuffersIncomplete fault;
         const Status status =
-            pipeline_->Process(in.const_view(), out.view(), faces, look, &report, {chain});
+            pipeline_->Process({in.const_view(), out.view(), faces, look, chain}, &report);
         EXPECT_EQ(status.code, StatusCode::EngineFailed);
         EXPECT_THAT(status.message, testing::HasSubstr("set up"));
       }
       EXPECT_EQ(out.Everything(), before);
-      EXPECT_EQ(report.chain, "");
+      EXPECT_EQ(report.chain, ChainUsed::NoCall);
       EXPECT_TRUE(
-          pipeline_->Process(in.const_view(), out.view(), faces, look, &report, {chain}).ok());
+          pipeline_->Process({in.const_view(), out.view(), faces, look, chain}, &report).ok());
       EXPECT_FALSE(out.Read() == in.Read());
     }
   }
