@@ -6,7 +6,7 @@
 #include "fuzz/support/files.h"
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
-#include "lumora/engine/lens_files.h"
+#include "lumora/engine/internal/lens_files.h"
 #include "lumora/geometry/lens.h"
 #include "lumora/platform/settings.h"
 
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   root.write(second ? "sys/android_camera2/sensor" : "sys/android_camera/sensor", sensor);
   root.write("system/etc/lens_1", parameters);
 
-  const auto k = lumora::ReadLensCoefficients(second);
+  const auto k = lumora::engine::ReadLensCoefficients(second);
   const bool changed =
       !std::equal(k.begin(), k.end(), std::begin(lumora::kDefaultLensCoefficients));
   const bool named = Text(sensor).find("lens") != std::string::npos;

@@ -5,6 +5,7 @@
 // as texels whose bytes in memory are (Y, C0, C1, 255): C0 and C1 are the bytes of the pixel's
 // chroma pair in the order in which the frame has them (Cr, Cb in the frames that the shader
 // programs expect). Chroma is not filtered: the four pixels of a 2x2 square share one pair.
+// clang-format off
 //
 // Source     Luma of pixel (col, row) is the byte at  luma + row * srcStride + col;  its chroma
 //            pair is at  chroma + (row >> 1) * srcStride + (col & ~1).  Both planes have rows of
@@ -49,6 +50,8 @@
 //       one row before row dstHeight, and after h = 1 one row behind it.
 //   Rows of a pair that overlap in the destination are written group by group, the upper row
 //   first. All of the memory that these rules name must be readable and writable.
+//
+// clang-format on
 //
 // Nothing is checked and nothing is reported: null pointers and short buffers are errors of the
 // caller. Source and destination must not overlap.

@@ -5,32 +5,13 @@
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
 
-#include <cstdint>
-
+#include "lumora/engine/engine_types.h"
 #include "lumora/engine/face_info.h"
 #include "lumora/export.h"
 #include "lumora/gl/gl_program.h"
 #include "lumora/gl/segl_image.h"
 
-/// Which shifts whitening applies. Every value builds the same ellipses; values that are not named
-/// here shift nothing.
-enum BEAUTYSHOT_EFFECT_t : int32_t {
-  BEAUTYSHOT_EFFECT_INTENSITY = 3,
-  BEAUTYSHOT_EFFECT_SATURATION = 4,
-  BEAUTYSHOT_EFFECT_BOTH = 8,
-  BEAUTYSHOT_EFFECT_MASK = 15,  ///< no shift, the outer ellipse enlarged by a tenth
-};
-
 namespace android {
-
-/// The block rectangle that was processed for one face, in pixels of the full frame; -1 when unset.
-struct FaceProcessRect {
-  int X = -1;
-  int Y = -1;
-  int Width = -1;
-  int Height = -1;
-  int nFlag = 0;
-};
 
 /// One engine: for the preview stream of a camera (Init), or for one still capture (InitCapture).
 ///
@@ -66,10 +47,8 @@ class LUMORA_API GPUBeautyFace {
 
   // clang-format off
   /// Prepares the preview path; a set-up that is still there is released first.
-  ///   nSrcImageWidth, nSrcImageHeight
-  ///               size of the caller's frames, pixels; the width is even and at least 16
-  ///   procWidth, procHeight
-  ///               size of the result, normally the same; a result that is wider in shape than the
+  ///   nSrcImage*  size of the caller's frames, pixels; the width is even and at least 16
+  ///   proc*       size of the result, normally the same; a result that is wider in shape than the
   ///               source lays the frame across (`m_bRotate`)
   ///   pStride     with colorCvt: receives the source width rounded up to 32; else not written
   ///   colorCvt    the caller fills the input image through LoadPreviewFrameBuffer and ConvertYUV,
@@ -121,11 +100,9 @@ class LUMORA_API GPUBeautyFace {
   // Single passes over a whole image: 1, or 0 when a program or image is missing.
   int DrawColorConvertYUV2RGB();  ///< input image to work image 0
   int DrawColorConvertRGB2HSI();  ///< work image 0 to work image 1
-  int DrawColorConvertHSI2YUV();  ///< result image to input image, at the current texture
-                                  ///< coordinates
+  int DrawColorConvertHSI2YUV();  ///< result to input image, texture coordinates as they are
   int DrawColorConvertYUV2HSI();  ///< input image to work image 0
-  /// Packs luma, four samples a texel. nSrc below 1: the input image; else work image (nSrc - 1)
-  /// mod 2.
+  /// Packs luma, four samples a texel. nSrc < 1: the input image; else work image (nSrc - 1) mod 2.
   int DrawRGBtoYY(int nSrc);
   /// Packs chroma, two pairs a texel, from the same sources.
   int DrawRGBtoUV(int nSrc);

@@ -2,11 +2,11 @@
 #include <algorithm>
 
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/engine/internal/lens_files.h"
 #include "lumora/engine/internal/limited_pass.h"
 #include "lumora/engine/internal/pass.h"
 #include "lumora/engine/internal/preview_frame.h"
 #include "lumora/engine/internal/target.h"
-#include "lumora/engine/lens_files.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/quad.h"
 #include "lumora/programs/rectification_programs.h"
@@ -69,7 +69,7 @@ int GPUBeautyFace::SetRadialRectParameters(int camera) {
     LOGE("[%s] program or image is missing", "SetRadialRectParameters");
     return 0;
   }
-  const auto coefficients = lumora::ReadLensCoefficients(camera == 1);
+  const auto coefficients = internal::ReadLensCoefficients(camera == 1);
   std::copy(coefficients.begin(), coefficients.end(), program->m_fvKval);
   return 1;
 }

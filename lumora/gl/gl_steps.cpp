@@ -13,7 +13,7 @@ LUMORA_LOG_TAG("EGLImageTest");
 
 namespace {
 
-/// A text buffer of the C allocator that releases itself; `get` is null when there is no memory.
+/// A text buffer of the C allocator that releases itself; `Get` is null when there is no memory.
 class InfoLog {
  public:
   explicit InfoLog(GLint length)
@@ -22,7 +22,7 @@ class InfoLog {
   ~InfoLog() { std::free(text_); }
   InfoLog(const InfoLog&) = delete;
   InfoLog& operator=(const InfoLog&) = delete;
-  char* get() const { return text_; }
+  char* Get() const { return text_; }
 
  private:
   char* text_;
@@ -75,9 +75,9 @@ unsigned int LoadShader(unsigned int type, const char* source) {
   glGetShaderiv(shader, GL_INFO_LOG_LENGTH, &log_length);
   if (log_length == 0) return shader;  // some drivers report no status; the link step decides
   const InfoLog log(log_length);
-  if (log.get() != nullptr) {
-    glGetShaderInfoLog(shader, log_length, nullptr, log.get());
-    LOGE("Could not compile shader %d:\n%s\n", static_cast<int>(type), log.get());
+  if (log.Get() != nullptr) {
+    glGetShaderInfoLog(shader, log_length, nullptr, log.Get());
+    LOGE("Could not compile shader %d:\n%s\n", static_cast<int>(type), log.Get());
   }
   glDeleteShader(shader);
   return 0;
@@ -106,9 +106,9 @@ unsigned int CreateProgram(const char* vertexSource, const char* fragmentSource)
   GLint log_length = 0;
   glGetProgramiv(program, GL_INFO_LOG_LENGTH, &log_length);
   const InfoLog log(log_length);
-  if (log.get() != nullptr) {
-    glGetProgramInfoLog(program, log_length, nullptr, log.get());
-    LOGE("Could not link program:\n%s\n", log.get());
+  if (log.Get() != nullptr) {
+    glGetProgramInfoLog(program, log_length, nullptr, log.Get());
+    LOGE("Could not link program:\n%s\n", log.Get());
   }
   glDeleteProgram(program);
   return 0;

@@ -21,7 +21,7 @@ constexpr unsigned short kGreen = 0x07E0;
 constexpr unsigned short kBlue = 0x001F;
 
 // The header of the TGA file that this thread read last.
-thread_local uint8_t s_tgaHeader[18];
+thread_local uint8_t tga_header[18];
 constexpr int kTgaWidth = 12;
 constexpr int kTgaHeight = 14;
 constexpr int kTgaDepth = 16;
@@ -29,14 +29,14 @@ constexpr int kTgaDepth = 16;
 constexpr size_t kMaxTgaSize = size_t{1} << 30;
 
 // Elements of the destination of this thread's last InputImageMemcopy.
-thread_local int s_nImageElements = 0;
+thread_local int image_elements = 0;
 
 int AlignedWidth(int width) {
   return (width + 31) & ~31;
 }
 
 unsigned TgaNumber(int offset) {
-  return s_tgaHeader[offset] | static_cast<unsigned>(s_tgaHeader[offset + 1]) << 8;
+  return tga_header[offset] | static_cast<unsigned>(tga_header[offset + 1]) << 8;
 }
 
 unsigned short StripeColour(unsigned column, unsigned width) {
@@ -74,17 +74,17 @@ unsigned char* LoadTGA(const char* path, unsigned int* pWidth, unsigned int* pHe
                        unsigned int* pFormat) {
   std::FILE* file = lumora::platform::OpenRegularFile(path);
   if (file == nullptr) return nullptr;
-  std::memset(s_tgaHeader, 0, sizeof(s_tgaHeader));
-  const size_t header = std::fread(s_tgaHeader, 1, sizeof(s_tgaHeader), file);
+  std::memset(tga_header, 0, sizeof(tga_header));
+  const size_t header = std::fread(tga_header, 1, sizeof(tga_header), file);
   *pWidth = TgaNumber(kTgaWidth);
   *pHeight = TgaNumber(kTgaHeight);
-  const unsigned pixel_bytes = s_tgaHeader[kTgaDepth] >> 3;
+  const unsigned pixel_bytes = tga_header[kTgaDepth] >> 3;
   *pFormat = pixel_bytes == 3 ? GL_RGB : GL_RGBA;
 
   const size_t size = static_cast<size_t>(pixel_bytes) * *pWidth * *pHeight;
   auto* pixels = size <= kMaxTgaSize ? new (std::nothrow) unsigned char[size] : nullptr;
   if (pixels != nullptr) {
-    const size_t count = header == sizeof(s_tgaHeader) ? std::fread(pixels, 1, size, file) : 0;
+    const size_t count = header == sizeof(tga_header) ? std::fread(pixels, 1, size, file) : 0;
     std::memset(pixels + count, 0, size - count);
   }
   std::fclose(file);
@@ -93,9 +93,9 @@ unsigned char* LoadTGA(const char* path, unsigned int* pWidth, unsigned int* pHe
 
 int InputImageMemcopy(unsigned short* src, unsigned short* dst, int w, int h) {
   const int aligned = AlignedWidth(w);
-  s_nImageElements = h * aligned;
+  image_elements = h * aligned;
   if (aligned == w) {
-    std::memcpy(dst, src, static_cast<size_t>(s_nImageElements) * 2);
+    std::memcpy(dst, src, static_cast<size_t>(image_elements) * 2);
     return 1;
   }
   const lumora::gl::StepTimer timer;

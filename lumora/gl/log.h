@@ -22,7 +22,7 @@ struct LogChannel {
   unsigned char mask = 0x80;
 
   /// Whether `priority` is to be printed; asks the platform while the mask is unset.
-  bool enabled(LogPriority priority) {
+  bool Enables(LogPriority priority) {
     unsigned char levels = __atomic_load_n(&mask, __ATOMIC_RELAXED);
     if ((levels & 0x80) != 0) levels = __korvolog_init_mask(tag, -1, &mask);
     return (levels & LevelBit(priority)) != 0;
@@ -38,7 +38,7 @@ struct LogChannel {
   static_assert(true, "")
 
 #define LUMORA_LOG(priority, ...)                                                       \
-  (g_log_channel.enabled(priority)                                                      \
+  (g_log_channel.Enables(priority)                                                      \
        ? static_cast<void>(::lumora::platform::PrinterFor(priority, g_log_channel.tag)( \
              priority, g_log_channel.tag, __VA_ARGS__))                                 \
        : static_cast<void>(0))

@@ -1,5 +1,5 @@
 // The sensor and parameter files of a lens, in every shape that they may have.
-#include "lumora/engine/lens_files.h"
+#include "lumora/engine/internal/lens_files.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -19,6 +19,8 @@
 
 namespace lumora::test {
 namespace {
+
+using engine::ReadLensCoefficients;
 
 constexpr float k0 = 1.00453f;
 constexpr float k1 = -0.0214308f;

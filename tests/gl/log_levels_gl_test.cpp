@@ -49,10 +49,10 @@ TEST(LogChannels, AskAgainOnlyWhileTheMaskIsUnset) {
   LogChannel channel{"a tag"};
   EXPECT_EQ(channel.mask, 0x80);
   const ScopedLogLevels levels("a tag", LevelBit(3) | LevelBit(6));
-  EXPECT_TRUE(channel.enabled(kLogDebug));
+  EXPECT_TRUE(channel.Enables(kLogDebug));
   EXPECT_EQ(channel.mask, 0x12);
-  EXPECT_FALSE(channel.enabled(kLogInfo));
-  EXPECT_TRUE(channel.enabled(kLogError));
+  EXPECT_FALSE(channel.Enables(kLogInfo));
+  EXPECT_TRUE(channel.Enables(kLogError));
   EXPECT_EQ(MaskRequests("a tag"), 1);
 }
 
@@ -60,8 +60,8 @@ TEST(LogChannels, AskAtEverySiteWhereThePlatformLeavesBitSevenSet) {
   LogChannel channel{"undecided"};
   const ScopedLogLevels levels("undecided", 0x80 | LevelBit(4));
   for (int site = 1; site <= 3; ++site) {
-    EXPECT_TRUE(channel.enabled(kLogInfo)) << "the answer counts all the same";
-    EXPECT_FALSE(channel.enabled(kLogError));
+    EXPECT_TRUE(channel.Enables(kLogInfo)) << "the answer counts all the same";
+    EXPECT_FALSE(channel.Enables(kLogError));
     EXPECT_EQ(MaskRequests("undecided"), 2 * site);
   }
 }
@@ -71,8 +71,8 @@ TEST(LogChannels, AskForTheNullTagAsSuch) {
   const int before = MaskRequests(kNoTag);
   const int before_empty = MaskRequests("");
   const ScopedLogLevels levels(kNoTag, LevelBit(6));
-  EXPECT_FALSE(channel.enabled(kLogDebug));
-  EXPECT_TRUE(channel.enabled(kLogError));
+  EXPECT_FALSE(channel.Enables(kLogDebug));
+  EXPECT_TRUE(channel.Enables(kLogError));
   EXPECT_EQ(MaskRequests(kNoTag), before + 1);
   EXPECT_EQ(MaskRequests(""), before_empty);
 }
@@ -85,7 +85,7 @@ TEST(LogChannels, ReachEachPriorityByItsOwnBit) {
   for (const auto& own : bits) {
     for (const auto& other : bits) {
       LogChannel channel{"bits", other.bit};
-      EXPECT_EQ(channel.enabled(own.priority), own.bit == other.bit);
+      EXPECT_EQ(channel.Enables(own.priority), own.bit == other.bit);
     }
   }
 }

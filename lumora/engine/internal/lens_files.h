@@ -1,10 +1,10 @@
 // The files that tell a camera's lens coefficients.
-#ifndef LUMORA_ENGINE_LENS_FILES_H_
-#define LUMORA_ENGINE_LENS_FILES_H_
+#ifndef LUMORA_ENGINE_INTERNAL_LENS_FILES_H_
+#define LUMORA_ENGINE_INTERNAL_LENS_FILES_H_
 
 #include <array>
 
-namespace lumora {
+namespace lumora::engine {
 
 /// Coefficients k0 .. k3 of the lens of the first or second camera. The camera's sensor name is the
 /// first word after the first space in "/sys/android_camera/sensor" ("/sys/android_camera2/sensor"
@@ -14,6 +14,6 @@ namespace lumora {
 /// follows it, keeps the default of kDefaultLensCoefficients. Paths lie below the system root.
 std::array<float, 4> ReadLensCoefficients(bool second_camera);
 
-}  // namespace lumora
+}  // namespace lumora::engine
 
-#endif  // LUMORA_ENGINE_LENS_FILES_H_
+#endif  // LUMORA_ENGINE_INTERNAL_LENS_FILES_H_

@@ -1,4 +1,4 @@
-#include "lumora/engine/lens_files.h"
+#include "lumora/engine/internal/lens_files.h"
 
 #include <algorithm>
 #include <climits>
@@ -12,7 +12,7 @@
 #include "lumora/platform/regular_file.h"
 #include "lumora/platform/settings.h"
 
-namespace lumora {
+namespace lumora::engine {
 namespace {
 
 constexpr size_t kTextSize = 100;
@@ -63,4 +63,4 @@ std::array<float, 4> ReadLensCoefficients(bool second_camera) {
   return k;
 }
 
-}  // namespace lumora
+}  // namespace lumora::engine
