@@ -40,8 +40,8 @@ __attribute__((weak)) void __android_log_write_logger_data(__android_logger_data
 __attribute__((weak)) void __android_log_write_log_message(__android_log_message* message);
 
 // The process's logger, and the one that it starts with. In releases up to 29.
-using __android_logger_function = void (*)(const __android_logger_data* data, const char* message);
-void __android_log_set_logger(__android_logger_function logger);
+using LiblogLogger = void (*)(const __android_logger_data* data, const char* message);
+void __android_log_set_logger(LiblogLogger logger);
 void __android_log_stderr_logger(const __android_logger_data* data, const char* message);
 
 }  // extern "C"

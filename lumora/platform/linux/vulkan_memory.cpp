@@ -62,14 +62,14 @@ bool VulkanMemory::Open(const DeviceIdentity& identity) {
         opened->get_proc_address(device_, name));
     complete = complete && function != nullptr;
   };
-  look(call_.CreateImage, "vkCreateImage");
-  look(call_.DestroyImage, "vkDestroyImage");
-  look(call_.GetImageMemoryRequirements, "vkGetImageMemoryRequirements");
-  look(call_.GetImageSubresourceLayout, "vkGetImageSubresourceLayout");
-  look(call_.AllocateMemory, "vkAllocateMemory");
-  look(call_.FreeMemory, "vkFreeMemory");
-  look(call_.MapMemory, "vkMapMemory");
-  look(call_.GetMemoryFdKHR, "vkGetMemoryFdKHR");
+  look(call_.vkCreateImage, "vkCreateImage");
+  look(call_.vkDestroyImage, "vkDestroyImage");
+  look(call_.vkGetImageMemoryRequirements, "vkGetImageMemoryRequirements");
+  look(call_.vkGetImageSubresourceLayout, "vkGetImageSubresourceLayout");
+  look(call_.vkAllocateMemory, "vkAllocateMemory");
+  look(call_.vkFreeMemory, "vkFreeMemory");
+  look(call_.vkMapMemory, "vkMapMemory");
+  look(call_.vkGetMemoryFdKHR, "vkGetMemoryFdKHR");
   return complete;
 }
 
@@ -89,12 +89,12 @@ std::optional<VulkanAllocation> VulkanMemory::Allocate(const BufferGeometry& geo
   info.memoryTypeIndex = *type;
   VulkanAllocation allocation{};
   allocation.size = static_cast<size_t>(info.allocationSize);
-  if (call_.AllocateMemory(device_, &info, nullptr, &allocation.memory) != VK_SUCCESS) {
+  if (call_.vkAllocateMemory(device_, &info, nullptr, &allocation.memory) != VK_SUCCESS) {
     return std::nullopt;
   }
   void* address = nullptr;
-  if (call_.MapMemory(device_, allocation.memory, 0, VK_WHOLE_SIZE, 0, &address) != VK_SUCCESS) {
-    call_.FreeMemory(device_, allocation.memory, nullptr);
+  if (call_.vkMapMemory(device_, allocation.memory, 0, VK_WHOLE_SIZE, 0, &address) != VK_SUCCESS) {
+    call_.vkFreeMemory(device_, allocation.memory, nullptr);
     return std::nullopt;
   }
   allocation.address = static_cast<unsigned char*>(address);
@@ -105,7 +105,7 @@ std::optional<VulkanAllocation> VulkanMemory::Allocate(const BufferGeometry& geo
 }
 
 void VulkanMemory::Release(const VulkanAllocation& allocation) const {
-  call_.FreeMemory(device_, allocation.memory, nullptr);  // unmaps as well
+  call_.vkFreeMemory(device_, allocation.memory, nullptr);  // unmaps as well
 }
 
 int VulkanMemory::ExportDescriptor(const VulkanAllocation& allocation) const {
@@ -114,7 +114,7 @@ int VulkanMemory::ExportDescriptor(const VulkanAllocation& allocation) const {
   info.memory = allocation.memory;
   info.handleType = VK_EXTERNAL_MEMORY_HANDLE_TYPE_OPAQUE_FD_BIT;
   int descriptor = -1;
-  return call_.GetMemoryFdKHR(device_, &info, &descriptor) == VK_SUCCESS ? descriptor : -1;
+  return call_.vkGetMemoryFdKHR(device_, &info, &descriptor) == VK_SUCCESS ? descriptor : -1;
 }
 
 // What memory an image of this size needs; nothing when its rows do not lie as the geometry says.
@@ -126,13 +126,13 @@ std::optional<VkMemoryRequirements> VulkanMemory::Requirements(
   external.handleTypes = VK_EXTERNAL_MEMORY_HANDLE_TYPE_OPAQUE_FD_BIT;
   const VkImageCreateInfo info = SharedImage(geometry.width, geometry.height, &external);
   VkImage image = VK_NULL_HANDLE;
-  if (call_.CreateImage(device_, &info, nullptr, &image) != VK_SUCCESS) return std::nullopt;
+  if (call_.vkCreateImage(device_, &info, nullptr, &image) != VK_SUCCESS) return std::nullopt;
   constexpr VkImageSubresource kColor = {VK_IMAGE_ASPECT_COLOR_BIT, 0, 0};
   VkSubresourceLayout layout{};
   VkMemoryRequirements needed{};
-  call_.GetImageSubresourceLayout(device_, image, &kColor, &layout);
-  call_.GetImageMemoryRequirements(device_, image, &needed);
-  call_.DestroyImage(device_, image, nullptr);
+  call_.vkGetImageSubresourceLayout(device_, image, &kColor, &layout);
+  call_.vkGetImageMemoryRequirements(device_, image, &needed);
+  call_.vkDestroyImage(device_, image, nullptr);
   if (layout.offset != 0 || layout.rowPitch != geometry.RowBytes()) return std::nullopt;
   return needed;
 }
