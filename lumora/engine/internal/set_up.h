@@ -16,7 +16,8 @@ enum class SetUp {
 };
 
 /// The one place where the set-up is told from the engine's members. They alone tell: other code
-/// may write them, and may call the steps of a set-up one by one.
+/// may write them, and may call the steps of a set-up one by one. A release keeps the mode, so that
+/// a set-up by HSI is followed by one that has no images: then every pass ends for want of them.
 inline SetUp SetUpOf(const android::GPUBeautyFace& engine) {
   const bool colour = engine.m_bColorCvtMode;
   // Previews alone have the programs of the rectifications, which are made last.
