@@ -2,6 +2,9 @@
 #   lumora_platform_sources    paths relative to the folder of the library's CMakeLists.txt
 #   lumora_platform_libraries  what the body links to
 #   lumora_platform_rpath      run-time directories of libraries outside the loader's path
+#
+# A body is a folder with body.cmake and a source for each header of the seam, of the same name:
+# buffer/backing_factory.h, display.h, log.h, paths.h, property.h. What else it needs lies beside them.
 
 set(lumora_platform_sources
   platform/buffer/buffer_geometry.cpp

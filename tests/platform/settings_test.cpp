@@ -154,6 +154,7 @@ using lumora::platform::CacheDirectory;
 using lumora::platform::MakeCacheDirectory;
 using lumora::platform::SetCacheDirectory;
 using lumora::platform::SetSystemRoot;
+using lumora::platform::SystemPath;
 using lumora::platform::SystemRoot;
 
 TEST(CacheDirectory, IsBelowTheUsersCacheHome) {
@@ -247,6 +248,9 @@ TEST(SystemRoot, IsEmptyUnlessSomebodyChooses) {
   EXPECT_EQ(SystemRoot(), "/from/application");
   SetSystemRoot("/");
   EXPECT_EQ(SystemRoot(), "");
+  char path[16];
+  EXPECT_TRUE(SystemPath("/sys", path, sizeof(path)));
+  EXPECT_STREQ(path, "/sys");
   SetSystemRoot("");
   EXPECT_EQ(SystemRoot(), "/from/environment");
 }

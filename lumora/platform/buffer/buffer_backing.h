@@ -10,13 +10,13 @@
 
 namespace lumora::platform {
 
-/// Memory of one image and its GL side, which exists from createImage on.
-/// Thread and context: GL work happens only while the context of createImage is current.
+/// Memory of one image and its GL side, which exists from CreateImage on.
+/// Thread and context: GL work happens only while the context of CreateImage is current.
 class BufferBacking {
  public:
   virtual ~BufferBacking() = default;
 
-  /// How CPU and GPU share the memory; may turn to Staged in createImage.
+  /// How CPU and GPU share the memory; may turn to Staged in CreateImage.
   virtual BufferKind kind() const = 0;
 
   /// CPU address of the first pixel; fixed.
