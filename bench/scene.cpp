@@ -10,7 +10,7 @@
 #include <random>
 
 #include "bench/report.h"
-#include "pipeline/faces/face_record.h"
+#include "pipeline/plan/warp_geometry.h"
 
 namespace lumora::bench {
 namespace {

@@ -1,150 +1,32 @@
 #include "lumora/pipeline/converter.h"
 
-#include <cstddef>
+#include <memory>
 #include <utility>
 
-#include "lumora/convert/gpu_color_converter.h"
-#include "lumora/platform/display.h"
-#include "pipeline/backends/gl/engine_faults.h"
-#include "pipeline/backends/gl/gl_state.h"
+#include "pipeline/backends/backend.h"
 #include "pipeline/frames/frame_check.h"
-#include "pipeline/frames/frame_copy.h"
-#include "pipeline/support/failure.h"
 #include "pipeline/support/guarded.h"
 #include "pipeline/support/reported.h"
-#include "pipeline/support/serial_thread.h"
-#include "pipeline/support/stopwatch.h"
 
 namespace lumora {
-namespace {
 
-constexpr int kTexelBytes = 4;
-
-/// The engine's expansion writes whole images when rows are multiples of this many pixels.
-constexpr int kRowAlignment = 128;
-
-/// Copies the left part of an image of texels.
-void CopyImage(const uint8_t* texels, int texels_a_row, const ImageView& out) {
-  const auto from_stride = static_cast<size_t>(texels_a_row) * kTexelBytes;
-  for (int y = 0; y < out.height; ++y) {
-    const uint8_t* from = texels + static_cast<size_t>(y) * from_stride;
-    uint8_t* to = out.data + y * out.stride;
-    for (int x = 0; x < out.width; ++x, from += kTexelBytes, to += out.channels) {
-      for (int channel = 0; channel < 3; ++channel) to[channel] = from[channel];
-      if (out.channels == kTexelBytes) to[3] = 255;
-    }
-  }
-}
-
-/// Ends what a converter without a current context leaves behind.
-void EndParts(android::GPUColorConverter& engine) {
-  if (engine.m_eglSurface != EGL_NO_SURFACE) {
-    eglDestroySurface(engine.m_eglDisplay, engine.m_eglSurface);
-  }
-  if (engine.m_eglContext != EGL_NO_CONTEXT) {
-    eglDestroyContext(engine.m_eglDisplay, engine.m_eglContext);
-  }
-}
-
-}  // namespace
-
-/// The engine library's converter with the thread that it is bound to.
-class Converter::Worker {
- public:
-  Worker() {
-    thread_.Run([this] {
-      engine_ = std::make_unique<android::GPUColorConverter>();
-      engine_->m_bEGLReady ? platform::KeepDisplay(engine_->m_eglDisplay) : EndParts(*engine_);
-    });
-  }
-  ~Worker() {
-    thread_.Run([this] { engine_.reset(); });
-  }
-  Worker(const Worker&) = delete;
-  Worker& operator=(const Worker&) = delete;
-
-  bool Ready() {
-    return thread_.Run([this] { return engine_->m_bEGLReady; });
-  }
-
-  Status Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
-                 Report* report) {
-    return thread_.Run([&] { return ConvertHere(in, rgb, hsi, report); });
-  }
-
- private:
-  Status ConvertHere(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
-                     Report* report);
-  Status Prepare(int width, int height);
-
-  std::unique_ptr<android::GPUColorConverter> engine_;  // touched by thread_ only
-  PaddedFrame frame_{kRowAlignment};
-  ReportPlace reports_;
-  int width_ = 0;  // the size that the engine is set up for; 0 when it is not
-  int height_ = 0;
-  SerialThread thread_;
+struct Converter::Parts {
+  std::unique_ptr<ConverterBackend> backend;
 };
-
-Status Converter::Worker::ConvertHere(const ConstFrameView& in, const ImageView& rgb,
-                                      const ImageView& hsi, Report* report) {
-  report = reports_.For(report);
-  Stopwatch stopwatch;
-  frame_.Load(in);
-  report->upload_ms = stopwatch.Lap();
-  if (Status status = Prepare(frame_.width(), frame_.height()); !status.ok()) return status;
-
-  ClearGlErrors();
-  const bool done = engine_->ConvertYUV(frame_.luma()) != 0;
-  Status status = done ? CheckGlErrors() : EngineRefused();
-  report->engine_ms = stopwatch.Lap();
-  if (!status.ok()) {
-    width_ = height_ = 0;  // sets the engine up anew for the next frame
-    return status;
-  }
-  const unsigned char* rgb_pixels = rgb.data != nullptr ? engine_->GetRGB_Image() : nullptr;
-  const unsigned char* hsi_pixels = hsi.data != nullptr ? engine_->GetHSI_Image() : nullptr;
-  if ((rgb.data != nullptr && rgb_pixels == nullptr) ||
-      (hsi.data != nullptr && hsi_pixels == nullptr)) {
-    return EngineRefused();
-  }
-  // Nothing may fail any more once the images are written.
-  report->chain = ChainUsed::Convert;
-  report->buffer_kind = BufferKindHere();
-  if (rgb.data != nullptr) CopyImage(rgb_pixels, frame_.width(), rgb);
-  if (hsi.data != nullptr) CopyImage(hsi_pixels, frame_.width(), hsi);
-  report->download_ms = stopwatch.Lap();
-  return {};
-}
-
-Status Converter::Worker::Prepare(int width, int height) {
-  if (width == width_ && height == height_) return {};
-  if (Status status = CheckTextureSize(width, height); !status.ok()) return status;
-  width_ = height_ = 0;
-  int stride = 0;
-  engine_->Init(width, height, &stride);
-  const char* fault =
-      FaultOf({}, {engine_->m_pInputImage, engine_->m_pOutputImage[0], engine_->m_pOutputImage[1]},
-              {engine_->m_hFrameBuffer[0], engine_->m_hFrameBuffer[1]});
-  if (engine_->m_hYUV2RGBProgram == 0 || engine_->m_hRGB2HSIProgram == 0) fault = kNoProgram;
-  if (fault != nullptr) return NotSetUp(fault);
-  width_ = width;
-  height_ = height;
-  return {};
-}
 
 std::unique_ptr<Converter> Converter::Create(Status* status) {
   std::unique_ptr<Converter> converter;
   Status result = Guarded([&converter]() -> Status {
-    auto worker = std::make_unique<Worker>();
-    if (!worker->Ready()) return NoDisplay();
-    converter.reset(new Converter(std::move(worker)));
+    auto parts = std::make_unique<Parts>();
+    if (Status made = MakeGlConverter(&parts->backend); !made.ok()) return made;
+    converter.reset(new Converter(std::move(parts)));
     return {};
   });
   if (status != nullptr) *status = std::move(result);
   return converter;
 }
 
-Converter::Converter(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}
+Converter::Converter(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
 
 Converter::~Converter() = default;
 
@@ -152,7 +34,8 @@ Status Converter::Convert(const ConstFrameView& in, const ImageView& rgb, const 
                           Report* report) {
   return Reported(report, [&]() -> Status {
     if (Status checked = CheckConversion(in, rgb, hsi); !checked.ok()) return checked;
-    return worker_->Convert(in, rgb, hsi, report);
+    if (report != nullptr) report->chain = ChainUsed::Convert;
+    return parts_->backend->Convert(in, rgb, hsi, report);
   });
 }
 

@@ -1,95 +1,74 @@
 #include "lumora/pipeline/pipeline.h"
 
-#include <algorithm>
-#include <string>
+#include <memory>
 #include <utility>
 
-#include "lumora/geometry/frame_sizes.h"
-#include "pipeline/backends/gl/engine_faults.h"
-#include "pipeline/backends/gl/engine_host.h"
+#include "pipeline/backends/backend.h"
 #include "pipeline/frames/frame_check.h"
 #include "pipeline/frames/frame_copy.h"
-#include "pipeline/plan/warp_geometry.h"
-#include "pipeline/support/failure.h"
+#include "pipeline/plan/frame_plan.h"
+#include "pipeline/request_check.h"
 #include "pipeline/support/guarded.h"
 #include "pipeline/support/reported.h"
-#include "pipeline/support/serial_thread.h"
+#include "pipeline/support/spare.h"
 #include "pipeline/support/stopwatch.h"
 
 namespace lumora {
 namespace {
 
-Chain ChainFor(int width, Chain wanted) {
-  if (wanted != Chain::Auto) return wanted;
-  return RoundUpTo32(width) > kWidestWholeFrame ? Chain::Capture : Chain::Preview;
+/// What a plan has settled; a failure empties the report.
+void Tell(const FramePlan& plan, Report* report) {
+  report->chain = plan.chain == Chain::Capture ? ChainUsed::Capture : ChainUsed::Preview;
+  report->faces = static_cast<int>(plan.faces.size());
+  if (plan.whitens) report->tones = plan.whitening.tones;
 }
 
-/// Whether there is a face that can be processed, and a reason to.
-bool HasWork(FaceSpan faces, int width, int height, const Look& look) {
-  if (look.slim == 0 && !Whitens(look)) return false;
-  return std::any_of(faces.begin(), faces.end(),
-                     [&](const Face& face) { return IsSlimmable(face, width, height); });
-}
-
-void CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* report) {
+Status CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* report) {
   Stopwatch stopwatch;
   CopyFrame(in, out);  // asks for memory, if at all, before it writes
-  if (report == nullptr) return;
+  if (report == nullptr) return {};
   report->chain = ChainUsed::None;
   report->download_ms = stopwatch.Lap();
+  return {};
 }
 
 }  // namespace
 
-/// The engine and the thread that it is bound to.
-class Pipeline::Worker {
- public:
-  Worker() {
-    thread_.Run([this] { host_ = std::make_unique<EngineHost>(); });
-  }
-  ~Worker() {
-    thread_.Run([this] { host_.reset(); });
-  }
-  Worker(const Worker&) = delete;
-  Worker& operator=(const Worker&) = delete;
-
-  /// Calls `call` with the host, on the host's thread.
-  template <typename Call>
-  auto Run(Call call) {
-    return thread_.Run([this, &call] { return call(*host_); });
-  }
-
- private:
-  std::unique_ptr<EngineHost> host_;  // touched by thread_ only
-  SerialThread thread_;
+struct Pipeline::Parts {
+  std::unique_ptr<Backend> backend;
+  Spare<FramePlan> plans;
 };
 
 std::unique_ptr<Pipeline> Pipeline::Create(Status* status) {
   std::unique_ptr<Pipeline> pipeline;
   Status result = Guarded([&pipeline]() -> Status {
-    auto worker = std::make_unique<Worker>();
-    if (!worker->Run([](EngineHost& host) { return host.ready(); })) return NoDisplay();
-    pipeline.reset(new Pipeline(std::move(worker)));
+    auto parts = std::make_unique<Parts>();
+    if (Status made = MakeGlBackend(&parts->backend); !made.ok()) return made;
+    pipeline.reset(new Pipeline(std::move(parts)));
     return {};
   });
   if (status != nullptr) *status = std::move(result);
   return pipeline;
 }
 
-Pipeline::Pipeline(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}
+Pipeline::Pipeline(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
 
 Pipeline::~Pipeline() = default;
 
 Status Pipeline::Process(const FrameRequest& request, Report* report) {
   return Reported(report, [&]() -> Status {
-    const auto& [in, out, faces, look, wanted] = request;
+    const auto& [in, out, faces, look, chain] = request;
     if (Status checked = CheckArguments(in, out, faces, look); !checked.ok()) return checked;
-    if (!HasWork(faces, in.width, in.height, look)) {
-      CopyUnchanged(in, out, report);
-      return {};
-    }
-    const Chain chain = ChainFor(in.width, wanted);
-    return worker_->Run([&](EngineHost& host) { return host.Beautify(request, chain, report); });
+    const Spare<FramePlan>::Loan loan(parts_->plans);
+    FramePlan& plan = *loan;
+    Stopwatch stopwatch;
+    PlanFrame(in, faces, look, chain, &plan);
+    if (report != nullptr) report->plan_ms = stopwatch.Lap();
+    if (plan.faces.empty()) return CopyUnchanged(in, out, report);
+    if (report != nullptr) Tell(plan, report);
+    Status status = parts_->backend->Apply(plan, in, out, report);
+    if (plan.chain == Chain::Capture) plan = FramePlan();  // stills are rare
+    return status;
   });
 }
 
@@ -97,15 +76,10 @@ Status Pipeline::Rectify(const ConstFrameView& in, const FrameView& out, int deg
                          Report* report) {
   return Reported(report, [&]() -> Status {
     if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
-    if (degree < -100 || degree > 100) {
-      return Failure(StatusCode::InvalidArgument,
-                     "the degree is " + std::to_string(degree) + ", but its range is -100 to 100");
-    }
-    if (degree == 0) {
-      CopyUnchanged(in, out, report);
-      return {};
-    }
-    return worker_->Run([&](EngineHost& host) { return host.Rectify(in, out, degree, report); });
+    if (Status checked = CheckDegree(degree); !checked.ok()) return checked;
+    if (degree == 0) return CopyUnchanged(in, out, report);
+    if (report != nullptr) report->chain = ChainUsed::Preview;
+    return parts_->backend->Rectify(in, out, degree, report);
   });
 }
 
@@ -114,13 +88,13 @@ Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out, c
   return Reported(report, [&]() -> Status {
     if (Status checked = CheckFrames(in, out); !checked.ok()) return checked;
     if (Status checked = CheckLens(lens); !checked.ok()) return checked;
-    return worker_->Run(
-        [&](EngineHost& host) { return host.RectifyRadial(in, out, lens, report); });
+    if (report != nullptr) report->chain = ChainUsed::Preview;
+    return parts_->backend->RectifyRadial(in, out, lens, report);
   });
 }
 
 DeviceInfo Pipeline::Device() {
-  return OrNothing([this] { return worker_->Run([](EngineHost& host) { return host.Device(); }); });
+  return OrNothing([this] { return parts_->backend->Device(); });
 }
 
 }  // namespace lumora

@@ -83,12 +83,9 @@ float LogitOfIntensity(int value) {
   return static_cast<float>(-std::log(255.0 / value - 1.0) / kLogitSlope);
 }
 
-HsiSample SampleYuv(const unsigned char* frame, int x, int y, int stride, int height) {
-  const int64_t luma_at = int64_t{y} * stride + x;
-  const int64_t chroma_at = (x & ~1) + (int64_t{height} + y / 2) * stride;
-  const int luma = frame[luma_at];
-  const auto v = static_cast<float>((frame[chroma_at] - 127.5) / 208.1 * 255.0);
-  const auto u = static_cast<float>((frame[chroma_at + 1] - 127.5) / 293.6 * 255.0);
+HsiSample HsiOfYuv(int luma, int cr, int cb) {
+  const auto v = static_cast<float>((cr - 127.5) / 208.1 * 255.0);
+  const auto u = static_cast<float>((cb - 127.5) / 293.6 * 255.0);
   const int r = ClampToByte(luma + 1.13983 * v);
   const int g = ClampToByte(luma - 0.39465 * u - 0.5806 * v);
   const int b = ClampToByte(luma + 2.03211 * u);
@@ -101,6 +98,12 @@ HsiSample SampleYuv(const unsigned char* frame, int x, int y, int stride, int he
     sample.saturation = static_cast<int>(range / static_cast<float>(largest) * 255.0f);
   }
   return sample;
+}
+
+HsiSample SampleYuv(const unsigned char* frame, int x, int y, int stride, int height) {
+  const int64_t luma_at = int64_t{y} * stride + x;
+  const int64_t chroma_at = (x & ~1) + (int64_t{height} + y / 2) * stride;
+  return HsiOfYuv(frame[luma_at], frame[chroma_at], frame[chroma_at + 1]);
 }
 
 bool EllipseShape::empty() const {

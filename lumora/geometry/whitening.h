@@ -30,9 +30,12 @@ struct HsiSample {
   int intensity;
 };
 
+/// The colour of a pixel of those samples. Weights are those of analogue YUV with the frame's own
+/// chroma scales.
+HsiSample HsiOfYuv(int luma, int cr, int cb);
+
 /// The pixel (x, y) of a semi-planar frame, Cr before Cb, whose chroma rows follow `height` luma
-/// rows; `stride` is in bytes. Weights are those of analogue YUV with the frame's own chroma
-/// scales.
+/// rows; `stride` is in bytes.
 HsiSample SampleYuv(const unsigned char* frame, int x, int y, int stride, int height);
 
 /// The colour of an HSI texel: hue in red (255 is a turn), saturation in green, intensity in blue.

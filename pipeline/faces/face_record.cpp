@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "pipeline/faces/landmarks.h"
-#include "pipeline/plan/warp_geometry.h"
 
 namespace lumora {
 namespace {
@@ -43,21 +42,6 @@ void SetLandmarks(const FaceLandmarks& at, FACE_INFO_t* record) {
 FACE_INFO_t LandmarkRecord(const Face& face) {
   FACE_INFO_t record{};
   SetLandmarks(face.landmarks, &record);
-  return record;
-}
-
-std::optional<FACE_INFO_t> MakeFaceRecord(const Face& face, int width, int height, int slim,
-                                          Chain chain) {
-  const std::optional<WarpMeasures> warp = MeasureWarp(face, width, height, slim, chain);
-  if (!warp) return std::nullopt;
-  FACE_INFO_t record = LandmarkRecord(face);
-  record.dist_valid = 1;
-  record.loc_x = warp->centre_x;
-  record.loc_y = warp->centre_y;
-  record.roll = warp->roll;
-  record.dist = warp->dist;
-  record.chin_dist = warp->chin_dist;
-  record.dist_level_ratio = warp->dist_level_ratio;
   return record;
 }
 

@@ -7,8 +7,8 @@
 #include <limits>
 #include <utility>
 
+#include "pipeline/faces/face_bounds.h"
 #include "pipeline/faces/landmarks.h"
-#include "pipeline/faces/number_bounds.h"
 #include "pipeline/support/guarded.h"
 
 namespace lumora {

@@ -1,11 +1,9 @@
 #include "pipeline/frames/frame_check.h"
 
-#include <cmath>
 #include <limits>
 #include <string>
 #include <utility>
 
-#include "pipeline/faces/number_bounds.h"
 #include "pipeline/frames/frame_layout.h"
 #include "pipeline/support/failure.h"
 
@@ -60,30 +58,6 @@ Status CheckFrame(const BasicFrameView<Byte>& frame, const char* which) {
   return {};
 }
 
-Status CheckScale(int value, const char* name) {
-  if (value >= 0 && value <= 100) return {};
-  return Invalid(std::string(name) + " is " + std::to_string(value) +
-                 ", but its range is 0 to 100");
-}
-
-std::string WholeText(float number) {
-  return std::to_string(static_cast<int>(number));
-}
-
-/// Makes no text for a face that is as it should be.
-Status CheckFace(const Face& face, size_t index, int width, int height) {
-  const float farthest = FarthestIn(width, height);
-  if (IsWithin(face, farthest)) return {};
-  const std::string subject = "face " + std::to_string(index) + " holds ";
-  constexpr float kLargest = std::numeric_limits<float>::max();
-  if (!IsWithin(face, kLargest, kLargest)) return Invalid(subject + "a number that is not finite");
-  if (!IsWithin(face.roll_degrees, kLargestRoll)) {
-    return Invalid(subject + "a roll of more than " + WholeText(kLargestRoll) + " degrees");
-  }
-  return Invalid(subject + "a number beyond " + WholeText(farthest) + ", " +
-                 WholeText(kFarthestInSides) + " times the longer side of the frame");
-}
-
 /// `which` is "RGB" or "HSI". An image that is left out is fine.
 Status CheckImage(const ConstFrameView& in, const ImageView& image, const std::string& which) {
   if (image.data == nullptr) return {};
@@ -114,32 +88,6 @@ Status CheckFrames(const ConstFrameView& in, const FrameView& out) {
                    " pixels, but the output frame is " + SizeText(out.width, out.height));
   }
   return {};
-}
-
-Status CheckArguments(const ConstFrameView& in, const FrameView& out, FaceSpan faces,
-                      const Look& look) {
-  if (Status status = CheckFrames(in, out); !status.ok()) return status;
-  if (Status status = CheckScale(look.slim, "slim"); !status.ok()) return status;
-  if (Status status = CheckScale(look.whiten, "whiten"); !status.ok()) return status;
-  if (Status status = CheckScale(look.saturate, "saturate"); !status.ok()) return status;
-  if (look.effect < Effect::Auto || look.effect > Effect::Mask) {
-    return Invalid("the effect (" + std::to_string(static_cast<int>(look.effect)) +
-                   ") is not one that there is");
-  }
-  for (size_t i = 0; i < faces.size(); ++i) {
-    if (Status status = CheckFace(faces[i], i, in.width, in.height); !status.ok()) return status;
-  }
-  return {};
-}
-
-Status CheckLens(const Lens& lens) {
-  const auto* const given = std::get_if<LensCoefficients>(&lens);
-  if (given == nullptr || IsUsable(*given)) return {};
-  for (const float k : {given->k0, given->k1, given->k2, given->k3}) {
-    if (!std::isfinite(k)) return Invalid("a lens coefficient is not finite");
-  }
-  const std::string most = WholeText(kLargestCoefficient);
-  return Invalid("a lens coefficient is beyond its range, which is -" + most + " to " + most);
 }
 
 Status CheckConversion(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi) {

@@ -1,4 +1,4 @@
-// What a pixel format says about its planes.
+// What sizes and formats say about frames and their planes.
 #ifndef LUMORA_PIPELINE_FRAMES_FRAME_LAYOUT_H_
 #define LUMORA_PIPELINE_FRAMES_FRAME_LAYOUT_H_
 
@@ -7,6 +7,11 @@
 #include "lumora/pipeline/frame.h"
 
 namespace lumora {
+
+/// The smallest frame, in both directions.
+constexpr int kSmallestSide = 32;
+/// The largest frame that can be addressed, in both directions; drivers usually allow less.
+constexpr int kLargestSide = 32768;
 
 constexpr int ChromaSize(int luma_size) {
   return (luma_size + 1) / 2;

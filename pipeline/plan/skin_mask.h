@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "lumora/geometry/rectangle.h"
 #include "lumora/pipeline/face.h"
-#include "lumora/pipeline/report.h"
 #include "pipeline/plan/whitening_geometry.h"
 
 namespace lumora {
@@ -31,7 +31,7 @@ class SkinMask {
 
   /// What the mask covers: whole chroma samples, of which the last one may reach a pixel beyond a
   /// frame with an odd side. Outside, weights are 0.
-  const PixelRect& bounds() const { return bounds_; }
+  const PixelRectangle& bounds() const { return bounds_; }
 
   /// The weights of a row of bounds(), as `bounds().width` numbers, before the pixels' own luma is
   /// looked at. `y` is a row of the frame. They are 0 outside of the outer ellipse; a pixel beyond
@@ -44,7 +44,7 @@ class SkinMask {
  private:
   void MakeGrid(const Face& face, const Ellipse& outer);
 
-  PixelRect bounds_;
+  PixelRectangle bounds_;
   int width_ = 0;  // of the frame
   int height_ = 0;
   EllipseRows outer_;

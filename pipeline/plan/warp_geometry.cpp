@@ -5,9 +5,9 @@
 
 #include "lumora/geometry/frame_sizes.h"
 #include "lumora/geometry/warp.h"
+#include "pipeline/faces/face_bounds.h"
 #include "pipeline/faces/face_record.h"
 #include "pipeline/faces/landmarks.h"
-#include "pipeline/faces/number_bounds.h"
 
 namespace lumora {
 namespace {
@@ -57,13 +57,6 @@ struct EngineFrame {
 /// The roll as the engine takes it: in whole degrees.
 int RollOf(const Face& face) {
   return static_cast<int>(std::lround(std::remainder(static_cast<double>(face.roll_degrees), 360)));
-}
-
-/// The radius of a record's warp, as the number that SlimmingCircle tells.
-double ToldRadiusOf(const FACE_INFO_t& record, const WarpScales& scales, int width) {
-  const int measure = std::max(record.dist, record.chin_dist);
-  return static_cast<double>(
-      static_cast<float>(WarpRadiusInPixels(measure, scales, RoundUpTo32(width))));
 }
 
 /// The circle of the preview chain, which the capture chain never leaves.
@@ -155,24 +148,17 @@ double BorderFade(const Circle& circle, const EngineFrame& frame) {
   return kFadedStrength + (1 - kFadedStrength) * inside;
 }
 
-}  // namespace
-
-bool IsSlimmable(const Face& face, int width, int height) {
-  return CircleOf(face, width, height).has_value();
-}
-
-std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height, int slim,
-                                        Chain chain) {
-  const std::optional<Circle> preview = CircleOf(face, width, height);
-  if (!preview) return std::nullopt;
-  const EngineFrame frame(width, height);
+/// The record that makes the engine draw the warp of `preview` in that chain.
+FACE_INFO_t RecordOf(const Face& face, const Circle& preview, const EngineFrame& frame, int slim,
+                     Chain chain) {
   const bool capture = chain == Chain::Capture;
-  const Circle circle = capture ? CaptureCircle(*preview, frame) : *preview;
+  const Circle circle = capture ? CaptureCircle(preview, frame) : preview;
 
-  WarpMeasures measures;
-  measures.centre_x = static_cast<int>(circle.centre.x);
-  measures.centre_y = static_cast<int>(circle.centre.y);
-  measures.roll = RollOf(face);
+  FACE_INFO_t record = LandmarkRecord(face);
+  record.dist_valid = 1;
+  record.loc_x = static_cast<int>(circle.centre.x);
+  record.loc_y = static_cast<int>(circle.centre.y);
+  record.roll = RollOf(face);
 
   // The larger distance sets the radius, the quotient of both the scale of the limiter.
   const ChainConstants& constants = capture ? kCapture : kPreview;
@@ -181,28 +167,37 @@ std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height,
   const auto scaled = [&](double factor) {
     return std::max(1, static_cast<int>(std::lround(circle.measure * factor)));
   };
-  measures.dist = limiter >= 1 ? circle.measure : scaled(limiter);
-  measures.chin_dist = limiter >= 1 ? scaled(1 / limiter) : circle.measure;
+  record.dist = limiter >= 1 ? circle.measure : scaled(limiter);
+  record.chin_dist = limiter >= 1 ? scaled(1 / limiter) : circle.measure;
 
   // The engine's strength grows with a small power of the radius, a share of the face needs its
   // inverse. Both chains pull the face's middle equally.
-  const double strength = slim / 100.0 * kFullStrength * BorderFade(*preview, frame);
-  const double pull = strength / (preview->radius / frame.width);
-  measures.dist_level_ratio =
+  const double strength = slim / 100.0 * kFullStrength * BorderFade(preview, frame);
+  const double pull = strength / (preview.radius / frame.width);
+  record.dist_level_ratio =
       static_cast<float>(pull / WarpStrength(circle.radius / frame.width, kBeautyLevel, 1));
-  return measures;
+  return record;
+}
+
+}  // namespace
+
+std::optional<FACE_INFO_t> MakeFaceRecord(const Face& face, int width, int height, int slim,
+                                          Chain chain) {
+  const std::optional<Circle> circle = CircleOf(face, width, height);
+  if (!circle) return std::nullopt;
+  return RecordOf(face, *circle, EngineFrame(width, height), slim, chain);
 }
 
 PointF WarpCentre(const FACE_INFO_t& record) {
   return {static_cast<float>(record.loc_x), static_cast<float>(record.loc_y)};
 }
 
-double PreviewRadius(const FACE_INFO_t& record, int width) {
-  return ToldRadiusOf(record, kPreviewWarp, width);
-}
-
-double CaptureRadius(const FACE_INFO_t& record, int width) {
-  return ToldRadiusOf(record, kCaptureWarp, width);
+double WarpRadius(const FACE_INFO_t& record, int width, Chain chain) {
+  const WarpScales& scales = chain == Chain::Capture ? kCaptureWarp : kPreviewWarp;
+  const int measure = std::max(record.dist, record.chin_dist);
+  // As the number that SlimmingCircle tells.
+  return static_cast<double>(
+      static_cast<float>(WarpRadiusInPixels(measure, scales, RoundUpTo32(width))));
 }
 
 WarpCircle SlimmingCircle(const Face& face, int frame_width, int frame_height) {
@@ -220,19 +215,17 @@ FaceWarp SlimmingWarp(const Face& face, int slim, int frame_width, int frame_hei
   warp.frame_height = RoundUpTo32(frame_height);
   warp.border_exponent = static_cast<float>(kEdgeFade);
   const std::optional<Circle> circle = CircleOf(face, frame_width, frame_height);
-  const std::optional<WarpMeasures> measures =
-      MeasureWarp(face, frame_width, frame_height, slim, Chain::Preview);
-  if (!circle || !measures) return warp;
+  if (!circle) return warp;
   const EngineFrame frame(frame_width, frame_height);
+  const FACE_INFO_t record = RecordOf(face, *circle, frame, slim, Chain::Preview);
   warp.centre = circle->centre;
   warp.radius = static_cast<float>(circle->radius);
   warp.strength = static_cast<float>(WarpStrength(circle->radius / frame.width, kBeautyLevel,
-                                                  static_cast<double>(measures->dist_level_ratio)) /
+                                                  static_cast<double>(record.dist_level_ratio)) /
                                      frame.width);
   warp.limiter = Limiter(face, *circle, frame);
   warp.reach = static_cast<float>(kLimiterDistance * circle->radius);
-  warp.limiter_scale =
-      static_cast<float>(kPreviewWarp.limiter * measures->dist / measures->chin_dist);
+  warp.limiter_scale = static_cast<float>(kPreviewWarp.limiter * record.dist / record.chin_dist);
   return warp;
 }
 

@@ -10,33 +10,27 @@
 
 namespace lumora {
 
-/// The numbers of a face record that make the engine draw a warp.
-struct WarpMeasures {
-  int centre_x = 0;  // pixels
-  int centre_y = 0;
-  int roll = 0;       // whole degrees
-  int dist = 0;       // pixels; the larger of the two sets the radius
-  int chin_dist = 0;  // pixels; the quotient of both sets the scale of the limiter
-  float dist_level_ratio = 0;
-};
+/// The beauty level that every record is made for; the strength is set by the record alone.
+constexpr int kBeautyLevel = 0;
 
-/// Whether a face in a frame of width x height pixels can be slimmed.
-bool IsSlimmable(const Face& face, int width, int height);
-
-/// The measures of `face` for slimming by `slim` (0..100) in a frame of width x height pixels.
-/// Nothing for a face that cannot be slimmed. `chain` is Preview or Capture.
+/// The record of `face` in a frame of width x height pixels, for slimming by `slim` (0..100).
+/// Nothing for a face that cannot be slimmed: one without size, with numbers out of bounds, or with
+/// its centre outside the frame. Such a face must not reach the engine, which would warp
+/// the place of the face before it once more.
 ///
-/// The engine's two chains draw different warps from one record: captures have another radius and
-/// limiter, and no fade towards the borders. The measures make up for that, so that both move
-/// cheeks and chin by about the same.
-std::optional<WarpMeasures> MeasureWarp(const Face& face, int width, int height, int slim,
-                                        Chain chain);
+/// Every record is made so that the warp moves the cheeks by the same share of the face whatever
+/// its size, leaves the eyes where they are whatever the shape of the frame, and never folds the
+/// image. `chain`, Preview or Capture, is the one that will read the record: the engine's two
+/// chains draw different warps from one record. Captures have another radius and limiter, and no
+/// fade towards the borders. The records make up for that, so that both move cheeks and chin by
+/// about the same.
+std::optional<FACE_INFO_t> MakeFaceRecord(const Face& face, int width, int height, int slim,
+                                          Chain chain = Chain::Preview);
 
 /// The circle of the warp that the engine draws from a record in a frame of that width, in pixels.
 /// The radius is that of SlimmingCircle in a preview, and never larger in a capture.
 PointF WarpCentre(const FACE_INFO_t& record);
-double PreviewRadius(const FACE_INFO_t& record, int width);
-double CaptureRadius(const FACE_INFO_t& record, int width);
+double WarpRadius(const FACE_INFO_t& record, int width, Chain chain);
 
 }  // namespace lumora
 

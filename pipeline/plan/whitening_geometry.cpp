@@ -2,10 +2,6 @@
 
 #include <algorithm>
 
-#include "lumora/geometry/whitening.h"
-#include "pipeline/faces/face_record.h"
-#include "pipeline/faces/number_bounds.h"
-
 namespace lumora {
 namespace {
 
@@ -25,8 +21,8 @@ Ellipse EllipseOf(const EllipseAxes& axes) {
 
 }  // namespace
 
-std::array<Ellipse, 7> EllipsesOf(const FACE_INFO_t& record) {
-  const std::array<EllipseAxes, 7> axes = FaceEllipses(record, MeasureFace(record), 1.0f);
+std::array<Ellipse, 7> EllipsesOf(const FACE_INFO_t& record, const FaceGeometry& geometry) {
+  const std::array<EllipseAxes, 7> axes = FaceEllipses(record, geometry, 1.0f);
   std::array<Ellipse, 7> ellipses;
   std::transform(axes.begin(), axes.end(), ellipses.begin(), EllipseOf);
   return ellipses;
@@ -53,11 +49,6 @@ RowSpan EllipseRows::Row(int y, int width) const {
   const double left = across2_ - std::pow(dy / area_, 2);
   if (left < 0) return {};
   return SpanAround(centre_x_ - mixed_ * dy / (2 * across2_), std::sqrt(left) / across2_, width);
-}
-
-std::array<Ellipse, 7> WhiteningEllipses(const Face& face) {
-  if (!IsWithin(face, FarthestInAnyFrame())) return {};
-  return EllipsesOf(LandmarkRecord(face));
 }
 
 }  // namespace lumora

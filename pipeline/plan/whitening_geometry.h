@@ -5,14 +5,14 @@
 #include <array>
 #include <cmath>
 
-#include "lumora/geometry/face_record.h"
+#include "lumora/geometry/whitening.h"
 #include "lumora/pipeline/face.h"
 #include "pipeline/frames/row_span.h"
 
 namespace lumora {
 
-/// The engine's seven ellipses for a record, in the order of WhiteningEllipse.
-std::array<Ellipse, 7> EllipsesOf(const FACE_INFO_t& record);
+/// The engine's seven ellipses for a record with that geometry, in the order of WhiteningEllipse.
+std::array<Ellipse, 7> EllipsesOf(const FACE_INFO_t& record, const FaceGeometry& geometry);
 
 /// The position of a point in an ellipse: below 1 inside, 1 on its line.
 inline float PositionIn(const Ellipse& ellipse, float cos_angle, float sin_angle, PointF at) {

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
+#include <iterator>
 
+#include "lumora/geometry/rounding.h"
 #include "lumora/geometry/whitening.h"
+#include "pipeline/frames/frame_sample.h"
 #include "pipeline/plan/whitening_geometry.h"
 
 namespace lumora {
@@ -29,15 +31,16 @@ struct Means {
   int luma = 0;
 };
 
-Means Measure(const PaddedFrame& frame, const FaceGeometry& face) {
+/// `geometry` is measured in the padded frame, which the engine works in.
+Means Measure(const ConstFrameView& frame, const FaceGeometry& geometry) {
   ColourSums sums;
   int luma = 0;
-  ForEachSample(face, frame.width(), frame.height(), [&](int x, int y) {
-    const HsiSample sample = SampleYuv(frame.luma(), x, y, frame.width(), frame.height());
+  ForEachSample(geometry, RoundUpTo32(frame.width), RoundUpTo32(frame.height), [&](int x, int y) {
+    const YuvSample at = SampleAt(frame, x, y);
+    const HsiSample sample = HsiOfYuv(at.y, at.cr, at.cb);
     sums.intensity += sample.intensity;
     sums.saturation += sample.saturation;
-    luma += frame.luma()[static_cast<size_t>(y) * static_cast<size_t>(frame.width()) +
-                         static_cast<size_t>(x)];
+    luma += at.y;
     ++sums.count;
   });
   return {sums.mean(sums.intensity), sums.mean(sums.saturation), sums.mean(luma)};
@@ -69,49 +72,61 @@ int SaturationLevel(int mean, int saturate) {
       std::lround(saturate / 100.0 * kFullSaturation * TaperFrom(kLeastSaturation - 1, mean)));
 }
 
-}  // namespace
-
-BEAUTYSHOT_EFFECT_t EngineEffect(const Look& look) {
-  switch (look.effect) {
-    case Effect::Intensity:
-      return BEAUTYSHOT_EFFECT_INTENSITY;
-    case Effect::Saturation:
-      return BEAUTYSHOT_EFFECT_SATURATION;
-    case Effect::Both:
-      return BEAUTYSHOT_EFFECT_BOTH;
-    case Effect::Mask:
-      return BEAUTYSHOT_EFFECT_MASK;
-    case Effect::Auto:
-      break;
-  }
-  if (look.saturate == 0) return BEAUTYSHOT_EFFECT_INTENSITY;
-  return look.whiten == 0 ? BEAUTYSHOT_EFFECT_SATURATION : BEAUTYSHOT_EFFECT_BOTH;
+/// What `look` asks for: never Auto.
+Effect EffectOf(const Look& look) {
+  if (look.effect != Effect::Auto) return look.effect;
+  if (look.saturate == 0) return Effect::Intensity;
+  return look.whiten == 0 ? Effect::Saturation : Effect::Both;
 }
 
-void PlanWhitening(const PaddedFrame& frame, const std::vector<FaceJob>& faces, const Look& look,
-                   std::vector<WhiteningJob>* jobs, std::vector<FaceTone>* tones) {
-  const BEAUTYSHOT_EFFECT_t effect = EngineEffect(look);
-  const bool both = effect == BEAUTYSHOT_EFFECT_BOTH;
-  const bool lifts = both || effect == BEAUTYSHOT_EFFECT_INTENSITY;
-  const bool colours = both || effect == BEAUTYSHOT_EFFECT_SATURATION;
+/// Brings jobs with the same levels next to each other; groups and what is in them keep their
+/// order. In place, where sorting would ask for memory.
+void GroupByLevels(std::vector<WhiteningJob>* jobs) {
+  const auto same = [](const WhiteningJob& a, const WhiteningJob& b) {
+    return a.intensity_level == b.intensity_level && a.saturation_level == b.saturation_level;
+  };
+  for (auto begin = jobs->begin(); begin != jobs->end();) {
+    auto end = std::next(begin);
+    for (auto job = end; job != jobs->end(); ++job) {
+      if (!same(*job, *begin)) continue;
+      if (job != end) std::rotate(end, job, std::next(job));
+      ++end;
+    }
+    begin = end;
+  }
+}
+
+}  // namespace
+
+void PlanWhitening(const ConstFrameView& frame, FaceSpan faces, const std::vector<FacePlan>& plans,
+                   const Look& look, Chain chain, WhiteningPlan* whitening) {
+  const Effect effect = EffectOf(look);
+  const bool lifts = effect == Effect::Both || effect == Effect::Intensity;
+  const bool colours = effect == Effect::Both || effect == Effect::Saturation;
+  std::vector<WhiteningJob>& jobs = whitening->jobs;
+  whitening->effect = effect;
+  whitening->tones.clear();
   size_t count = 0;
-  for (const FaceJob& face : faces) {
-    const Ellipse outer = EllipsesOf(face.record)[kFaceEllipse];
+  for (size_t i = 0; i < plans.size(); ++i) {
+    const FACE_INFO_t& record = plans[i].record;
+    const FaceGeometry geometry = MeasureFace(record);
+    const Ellipse outer = EllipsesOf(record, geometry)[kFaceEllipse];
     if (outer.half_along == 0) continue;  // the engine would whiten a corner of the frame instead
-    const Means means = Measure(frame, MeasureFace(face.record));
+    const Means means = Measure(frame, geometry);
     const int intensity = lifts ? IntensityLevel(means.intensity, look.whiten) : 0;
     const int saturation = colours ? SaturationLevel(means.saturation, look.saturate) : 0;
-    tones->push_back(
-        {face.index, means.intensity, means.saturation, intensity > 0, saturation > 0});
-    if (intensity == 0 && saturation == 0 && effect != BEAUTYSHOT_EFFECT_MASK) continue;
-    if (count == jobs->size()) jobs->emplace_back();
-    WhiteningJob& job = (*jobs)[count++];
-    job.record = face.record;
+    whitening->tones.push_back({static_cast<int>(plans[i].index), means.intensity, means.saturation,
+                                intensity > 0, saturation > 0});
+    if (intensity == 0 && saturation == 0 && effect != Effect::Mask) continue;
+    if (count == jobs.size()) jobs.emplace_back();
+    WhiteningJob& job = jobs[count++];
+    job.face = i;
     job.intensity_level = intensity;
     job.saturation_level = saturation;
-    job.mask.Make(face.face, outer, means.luma, frame.frame_width(), frame.frame_height());
+    job.mask.Make(faces[plans[i].index], outer, means.luma, frame.width, frame.height);
   }
-  jobs->resize(count);
+  jobs.resize(count);
+  if (chain == Chain::Preview) GroupByLevels(&jobs);
 }
 
 }  // namespace lumora

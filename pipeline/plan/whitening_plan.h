@@ -2,41 +2,39 @@
 #ifndef LUMORA_PIPELINE_PLAN_WHITENING_PLAN_H_
 #define LUMORA_PIPELINE_PLAN_WHITENING_PLAN_H_
 
+#include <cstddef>
 #include <vector>
 
-#include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/pipeline/chain.h"
 #include "lumora/pipeline/face.h"
+#include "lumora/pipeline/frame.h"
 #include "lumora/pipeline/look.h"
 #include "lumora/pipeline/report.h"
-#include "pipeline/frames/frame_copy.h"
+#include "pipeline/plan/face_plan.h"
 #include "pipeline/plan/skin_mask.h"
 
 namespace lumora {
 
-/// A face that can be processed.
-struct FaceJob {
-  int index = 0;  // among the faces of the call
-  Face face;
-  FACE_INFO_t record{};
-};
-
 /// One face to whiten.
 struct WhiteningJob {
-  FACE_INFO_t record{};
-  int intensity_level = 0;   // as the engine takes them, 0..255
-  int saturation_level = 0;  // 0..255
+  size_t face = 0;           ///< among the faces of the plan
+  int intensity_level = 0;   ///< as the engine takes them, 0..255
+  int saturation_level = 0;  ///< 0..255
   SkinMask mask;
 };
 
-/// The engine's name for what `look` asks for.
-BEAUTYSHOT_EFFECT_t EngineEffect(const Look& look);
+/// What whitening does in a frame. Fills its memory anew for each one.
+struct WhiteningPlan {
+  Effect effect = Effect::Both;    ///< never Auto
+  std::vector<WhiteningJob> jobs;  ///< those that a preview can draw at once follow one another
+  std::vector<FaceTone> tones;     ///< what was measured, face by face
+};
 
 /// Measures the faces in `frame` as the engine will, and chooses the levels that make the same step
 /// of every skin tone: the engine's own levels lift bright skin to white. Faces for which nothing
-/// would be shifted have no job. `jobs` receives the jobs in place of what it holds, whose memory
-/// is used again; `tones` receives what was measured, behind what it holds.
-void PlanWhitening(const PaddedFrame& frame, const std::vector<FaceJob>& faces, const Look& look,
-                   std::vector<WhiteningJob>* jobs, std::vector<FaceTone>* tones);
+/// would be shifted have no job. `plans` are those of `faces` that can be processed.
+void PlanWhitening(const ConstFrameView& frame, FaceSpan faces, const std::vector<FacePlan>& plans,
+                   const Look& look, Chain chain, WhiteningPlan* whitening);
 
 }  // namespace lumora
 

@@ -13,12 +13,6 @@ inline Status Failure(StatusCode code, std::string message) {
   return {code, std::move(message)};
 }
 
-/// One of the engine's operations came back with 0.
-inline Status EngineRefused() {
-  return Failure(StatusCode::EngineFailed,
-                 "the engine refused the frame; set LUMORA_LOG=debug to see why");
-}
-
 }  // namespace lumora
 
 #endif  // LUMORA_PIPELINE_SUPPORT_FAILURE_H_

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/faces/face_record.h"
+#include "pipeline/plan/warp_geometry.h"
 #include "pipeline/frames/touched_area.h"
 #include "pipeline/pipeline_fixture.h"
 #include "pipeline/plan/warp_model.h"

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "lumora/geometry/blocks.h"
-#include "pipeline/faces/face_record.h"
-#include "pipeline/frames/merge.h"
+#include "pipeline/backends/gl/engine_faults.h"
+#include "pipeline/backends/gl/merge.h"
+#include "pipeline/plan/frame_plan.h"
 #include "pipeline/plan/warp_geometry.h"
-#include "pipeline/support/failure.h"
 
 namespace lumora {
 namespace {
@@ -24,11 +24,9 @@ void ReportBlocks(const android::GPUBeautyFace& engine, const PixelRect& area, R
 
 }  // namespace
 
-Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look) {
+Status WhitenCapture(const ChainFrame& chain, const FramePlan& plan) {
+  if (plan.whitening.jobs.empty()) return {};
   android::GPUBeautyFace& engine = chain.setup.engine();
-  std::vector<WhiteningJob>& jobs = chain.memory.whitening;
-  PlanWhitening(chain.frame, faces, look, &jobs, &chain.report.tones);
-  if (jobs.empty()) return {};
   PaddedFrame& frame = chain.frame;
   PaddedFrame& work = chain.memory.work;
   const CaptureScope capture(chain.setup);
@@ -36,10 +34,11 @@ Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces,
     return status;
   }
   work.Resize(frame);
-  for (WhiteningJob& job : jobs) {
-    const bool done = engine.DoFaceWhiteningLarge(frame.luma(), frame.chroma(), &job.record, 1,
+  for (const WhiteningJob& job : plan.whitening.jobs) {
+    FACE_INFO_t record = plan.faces[job.face].record;
+    const bool done = engine.DoFaceWhiteningLarge(frame.luma(), frame.chroma(), &record, 1,
                                                   job.intensity_level, job.saturation_level,
-                                                  EngineEffect(look)) != 0 &&
+                                                  EngineEffect(plan.whitening.effect)) != 0 &&
                       engine.CopyMemYUVfromSrcTextureLarge(work.luma(), work.chroma(), 0, 1) != 0;
     if (!done) return EngineRefused();
     const android::FaceProcessRect& area = engine.m_rcFaceProcess[0];
@@ -49,14 +48,14 @@ Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces,
   return {};
 }
 
-Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
+Status SlimCapture(const ChainFrame& chain, const FramePlan& plan) {
   android::GPUBeautyFace& engine = chain.setup.engine();
   PaddedFrame& frame = chain.frame;
   PaddedFrame& work = chain.memory.work;
   const CaptureScope capture(chain.setup);
   if (Status status = chain.setup.CapturePlanes(frame); !status.ok()) return status;
   work.Resize(frame);
-  for (const FaceJob& face : faces) {
+  for (const FacePlan& face : plan.faces) {
     FACE_INFO_t record = face.record;
     engine.FaceProcessLarge(work.luma(), work.chroma(), frame.width(), frame.height(), 0, &record,
                             1, kBeautyLevel);
@@ -65,13 +64,10 @@ Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces) {
         BlocksAroundFace(record.loc_x, record.loc_y, std::max(record.dist, record.chin_dist),
                          engine.m_nSrcWidth, engine.m_nSrcHeight),
         &chain.report);
-    const PointF centre = WarpCentre(record);
-    const double radius = CaptureRadius(record, frame.width());
-    CopyCircle(work, centre, radius, &frame);
+    CopyCircle(work, face, &frame);
     // The engine reads every face from the plane textures: the next one has to find this one's
     // result there.
-    const PixelRect changed = CircleBounds(centre, radius, frame.width(), frame.height());
-    chain.setup.UpdatePlanes(frame, changed.y, changed.height);
+    chain.setup.UpdatePlanes(frame, face.bounds.y, face.bounds.height);
   }
   return {};
 }

@@ -8,15 +8,15 @@
 #include "lumora/pipeline/status.h"
 #include "pipeline/backends/gl/engine_setup.h"
 #include "pipeline/frames/frame_copy.h"
-#include "pipeline/plan/whitening_plan.h"
 
 namespace lumora {
+
+struct FramePlan;
 
 /// Memory that the chains fill anew for each frame. A frame like the one before needs no more.
 struct ChainMemory {
   PaddedFrame work;
   std::vector<FACE_INFO_t> records;
-  std::vector<WhiteningJob> whitening;
   std::vector<float> weights;
 };
 
@@ -30,15 +30,15 @@ struct ChainFrame {
   Report& report;
 };
 
-/// Whole frames at once; `faces` is not empty. Whitening works in colour-convert mode. The set-up
-/// then serves slimming as well.
-Status WhitenPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look);
-Status SlimPreview(const ChainFrame& chain, const std::vector<FaceJob>& faces);
+/// Whole frames at once. Whitening works in colour-convert mode. The set-up then serves slimming as
+/// well.
+Status WhitenPreview(const ChainFrame& chain, const FramePlan& plan);
+Status SlimPreview(const ChainFrame& chain, const FramePlan& plan);
 
 /// Block by block, for stills. One face after the other, so that there may be any number of them,
 /// and each works on what the ones before have left. The set-up is gone afterwards.
-Status WhitenCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces, const Look& look);
-Status SlimCapture(const ChainFrame& chain, const std::vector<FaceJob>& faces);
+Status WhitenCapture(const ChainFrame& chain, const FramePlan& plan);
+Status SlimCapture(const ChainFrame& chain, const FramePlan& plan);
 
 }  // namespace lumora
 

@@ -45,6 +45,11 @@ Status NotSetUp(const char* fault) {
                                                "; set LUMORA_LOG=debug to see why");
 }
 
+Status EngineRefused() {
+  return Failure(StatusCode::EngineFailed,
+                 "the engine refused the frame; set LUMORA_LOG=debug to see why");
+}
+
 Status NoDisplay() {
   return Failure(StatusCode::NoDisplay,
                  "no EGL display with OpenGL ES 2 was found on this machine; "

@@ -23,6 +23,9 @@ const char* FaultOf(std::initializer_list<const GLProgram*> programs,
 /// The failure for such a reason.
 Status NotSetUp(const char* fault);
 
+/// The failure of an operation of the engine that came back with 0.
+Status EngineRefused();
+
 /// The failure of an engine that has got no context.
 Status NoDisplay();
 

@@ -1,14 +1,13 @@
 #include "pipeline/backends/gl/engine_host.h"
 
 #include <algorithm>
-#include <cstddef>
 
 #include "lumora/geometry/rounding.h"
 #include "lumora/platform/settings.h"
+#include "pipeline/backends/gl/engine_faults.h"
 #include "pipeline/backends/gl/gl_state.h"
 #include "pipeline/backends/gl/rectification.h"
-#include "pipeline/faces/face_record.h"
-#include "pipeline/support/failure.h"
+#include "pipeline/plan/frame_plan.h"
 #include "pipeline/support/stopwatch.h"
 
 namespace lumora {
@@ -34,43 +33,29 @@ FramePlace MiddlePlace(int width, int height) {
 
 }  // namespace
 
-Status EngineHost::Beautify(const FrameRequest& request, Chain chain, Report* report) {
+Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const FrameView& out,
+                         Report* report) {
   report = reports_.For(report);
-  const ConstFrameView& in = request.in;
   Stopwatch stopwatch;
-  TakeFaces(request, chain);
   frame_.Load(in);
   report->upload_ms = stopwatch.Lap();
 
-  Status status = RunEffects(request.look, chain, report);
+  Status status = RunEffects(plan, report);
   report->engine_ms = stopwatch.Lap();
   if (status.ok()) {
     // Nothing may fail any more once `out` is written.
-    report->chain = chain == Chain::Capture ? ChainUsed::Capture : ChainUsed::Preview;
-    report->faces = static_cast<int>(faces_.size());
     report->buffer_kind = BufferKindHere();
-    if (chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
+    if (plan.chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
     ClipBlocks(in.width, in.height, &report->blocks);
-    frame_.Store(request.out);
+    frame_.Store(out);
     report->download_ms = stopwatch.Lap();
   }
-  if (chain == Chain::Capture) FreeMemory();
+  if (plan.chain == Chain::Capture) FreeMemory();
   return status;
 }
 
-void EngineHost::TakeFaces(const FrameRequest& request, Chain chain) {
-  faces_.clear();
-  for (size_t i = 0; i < request.faces.size(); ++i) {
-    const Face& face = request.faces[i];
-    if (const auto record =
-            MakeFaceRecord(face, request.in.width, request.in.height, request.look.slim, chain)) {
-      faces_.push_back({static_cast<int>(i), face, *record});
-    }
-  }
-}
-
-Status EngineHost::RunEffects(const Look& look, Chain chain, Report* report) {
-  const bool capture = chain == Chain::Capture;
+Status EngineHost::RunEffects(const FramePlan& plan, Report* report) {
+  const bool capture = plan.chain == Chain::Capture;
   const ChainFrame frame = {setup_, frame_, memory_, *report};
   Stopwatch stopwatch;
   // A driver that failed may have left anything behind: the next frame finds a new set-up.
@@ -80,19 +65,14 @@ Status EngineHost::RunEffects(const Look& look, Chain chain, Report* report) {
     return status;
   };
   ClearGlErrors();
-  if (Whitens(look)) {
-    if (Status status = checked(capture ? WhitenCapture(frame, faces_, look)
-                                        : WhitenPreview(frame, faces_, look));
-        !status.ok()) {
-      return status;
-    }
+  if (plan.whitens) {
+    Status status = checked(capture ? WhitenCapture(frame, plan) : WhitenPreview(frame, plan));
+    if (!status.ok()) return status;
     report->whiten_ms = stopwatch.Lap();
   }
-  if (look.slim > 0) {
-    if (Status status = checked(capture ? SlimCapture(frame, faces_) : SlimPreview(frame, faces_));
-        !status.ok()) {
-      return status;
-    }
+  if (plan.slims) {
+    Status status = checked(capture ? SlimCapture(frame, plan) : SlimPreview(frame, plan));
+    if (!status.ok()) return status;
     report->slim_ms = stopwatch.Lap();
   }
   return {};
@@ -141,7 +121,6 @@ Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, Frame
     setup_.Release();
     return status;
   }
-  report->chain = ChainUsed::Preview;
   report->buffer_kind = BufferKindHere();
   report->blocks.push_back({0, 0, in.width, in.height});
   frame_.Store(out);

@@ -2,9 +2,9 @@
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_
 
-#include <vector>
-
-#include "lumora/pipeline/pipeline.h"
+#include "lumora/pipeline/device.h"
+#include "lumora/pipeline/frame.h"
+#include "lumora/pipeline/lens.h"
 #include "pipeline/backends/gl/chains.h"
 #include "pipeline/backends/gl/engine_setup.h"
 #include "pipeline/frames/frame_copy.h"
@@ -22,11 +22,9 @@ class EngineHost {
   /// Whether the engine has its context; nothing else may be called where it has none.
   bool ready() { return setup_.engine().m_bEGLReady; }
 
-  /// Carries out a request, in which at least one face can be processed. `chain` is Preview or
-  /// Capture.
-  Status Beautify(const FrameRequest& request, Chain chain, Report* report);
-
-  /// The two corrections of Pipeline.
+  /// The operations of Backend.
+  Status Apply(const FramePlan& plan, const ConstFrameView& in, const FrameView& out,
+               Report* report);
   Status Rectify(const ConstFrameView& in, const FrameView& out, int degree, Report* report);
   Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
                        Report* report);
@@ -34,8 +32,7 @@ class EngineHost {
   DeviceInfo Device();
 
  private:
-  void TakeFaces(const FrameRequest& request, Chain chain);
-  Status RunEffects(const Look& look, Chain chain, Report* report);
+  Status RunEffects(const FramePlan& plan, Report* report);
   /// The way of both corrections: `draw` draws from the input image to the first work image.
   template <typename Draw>
   Status Correct(const ConstFrameView& in, const FrameView& out, FramePlace place, Report* report,
@@ -45,7 +42,6 @@ class EngineHost {
   EngineSetup setup_;
   PaddedFrame frame_;
   ChainMemory memory_;
-  std::vector<FaceJob> faces_;  // of the frame at hand
   ReportPlace reports_;
 };
 

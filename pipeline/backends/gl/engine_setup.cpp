@@ -13,6 +13,21 @@
 
 namespace lumora {
 
+BEAUTYSHOT_EFFECT_t EngineEffect(Effect effect) {
+  switch (effect) {
+    case Effect::Intensity:
+      return BEAUTYSHOT_EFFECT_INTENSITY;
+    case Effect::Saturation:
+      return BEAUTYSHOT_EFFECT_SATURATION;
+    case Effect::Mask:
+      return BEAUTYSHOT_EFFECT_MASK;
+    case Effect::Auto:
+    case Effect::Both:
+      break;
+  }
+  return BEAUTYSHOT_EFFECT_BOTH;
+}
+
 EngineSetup::EngineSetup() {
   if (engine_.m_bEGLReady) platform::KeepDisplay(engine_.m_eglDisplay);
 }

@@ -3,10 +3,14 @@
 #define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_SETUP_H_
 
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/pipeline/look.h"
 #include "lumora/pipeline/status.h"
 #include "pipeline/frames/frame_copy.h"
 
 namespace lumora {
+
+/// The engine's name for an effect that is not Auto.
+BEAUTYSHOT_EFFECT_t EngineEffect(Effect effect);
 
 /// Owns one engine and keeps to its order of calls: one set-up at a time, released by its own
 /// counterpart. A set-up that fails leaves the engine without one.

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "lumora/programs/rectification_programs.h"
-#include "pipeline/faces/number_bounds.h"
+#include "pipeline/support/number_bounds.h"
 
 namespace lumora {
 namespace {
@@ -56,7 +56,8 @@ bool DrawRadial(EngineSetup& setup, const Lens& lens, const FrameShare& share) {
   if (const auto* const given = std::get_if<LensCoefficients>(&lens)) {
     SetCoefficients(*given, program);
   } else {
-    engine.SetRadialRectParameters(*std::get_if<Camera>(&lens) == Camera::Second ? 1 : 0);  // reads files
+    engine.SetRadialRectParameters(
+        *std::get_if<Camera>(&lens) == Camera::Second ? 1 : 0);  // reads files
     const float* const k = program.m_fvKval;
     if (!IsUsable({k[0], k[1], k[2], k[3]})) SetCoefficients(LensCoefficients{}, program);
   }

@@ -1,5 +1,5 @@
 // The record that the engine gets, and the warp that follows from it.
-#include "pipeline/faces/face_record.h"
+#include "pipeline/plan/warp_geometry.h"
 
 #include <gtest/gtest.h>
 

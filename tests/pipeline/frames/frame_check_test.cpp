@@ -11,6 +11,8 @@
 
 #include "pipeline/faces/random_faces.h"
 #include "pipeline/frames/frame_memory.h"
+#include "pipeline/request_check.h"
+#include "pipeline/frames/frame_layout.h"
 
 namespace lumora::test {
 namespace {

@@ -8,9 +8,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "pipeline/backends/gl/merge.h"
 #include "pipeline/faces/landmarks.h"
 #include "pipeline/faces/random_faces.h"
-#include "pipeline/frames/merge.h"
+#include "pipeline/backends/gl/merge.h"
 #include "pipeline/frames/touched_area.h"
 #include "pipeline/plan/whitening_geometry.h"
 
@@ -188,7 +189,11 @@ TEST_F(MergeTest, ACircleIsCopiedWithEveryChromaSampleThatItTouchesAndNothingEls
   for (const Circle& circle : {Circle{{200, 180}, 50}, Circle{{3, 2}, 40}, Circle{{410, 380}, 33.3},
                                Circle{{101, 99}, 0.8}, Circle{{200, 180}, 1000}}) {
     PaddedFrame frame = Filled(60, 100);
-    CopyCircle(processed_, circle.centre, circle.radius, &frame);
+    FacePlan face;
+    face.centre = circle.centre;
+    face.radius = circle.radius;
+    face.bounds = CircleBounds(circle.centre, circle.radius, kWidth, kHeight);
+    CopyCircle(processed_, face, &frame);
     const auto inside = [&circle](int x, int y) {
       return std::hypot(x + 0.5 - static_cast<double>(circle.centre.x),
                         y + 0.5 - static_cast<double>(circle.centre.y)) <= circle.radius;

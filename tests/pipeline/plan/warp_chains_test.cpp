@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "pipeline/faces/face_record.h"
 #include "pipeline/plan/warp_geometry.h"
 #include "pipeline/plan/warp_model.h"
 
@@ -85,7 +84,7 @@ TEST(WarpChains, CapturesStayWithinTheCircleAndWithinTheirBlocks) {
     const Face face = FaceOf(c);
     const auto record = MakeFaceRecord(face, c.width, c.height, 100, Chain::Capture);
     ASSERT_TRUE(record.has_value());
-    const double radius = CaptureRadius(*record, c.width);
+    const double radius = WarpRadius(*record, c.width, Chain::Capture);
     EXPECT_LE(radius, static_cast<double>(SlimmingCircle(face, c.width, c.height).radius));
     const int measure = std::max(record->dist, record->chin_dist);
     const int blocks = (measure + 383) / 384;

@@ -44,9 +44,9 @@ class LUMORA_PIPELINE_API Converter {
                  Report* report = nullptr);
 
  private:
-  class LUMORA_PIPELINE_LOCAL Worker;
-  LUMORA_PIPELINE_LOCAL explicit Converter(std::unique_ptr<Worker> worker);
-  std::unique_ptr<Worker> worker_;
+  struct LUMORA_PIPELINE_LOCAL Parts;
+  LUMORA_PIPELINE_LOCAL explicit Converter(std::unique_ptr<Parts> parts);
+  std::unique_ptr<Parts> parts_;
 };
 
 }  // namespace lumora

@@ -1,4 +1,4 @@
-#include "pipeline/frames/merge.h"
+#include "pipeline/backends/gl/merge.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,19 +21,19 @@ size_t RowStart(const PaddedFrame& frame, int row) {
   return static_cast<size_t>(row) * static_cast<size_t>(frame.width());
 }
 
-/// The columns of a row whose pixel centres lie in a circle.
-RowSpan SpanOf(PointF centre, double radius, int y, int width) {
-  const double dy = y + 0.5 - static_cast<double>(centre.y);
-  const double left = radius * radius - dy * dy;
+/// The columns of a row whose pixel centres lie in a face's circle.
+RowSpan SpanOf(const FacePlan& face, int y, int width) {
+  const double dy = y + 0.5 - static_cast<double>(face.centre.y);
+  const double left = face.radius * face.radius - dy * dy;
   if (left < 0) return {};
-  return SpanAround(static_cast<double>(centre.x), std::sqrt(left), width);
+  return SpanAround(static_cast<double>(face.centre.x), std::sqrt(left), width);
 }
 
 }  // namespace
 
 void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
            std::vector<float>* memory) {
-  const PixelRect& bounds = mask.bounds();
+  const PixelRectangle& bounds = mask.bounds();
   if (bounds.width <= 0 || bounds.height <= 0) return;
   const auto columns = static_cast<size_t>(bounds.width);
   memory->resize(2 * columns);
@@ -63,30 +63,16 @@ void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* fram
   }
 }
 
-PixelRect CircleBounds(PointF centre, double radius, int width, int height) {
-  const auto clip = [](double value, int limit) {
-    return static_cast<int>(std::clamp(std::floor(value / 2) * 2, 0.0, static_cast<double>(limit)));
-  };
-  const auto x = static_cast<double>(centre.x);
-  const auto y = static_cast<double>(centre.y);
-  PixelRect bounds;
-  bounds.x = clip(x - radius, width);
-  bounds.y = clip(y - radius, height);
-  bounds.width = clip(x + radius + 2, width) - bounds.x;
-  bounds.height = clip(y + radius + 2, height) - bounds.y;
-  return bounds;
-}
-
-void CopyCircle(const PaddedFrame& processed, PointF centre, double radius, PaddedFrame* frame) {
-  const PixelRect bounds = CircleBounds(centre, radius, frame->width(), frame->height());
+void CopyCircle(const PaddedFrame& processed, const FacePlan& face, PaddedFrame* frame) {
+  const PixelRectangle& bounds = face.bounds;
   const auto copy = [](const uint8_t* from, uint8_t* to, size_t start, RowSpan span) {
     if (span.begin >= span.end) return;
     const size_t at = start + static_cast<size_t>(span.begin);
     std::memcpy(to + at, from + at, static_cast<size_t>(span.end - span.begin));
   };
   for (int y = bounds.y; y < bounds.y + bounds.height; y += 2) {
-    const RowSpan upper = SpanOf(centre, radius, y, frame->width());
-    const RowSpan lower = SpanOf(centre, radius, y + 1, frame->width());
+    const RowSpan upper = SpanOf(face, y, frame->width());
+    const RowSpan lower = SpanOf(face, y + 1, frame->width());
     copy(processed.luma(), frame->luma(), RowStart(*frame, y), upper);
     copy(processed.luma(), frame->luma(), RowStart(*frame, y + 1), lower);
     // The longer one holds the other: both are symmetric to the same column.

@@ -1,22 +1,15 @@
-// How large the numbers of callers may be, so that all that is computed from them stays a number.
-#ifndef LUMORA_PIPELINE_FACES_NUMBER_BOUNDS_H_
-#define LUMORA_PIPELINE_FACES_NUMBER_BOUNDS_H_
+// How large the numbers of faces may be.
+#ifndef LUMORA_PIPELINE_FACES_FACE_BOUNDS_H_
+#define LUMORA_PIPELINE_FACES_FACE_BOUNDS_H_
 
 #include <algorithm>
-#include <cmath>
-#include <initializer_list>
 
 #include "lumora/pipeline/face.h"
-#include "lumora/pipeline/lens.h"
 #include "pipeline/faces/landmarks.h"
-#include "pipeline/frames/frame_check.h"
+#include "pipeline/frames/frame_layout.h"
+#include "pipeline/support/number_bounds.h"
 
 namespace lumora {
-
-/// Whether a number is no farther from 0 than `most`; what is not a number is farther.
-inline bool IsWithin(float number, float most) {
-  return std::abs(number) <= most;
-}
 
 /// The largest coordinate of a face in a frame of that size, and in any frame.
 inline float FarthestIn(int width, int height) {
@@ -39,15 +32,6 @@ inline bool IsWithin(const Face& face, float farthest, float largest_roll = kLar
   return within;
 }
 
-/// Whether every coefficient of a lens is within kLargestCoefficient.
-inline bool IsUsable(const LensCoefficients& lens) {
-  bool usable = true;
-  for (const float k : {lens.k0, lens.k1, lens.k2, lens.k3}) {
-    usable = usable && IsWithin(k, kLargestCoefficient);
-  }
-  return usable;
-}
-
 }  // namespace lumora
 
-#endif  // LUMORA_PIPELINE_FACES_NUMBER_BOUNDS_H_
+#endif  // LUMORA_PIPELINE_FACES_FACE_BOUNDS_H_
