@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "pipeline/plan/warp_geometry.h"
 #include "pipeline/frames/touched_area.h"
 #include "pipeline/pipeline_fixture.h"
+#include "pipeline/plan/warp_geometry.h"
 #include "pipeline/plan/warp_model.h"
 #include "pipeline/smooth_samples.h"
 

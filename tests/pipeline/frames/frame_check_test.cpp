@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "pipeline/faces/random_faces.h"
+#include "pipeline/frames/frame_layout.h"
 #include "pipeline/frames/frame_memory.h"
 #include "pipeline/request_check.h"
-#include "pipeline/frames/frame_layout.h"
 
 namespace lumora::test {
 namespace {

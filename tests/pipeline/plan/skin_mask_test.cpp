@@ -11,7 +11,6 @@
 #include "pipeline/backends/gl/merge.h"
 #include "pipeline/faces/landmarks.h"
 #include "pipeline/faces/random_faces.h"
-#include "pipeline/backends/gl/merge.h"
 #include "pipeline/frames/touched_area.h"
 #include "pipeline/plan/whitening_geometry.h"
 
@@ -29,7 +28,7 @@ struct Portrait {
         mask(face, outer, kSkin, kWidth, kHeight) {}
 
   float WeightAt(PointF at) const {
-    const PixelRect& bounds = mask.bounds();
+    const PixelRectangle& bounds = mask.bounds();
     const int x = static_cast<int>(at.x), y = static_cast<int>(at.y);
     if (x < bounds.x || y < bounds.y || x >= bounds.x + bounds.width ||
         y >= bounds.y + bounds.height) {
@@ -59,7 +58,7 @@ TEST(SkinMask, WhitensCheeksAndForeheadMoreThanEyesBrowsAndLips) {
 
 TEST(SkinMask, EndsWithoutALine) {
   const Portrait portrait;
-  const PixelRect& bounds = portrait.mask.bounds();
+  const PixelRectangle& bounds = portrait.mask.bounds();
   std::vector<float> above(static_cast<size_t>(bounds.width), 0.f), row(above);
   for (int y = bounds.y; y < bounds.y + bounds.height; ++y) {
     portrait.mask.Row(y, row.data());
@@ -108,7 +107,7 @@ TEST(SkinMask, StaysInTheFrameForFacesAtEveryEdge) {
   for (const float x : {-10.f, 0.f, 200.f, 415.f, 430.f}) {
     for (const float y : {-10.f, 0.f, 200.f, 383.f, 420.f}) {
       const Portrait portrait({x - 20, y}, {x + 20, y});
-      const PixelRect& bounds = portrait.mask.bounds();
+      const PixelRectangle& bounds = portrait.mask.bounds();
       EXPECT_GE(bounds.x, 0);
       EXPECT_GE(bounds.y, 0);
       EXPECT_LE(bounds.x + bounds.width, kWidth);
@@ -131,7 +130,7 @@ TEST(SkinMask, WeighsNothingOutsideTheEllipseThatIsTold) {
     const Ellipse outer = WhiteningEllipses(face)[kFaceEllipse];
     if (outer.half_along == 0) continue;
     mask.Make(face, outer, kSkin, width, height);
-    const PixelRect& bounds = mask.bounds();
+    const PixelRectangle& bounds = mask.bounds();
     if (bounds.width == 0 || bounds.height == 0) continue;
     row.resize(static_cast<size_t>(bounds.width));
     for (int sample = 0; sample < 8; ++sample) {
@@ -152,7 +151,7 @@ TEST(SkinMask, WeighsNothingOutsideTheEllipseThatIsTold) {
 
 TEST(SkinMask, WeighsEveryPixelOfTheEllipseButItsOutermostOnes) {
   const Portrait portrait({60, 150}, {310, 170});
-  const PixelRect& bounds = portrait.mask.bounds();
+  const PixelRectangle& bounds = portrait.mask.bounds();
   for (int y = 0; y < kHeight; ++y) {
     for (int x = 0; x < kWidth; ++x) {
       Ellipse inner = portrait.outer;
