@@ -393,8 +393,22 @@ TEST(Help, IsPrintedOnStandardOutput) {
   EXPECT_EQ(RunLumora({"help", "photo"}).exit_code, 0);
 }
 
+TEST(Modules, LibrariesThatFewCallsNeedAreNotLoadedByTheOthers) {
+  const Result libraries = RunLumora({}, {}, {{{"LD_TRACE_LOADED_OBJECTS", "1"}}});
+  EXPECT_EQ(libraries.exit_code, 0);
+  EXPECT_LE(Lines(libraries.out), 30) << libraries.out;
+  const Folder folder;
+  const std::string in = folder.Put("in.png", PngOf(Landscape(64, 48)));
+  const std::string faces = folder.Put("faces.json", std::string(R"({"faces": []})"));
+  const Result photo = RunLumora({"photo", in, "-o", folder / "out.png", "--faces", faces}, {},
+                                 {{{"LD_DEBUG", "libs"}}});
+  EXPECT_EQ(photo.exit_code, 0) << photo.err;
+  EXPECT_THAT(photo.err, HasSubstr("libpng"));
+  EXPECT_THAT(photo.err, testing::Not(HasSubstr("opencv")));
+}
+
 /// The command alone, with nothing beside it.
-TEST(Modules, WithoutTheFaceFinderOnlySearchingFails) {
+TEST(Modules, WithoutTheModulesOnlySearchingAndDrawingFail) {
   const Folder folder;
   Environment alone;
   alone.command = folder / "lumora";
@@ -403,6 +417,11 @@ TEST(Modules, WithoutTheFaceFinderOnlySearchingFails) {
   const std::string out = folder / "out.png";
   ExpectOneLineOfError(RunLumora({"photo", in, "-o", out, "--slim", "50"}, {}, alone), 1,
                        "cannot search for faces: ");
+  EXPECT_FALSE(std::filesystem::exists(out));
+  const std::string sheet = folder / "sheet.png";
+  ExpectOneLineOfError(
+      RunLumora({"photo", in, "-o", out, "--slim", "0", "--compare", sheet}, {}, alone), 1,
+      "cannot draw: ");
   EXPECT_FALSE(std::filesystem::exists(out));
   EXPECT_EQ(RunLumora({"photo", in, "-o", out, "--slim", "0"}, {}, alone).exit_code, 0);
   EXPECT_EQ(RunLumora({"--help"}, {}, alone).exit_code, 0);

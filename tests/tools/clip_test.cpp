@@ -6,6 +6,7 @@
 
 #include "tests/tools/clips.h"
 #include "tests/tools/pictures.h"
+#include "tools/lumora/modules/opencv.h"
 #include "tools/lumora/support/failure.h"
 #include "tools/lumora/video/face_source.h"
 #include "tools/lumora/video/progress.h"
@@ -23,7 +24,7 @@ using tools::Y4mHeader;
 TEST(Y4mHeader, SaysWhatMatters) {
   const Y4mHeader header = ParseY4mHeader(
       "YUV4MPEG2 W641 H480 F30000:1001 It A0:0 C420paldv XYSCSS=420 XCOLORRANGE=FULL", "clip");
-  EXPECT_EQ(header.size, cv::Size(641, 480));
+  EXPECT_EQ(header.size, (tools::Size{641, 480}));
   EXPECT_NEAR(header.frames_per_second, 29.97, 0.01);
   EXPECT_FALSE(header.mono);
   EXPECT_EQ(header.full_range, true);
@@ -128,7 +129,7 @@ TEST(ListedFaces, OneLineIsOneFrame) {
   const std::string path = folder.Put(
       "faces.jsonl",
       std::string("{\"faces\": [{\"eyes\": [[20, 20], [40, 20]]}]}\n\n{\"faces\": []}\n"));
-  const cv::Mat luma(64, 64, CV_8U, cv::Scalar(0));
+  const tools::Image luma({64, 64});
   const auto faces = tools::ListedFaces(path);
   EXPECT_EQ(faces->Next(luma).size(), 1u);
   EXPECT_EQ(faces->Next(luma).size(), 0u);
@@ -140,7 +141,7 @@ TEST(ListedFaces, OneLineIsOneFrame) {
 TEST(ListedFaces, MoreLinesThanFramesAreRemarkedOn) {
   const Folder folder;
   const auto faces = tools::ListedFaces(folder.Put("faces.jsonl", std::string("\n\n")));
-  faces->Next(cv::Mat(64, 64, CV_8U, cv::Scalar(0)));
+  faces->Next(tools::Image({64, 64}));
   const std::vector<std::string> remarks = faces->Remarks();
   ASSERT_EQ(remarks.size(), 1u);
   EXPECT_NE(remarks[0].find("more lines"), std::string::npos);
@@ -155,7 +156,7 @@ TEST(DetectedFaces, AFaceIsThereInEveryFrameAndMovesSmoothly) {
   const auto faces = tools::DetectedFaces(3);
   std::vector<double> places;
   for (int i = 0; i < 9; ++i) {
-    const std::vector<Face> found = faces->Next(i < 3 ? luma : moved);
+    const std::vector<Face> found = faces->Next(tools::ImageOf(i < 3 ? luma : moved));
     ASSERT_EQ(found.size(), 1u) << i;
     places.push_back(static_cast<double>(found.front().landmarks.nose_tip.x));
   }

@@ -83,8 +83,9 @@ TEST(Demo, RectificationMakesTheTiltedPictureStraight) {
 TEST(Doctor, FindsEverythingInOrder) {
   const Result result = RunLumora({"doctor"});
   EXPECT_EQ(result.exit_code, 0) << result.out << result.err;
-  for (const char* name : {"display", "driver", "buffers", "program binaries", "cache directory",
-                           "face finder", "face classifiers", "test slimming", "test whitening"}) {
+  for (const char* name :
+       {"display", "driver", "buffers", "program binaries", "cache directory", "face finder",
+        "drawing", "face classifiers", "test slimming", "test whitening"}) {
     EXPECT_THAT(result.out, HasSubstr(std::string("OK      ") + name));
   }
   EXPECT_THAT(result.out, testing::Not(HasSubstr("FAILED")));
@@ -95,7 +96,7 @@ TEST(Doctor, ReportsForMachines) {
   EXPECT_EQ(result.exit_code, 0);
   const auto report = nlohmann::json::parse(result.out);
   EXPECT_TRUE(report.at("ok").get<bool>());
-  EXPECT_GE(report.at("checks").size(), 10u);
+  EXPECT_GE(report.at("checks").size(), 11u);
 }
 
 TEST(Doctor, SaysWhatIsWrongWithACacheThatCannotBeWritten) {

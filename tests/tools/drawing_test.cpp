@@ -7,9 +7,10 @@
 #include "tests/tools/pictures.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/face_geometry.h"
-#include "tools/lumora/portraits/portrait.h"
-#include "tools/lumora/sheets/compare.h"
-#include "tools/lumora/sheets/explain.h"
+#include "tools/lumora/modules/drawing/compare.h"
+#include "tools/lumora/modules/drawing/explain.h"
+#include "tools/lumora/modules/drawing/portraits/portrait.h"
+#include "tools/lumora/modules/opencv.h"
 
 namespace lumora::test {
 namespace {
@@ -66,7 +67,7 @@ TEST(Portraits, SkinTonesAreClearlyDifferent) {
 
 TEST(FaceFinder, FindsADrawnFaceByItsEyes) {
   const Portrait portrait = DrawPortrait(0, 512);
-  const auto found = tools::FaceFinder().Find(portrait.picture);
+  const auto found = tools::FaceFinder().Find(tools::ImageOf(portrait.picture));
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].found_by, tools::FoundBy::Eyes);
   const PointF left = Middle(found[0].face.landmarks.left_eye);
@@ -86,7 +87,7 @@ TEST(FaceFinder, FindsATurnedHeadWithItsRoll) {
     cv::Mat turned;  // OpenCV's angles are counter-clockwise
     cv::warpAffine(portrait.picture, turned, cv::getRotationMatrix2D({256, 256}, -degrees, 1),
                    {512, 512}, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
-    const auto found = tools::FaceFinder().Find(turned);
+    const auto found = tools::FaceFinder().Find(tools::ImageOf(turned));
     ASSERT_EQ(found.size(), 1u);
     EXPECT_NEAR(found[0].face.roll_degrees, degrees, 6);
   }
@@ -98,7 +99,7 @@ TEST(FaceFinder, FacesOfLargePicturesAreGivenInTheirOwnPixelsLargestFirst) {
   cv::Mat picture(1400, 3000, CV_8UC3, cv::Scalar(200, 190, 180));
   small.picture.copyTo(picture(cv::Rect(100, 200, 900, 900)));
   large.picture.copyTo(picture(cv::Rect(1500, 50, 1300, 1300)));
-  const auto found = tools::FaceFinder().Find(picture);
+  const auto found = tools::FaceFinder().Find(tools::ImageOf(picture));
   ASSERT_EQ(found.size(), 2u);
   const auto expect_eye = [](const tools::FoundFace& face, const Portrait& drawn, float x,
                              float y) {
@@ -115,7 +116,7 @@ TEST(Group, EveryFaceLiesWhereItSays) {
   const tools::Group group = tools::DrawGroup({1200, 900});
   ASSERT_EQ(group.picture.size(), cv::Size(1200, 900));
   ASSERT_EQ(static_cast<int>(group.faces.size()), PortraitCount());
-  auto found = tools::FaceFinder().Find(group.picture);
+  auto found = tools::FaceFinder().Find(tools::ImageOf(group.picture));
   ASSERT_EQ(found.size(), group.faces.size());
   for (const Face& face : group.faces) {
     const PointF eye = Middle(face.landmarks.left_eye);

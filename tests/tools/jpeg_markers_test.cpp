@@ -87,7 +87,7 @@ TEST(JpegMarkers, APictureInMoreThan1000ScansIsRefused) {
     ASSERT_EQ(PlacesOf(kStartOfScan, most).size(), 1000u);
     ASSERT_EQ(PlacesOf(kStartOfScan, too_many).size(), 1001u);
     const auto decoded = tools::DecodePicture(most, "many.jpg");
-    EXPECT_EQ(decoded.picture->size(), cv::Size(32, 32));
+    EXPECT_EQ(decoded.picture->size(), (tools::Size{32, 32}));
     try {
       tools::DecodePicture(too_many, "many.jpg");
       ADD_FAILURE() << "was accepted";

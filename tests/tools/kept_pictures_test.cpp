@@ -8,6 +8,7 @@
 
 #include "tests/tools/pictures.h"
 #include "tests/tools/stored_pictures.h"
+#include "tools/lumora/modules/opencv.h"
 #include "tools/lumora/picture/metadata.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/png_chunks.h"
@@ -24,6 +25,16 @@ using tools::LoadedPicture;
 /// The mean difference of a sample.
 double MeanDifference(const cv::Mat& a, const cv::Mat& b) {
   return cv::norm(a, b, cv::NORM_L1) / static_cast<double>(a.total()) / a.channels();
+}
+double MeanDifference(const tools::Image& a, const cv::Mat& b) {
+  return MeanDifference(tools::MatOf(a), b);
+}
+double MeanDifference(const tools::Image& a, const tools::Image& b) {
+  return MeanDifference(tools::MatOf(a), tools::MatOf(b));
+}
+
+bool HaveOneSize(const tools::Picture& a, const cv::Mat& b) {
+  return a.size() == tools::Size{b.cols, b.rows};
 }
 
 /// A picture without edges, different at every side, so that sampling hardly matters and turning
@@ -92,10 +103,10 @@ TEST(TurnedJpeg, AFrameAndItsMergedResultAreThoseOfTheUprightPicture) {
       EXPECT_LT(MeanDifference(before.cr, expected.cr), 1.5);
       // Another colour in a part of the picture, in whole samples and blocks of every plane.
       const cv::Rect part(16, 32, 32, 32), half(8, 16, 16, 16);
-      Frame420 after = before.Clone();
-      after.y(part).setTo(140);
-      after.cb(half).setTo(90);
-      after.cr(half).setTo(170);
+      Frame420 after = before;
+      tools::MatOf(after.y)(part).setTo(140);
+      tools::MatOf(after.cb)(half).setTo(90);
+      tools::MatOf(after.cr)(half).setTo(170);
       loaded.picture->Merge(before, after);
       const cv::Mat result = Decode(loaded.picture->Encode(FileFormat::Jpeg));
       // By the equations of JFIF.
@@ -120,11 +131,11 @@ TEST(TurnedPicture, PngsAndJpegsWithoutLumaComeOutUpright) {
     const cv::Mat stored = Stored(upright, orientation);
     const LoadedPicture png = DecodePicture(WithOrientation(PngOf(stored), orientation), "png");
     EXPECT_EQ(png.orientation, orientation);
-    ASSERT_EQ(png.picture->size(), upright.size());
-    EXPECT_EQ(cv::norm(png.picture->Bgr(), upright, cv::NORM_INF), 0);
+    ASSERT_TRUE(HaveOneSize(*png.picture, upright));
+    EXPECT_EQ(cv::norm(tools::MatOf(png.picture->Bgr()), upright, cv::NORM_INF), 0);
     const LoadedPicture jpeg =
         DecodePicture(WithOrientation(JpegOf(stored, rgb), orientation), "jpeg");
-    ASSERT_EQ(jpeg.picture->size(), upright.size());
+    ASSERT_TRUE(HaveOneSize(*jpeg.picture, upright));
     EXPECT_LT(MeanDifference(jpeg.picture->Bgr(), upright), 2);
   }
 }
@@ -141,7 +152,9 @@ TEST(TurnedPicture, TheMetadataTellTheSizeOfTheUprightPicture) {
       image.xmpData()["Xmp.tiff.Orientation"] = std::to_string(orientation);
     });
     for (Bytes result : {JpegOf(upright, {}), PngOf(upright)}) {
-      ASSERT_EQ(tools::CopyMetadata(tools::ReadMetadata(file), file, upright.size(), result), "");
+      ASSERT_EQ(tools::CopyMetadata(tools::ReadMetadata(file), file, {upright.cols, upright.rows},
+                                    result),
+                "");
       const auto has = MetadataOf(result);
       EXPECT_EQ(has->exifData()["Exif.Image.Orientation"].toLong(), 1);
       EXPECT_EQ(has->exifData()["Exif.Photo.PixelXDimension"].toLong(), 80);
@@ -249,10 +262,9 @@ TEST(PngOfAnyKind, EveryChunkAboutColourResolutionAndOriginIsKept) {
 }
 
 /// `frame` with one of its planes changed in a part.
-Frame420 ChangedIn(const Frame420& frame, cv::Mat Frame420::*plane, const cv::Rect& part) {
-  Frame420 changed = frame.Clone();
-  cv::Mat& samples = changed.*plane;
-  cv::Mat inside = samples(part);
+Frame420 ChangedIn(const Frame420& frame, tools::Image Frame420::*plane, const cv::Rect& part) {
+  Frame420 changed = frame;
+  cv::Mat inside = tools::MatOf(changed.*plane)(part);
   inside = inside + cv::Scalar(20);
   return changed;
 }
@@ -266,7 +278,7 @@ TEST(ColourPicture, AChangeOfAnyPlaneAloneReachesThePixelsAndNoOthers) {
     const LoadedPicture loaded = DecodePicture(PngOf(original), "test");
     const Frame420 before = loaded.picture->Frame();
     loaded.picture->Merge(before, ChangedIn(before, plane, part));
-    const cv::Mat after = loaded.picture->Bgr();
+    const cv::Mat after = tools::MatOf(loaded.picture->Bgr()).clone();
     for (int y = 0; y < after.rows; ++y) {
       for (int x = 0; x < after.cols; ++x) {
         const bool inside = cv::Rect(20, 10, 8, 6).contains({x, y});

@@ -26,7 +26,7 @@ int OrientationOf(const Bytes& file) {
 
 using tools::PictureMetadata;
 
-const cv::Size kUpright(80, 48);
+constexpr tools::Size kUpright = {80, 48};
 
 /// An EXIF block, written number by number.
 class ExifBlock {

@@ -11,7 +11,7 @@
 
 #include "tests/tools/pictures.h"
 #include "tests/tools/process.h"
-#include "tools/lumora/portraits/portrait.h"
+#include "tools/lumora/modules/drawing/portraits/portrait.h"
 
 namespace lumora::test {
 namespace {

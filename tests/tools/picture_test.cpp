@@ -7,6 +7,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "tests/tools/pictures.h"
+#include "tools/lumora/modules/opencv.h"
 #include "tools/lumora/picture/jpeg_codec.h"
 #include "tools/lumora/picture/jpeg_pixels.h"
 #include "tools/lumora/picture/jpeg_planes.h"
@@ -20,16 +21,24 @@ using tools::ChromaTo420;
 using tools::DecodePicture;
 using tools::FileFormat;
 using tools::Frame420;
+using tools::Image;
+using tools::ImageOf;
 using tools::LoadedPicture;
+using tools::MatOf;
 using tools::MergeChroma;
 using tools::SampleArea;
 
 const SampleArea kAreas[] = {{1, 1}, {2, 1}, {2, 2}, {1, 2}, {4, 1}, {4, 2}};
 
-cv::Mat Noise(int columns, int rows) {
-  cv::Mat plane(rows, columns, CV_8U);
-  cv::RNG(7).fill(plane, cv::RNG::UNIFORM, 0, 256);
+Image Noise(int columns, int rows) {
+  Image plane({columns, rows});
+  cv::Mat samples = MatOf(plane);
+  cv::RNG(7).fill(samples, cv::RNG::UNIFORM, 0, 256);
   return plane;
+}
+
+double MeanDifference(const Image& a, const Image& b) {
+  return cv::norm(MatOf(a), MatOf(b), cv::NORM_L1) / static_cast<double>(a.bytes().size());
 }
 
 int DivideUp(int value, int by) {
@@ -37,73 +46,75 @@ int DivideUp(int value, int by) {
 }
 
 TEST(Planes, ChromaOfAnySamplingHasTheSizeOf420) {
-  for (const cv::Size size : {cv::Size(64, 48), cv::Size(65, 49), cv::Size(35, 34)}) {
+  for (const tools::Size size : {tools::Size{64, 48}, tools::Size{65, 49}, tools::Size{35, 34}}) {
     for (const SampleArea area : kAreas) {
-      const cv::Mat plane =
+      const Image plane =
           Noise(DivideUp(size.width, area.across), DivideUp(size.height, area.down));
-      const cv::Mat chroma = ChromaTo420(plane, area, size);
-      EXPECT_EQ(chroma.cols, DivideUp(size.width, 2)) << area.across << "x" << area.down;
-      EXPECT_EQ(chroma.rows, DivideUp(size.height, 2)) << area.across << "x" << area.down;
+      const Image chroma = ChromaTo420(plane, area, size);
+      EXPECT_EQ(chroma.width(), DivideUp(size.width, 2)) << area.across << "x" << area.down;
+      EXPECT_EQ(chroma.height(), DivideUp(size.height, 2)) << area.across << "x" << area.down;
     }
   }
 }
 
 TEST(Planes, ChromaOf444IsTheMeanOfItsFourSamples) {
-  const cv::Mat plane = Noise(16, 12);
-  const cv::Mat chroma = ChromaTo420(plane, {1, 1}, {16, 12});
+  const Image plane = Noise(16, 12);
+  const Image chroma = ChromaTo420(plane, {1, 1}, {16, 12});
   for (int y = 0; y < 6; ++y) {
     for (int x = 0; x < 8; ++x) {
-      const double mean = cv::mean(plane(cv::Rect(2 * x, 2 * y, 2, 2)))[0];
-      EXPECT_NEAR(chroma.at<uint8_t>(y, x), mean, 0.51);
+      const double mean = cv::mean(MatOf(plane)(cv::Rect(2 * x, 2 * y, 2, 2)))[0];
+      EXPECT_NEAR(chroma.Row(y)[x], mean, 0.51);
     }
   }
 }
 
 TEST(Planes, MergingLeavesUnchangedSamplesAlone) {
-  const cv::Size size(65, 49);
+  constexpr tools::Size size = {65, 49};
   for (const SampleArea area : kAreas) {
     SCOPED_TRACE(std::to_string(area.across) + "x" + std::to_string(area.down));
-    const cv::Mat original =
+    const Image original =
         Noise(DivideUp(size.width, area.across), DivideUp(size.height, area.down));
-    const cv::Mat before = ChromaTo420(original, area, size);
-    cv::Mat after = before.clone();
+    const Image before = ChromaTo420(original, area, size);
+    Image after = before;
     const cv::Rect changed(8, 6, 12, 10);  // in samples of 4:2:0: pixels (16, 12) to (40, 32)
-    after(changed) = after(changed) + cv::Scalar(1);
-    after.at<uint8_t>(6, 8) = static_cast<uint8_t>(before.at<uint8_t>(6, 8) ^ 0x80);
-    cv::Mat merged = original.clone();
+    cv::Mat part = MatOf(after)(changed);
+    part = part + cv::Scalar(1);
+    after.Row(6)[8] = static_cast<uint8_t>(before.Row(6)[8] ^ 0x80);
+    Image merged = original;
     MergeChroma(before, after, area, merged);
-    for (int y = 0; y < merged.rows; ++y) {
-      for (int x = 0; x < merged.cols; ++x) {
+    for (int y = 0; y < merged.height(); ++y) {
+      for (int x = 0; x < merged.width(); ++x) {
         const int left = x * area.across, top = y * area.down;
         const bool outside =
             left + area.across <= 16 || left >= 40 || top + area.down <= 12 || top >= 32;
         if (outside) {
-          ASSERT_EQ(merged.at<uint8_t>(y, x), original.at<uint8_t>(y, x));
+          ASSERT_EQ(merged.Row(y)[x], original.Row(y)[x]);
         }
       }
     }
-    EXPECT_GT(cv::countNonZero(merged != original), 0);
+    EXPECT_NE(merged.bytes(), original.bytes());
   }
 }
 
 TEST(JpegPlanes, BlocksWithoutAChangeKeepTheirCoefficients) {
   const Bytes file = JpegOf(PortraitOf(200, 152).picture, {2, 2, 75, false, false});
-  std::vector<cv::Mat> planes = tools::ReadJpegPlanes(file);
-  std::vector<cv::Mat> changed;
-  for (const cv::Mat& plane : planes) changed.push_back(cv::Mat::zeros(plane.size(), CV_8U));
+  std::vector<Image> planes = tools::ReadJpegPlanes(file);
+  std::vector<Image> changed;
+  for (const Image& plane : planes) changed.emplace_back(plane.size());
   // A spot of luma, in the block from (80, 64) to (88, 72).
   const cv::Rect spot(82, 66, 4, 4);
-  planes[0](spot) = 255 - planes[0](spot);
-  changed[0](spot).setTo(255);
+  cv::Mat inverted = MatOf(planes[0])(spot);
+  inverted = 255 - inverted;
+  MatOf(changed[0])(spot).setTo(255);
   const Bytes result =
       tools::ReplaceJpegBlocks(file, tools::WriteJpegPlanes(planes, file, false), changed);
-  const std::vector<cv::Mat> before = tools::ReadJpegPlanes(file);
-  std::vector<cv::Mat> after = tools::ReadJpegPlanes(result);
-  EXPECT_GT(cv::norm(before[0], after[0], cv::NORM_INF), 30);
+  const std::vector<Image> before = tools::ReadJpegPlanes(file);
+  std::vector<Image> after = tools::ReadJpegPlanes(result);
+  EXPECT_GT(cv::norm(MatOf(before[0]), MatOf(after[0]), cv::NORM_INF), 30);
   const cv::Rect block(80, 64, 8, 8);
-  before[0](block).copyTo(after[0](block));
+  MatOf(before[0])(block).copyTo(MatOf(after[0])(block));
   for (size_t i = 0; i < before.size(); ++i) {
-    EXPECT_EQ(cv::norm(before[i], after[i], cv::NORM_INF), 0) << "plane " << i;
+    EXPECT_EQ(before[i].bytes(), after[i].bytes()) << "plane " << i;
   }
 }
 
@@ -122,14 +133,15 @@ TEST(JpegPlanes, FilesOfAnyColourSpaceAreReadAsBgr) {
   for (const bool rgb : {false, true}) {
     kind.rgb = rgb;
     const Bytes file = JpegOf(portrait, kind);
-    EXPECT_EQ(cv::norm(tools::ReadJpegBgr(file), Decode(file), cv::NORM_INF), 0);
+    EXPECT_EQ(cv::norm(MatOf(tools::ReadJpegBgr(file)), Decode(file), cv::NORM_INF), 0);
   }
   kind.rgb = false;
   kind.cmyk = true;
   const Bytes file = JpegOf(portrait, kind);
   // Another decoder rounds differently on the way from inks to light.
-  EXPECT_LE(cv::norm(tools::ReadJpegBgr(file), cv::imdecode(file, cv::IMREAD_COLOR), cv::NORM_INF),
-            2);
+  EXPECT_LE(
+      cv::norm(MatOf(tools::ReadJpegBgr(file)), cv::imdecode(file, cv::IMREAD_COLOR), cv::NORM_INF),
+      2);
   for (const double share : {0.3, 0.6, 0.95}) {
     const auto size = static_cast<std::ptrdiff_t>(static_cast<double>(file.size()) * share);
     EXPECT_THROW(tools::ReadJpegBgr(Bytes(file.begin(), file.begin() + size)), tools::JpegError);
@@ -147,7 +159,8 @@ TEST(Picture, NewFilesHoldWhatWasGivenAndAreCodedAsEver) {
   const cv::Mat part = portrait(cv::Rect(3, 5, 101, 67));  // whose rows do not follow each other
   for (const cv::Mat& picture : {portrait, gray, bgra, part, portrait(cv::Rect(0, 0, 1, 1))}) {
     SCOPED_TRACE(testing::Message() << picture.size() << ", " << picture.channels());
-    const Bytes png = tools::EncodePng(picture), jpeg = tools::EncodeJpeg(picture);
+    const Bytes png = tools::EncodePng(ImageOf(picture)),
+                jpeg = tools::EncodeJpeg(ImageOf(picture));
     const cv::Mat decoded = Decode(png);
     ASSERT_EQ(decoded.type(), picture.type());
     ASSERT_EQ(decoded.size(), picture.size());
@@ -162,10 +175,10 @@ TEST(Picture, NewFilesHoldWhatWasGivenAndAreCodedAsEver) {
 }
 
 TEST(Picture, ASideThatAFormatCannotHaveIsAFailure) {
-  const cv::Mat too_wide(1, 65501, CV_8UC3, cv::Scalar::all(0));
+  const Image too_wide({65501, 1}, 3);
   EXPECT_THROW(tools::EncodeJpeg(too_wide), tools::Failure);
-  EXPECT_EQ(Decode(tools::EncodePng(too_wide)).size(), too_wide.size());
-  EXPECT_THROW(tools::EncodePng(cv::Mat(1, 1'000'001, CV_8UC1, cv::Scalar(0))), tools::Failure);
+  EXPECT_EQ(Decode(tools::EncodePng(too_wide)).cols, too_wide.width());
+  EXPECT_THROW(tools::EncodePng(Image({1'000'001, 1})), tools::Failure);
 }
 
 TEST(Picture, MergingAnUnchangedFrameChangesNothing) {
@@ -177,10 +190,10 @@ TEST(Picture, MergingAnUnchangedFrameChangesNothing) {
                             JpegOf(portrait, {2, 2}), JpegOf(portrait, {1, 2, 90, true})}) {
     LoadedPicture loaded = DecodePicture(file, "test");
     const Frame420 frame = loaded.picture->Frame();
-    EXPECT_EQ(frame.y.size(), cv::Size(204, 152));
-    EXPECT_EQ(frame.cb.size(), cv::Size(102, 76));
-    EXPECT_EQ(frame.cr.size(), cv::Size(102, 76));
-    loaded.picture->Merge(frame, frame.Clone());
+    EXPECT_EQ(frame.y.size(), (tools::Size{204, 152}));
+    EXPECT_EQ(frame.cb.size(), (tools::Size{102, 76}));
+    EXPECT_EQ(frame.cr.size(), (tools::Size{102, 76}));
+    loaded.picture->Merge(frame, frame);
     const cv::Mat after = Decode(loaded.picture->Encode(loaded.format));
     const cv::Mat before = Decode(file);
     ASSERT_EQ(after.size(), before.size());
@@ -201,9 +214,9 @@ TEST(Picture, TheFrameIsFullRange) {
   for (const auto& colour : kColours) {
     const cv::Mat picture(40, 40, CV_8UC3, colour.bgr);
     const Frame420 frame = DecodePicture(PngOf(picture), "test").picture->Frame();
-    EXPECT_NEAR(frame.y.at<uint8_t>(20, 20), colour.y, 1);
-    EXPECT_NEAR(frame.cb.at<uint8_t>(10, 10), colour.cb, 1);
-    EXPECT_NEAR(frame.cr.at<uint8_t>(10, 10), colour.cr, 1);
+    EXPECT_NEAR(frame.y.Row(20)[20], colour.y, 1);
+    EXPECT_NEAR(frame.cb.Row(10)[10], colour.cb, 1);
+    EXPECT_NEAR(frame.cr.Row(10)[10], colour.cr, 1);
   }
 }
 
@@ -211,14 +224,14 @@ TEST(Picture, JpegAndPngAgreeOnTheFrame) {
   const cv::Mat portrait = PortraitOf(256, 256).picture;
   const Frame420 png = DecodePicture(PngOf(portrait), "png").picture->Frame();
   const Frame420 jpeg = DecodePicture(JpegOf(portrait, {2, 2, 98}), "jpeg").picture->Frame();
-  EXPECT_LT(cv::norm(png.y, jpeg.y, cv::NORM_L1) / static_cast<double>(png.y.total()), 1.5);
-  EXPECT_LT(cv::norm(png.cb, jpeg.cb, cv::NORM_L1) / static_cast<double>(png.cb.total()), 1.5);
-  EXPECT_LT(cv::norm(png.cr, jpeg.cr, cv::NORM_L1) / static_cast<double>(png.cr.total()), 1.5);
+  EXPECT_LT(MeanDifference(png.y, jpeg.y), 1.5);
+  EXPECT_LT(MeanDifference(png.cb, jpeg.cb), 1.5);
+  EXPECT_LT(MeanDifference(png.cr, jpeg.cr), 1.5);
 }
 
 TEST(PngChunks, TextCanBeLeftOutAndCopiedAndTheEndIsNeeded) {
   const Bytes file = PngOf(Landscape(50, 40));
-  EXPECT_EQ(tools::PngSize(file), cv::Size(50, 40));
+  EXPECT_EQ(tools::PngSize(file), (tools::Size{50, 40}));
   // An empty tEXt chunk with its checksum, right behind the header.
   Bytes with_text = file;
   const Bytes chunk = {0, 0, 0, 0, 't', 'E', 'X', 't', 0x96, 0x42, 0xc5, 0x85};

@@ -13,7 +13,7 @@
 // libjpeg's header needs <cstdio> before it.
 #include <jpeglib.h>
 
-#include "tools/lumora/portraits/portrait.h"
+#include "tools/lumora/modules/drawing/portraits/portrait.h"
 
 namespace lumora::test {
 namespace {

@@ -6,6 +6,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "tests/tools/png_files.h"
+#include "tools/lumora/modules/opencv.h"
 
 namespace lumora::test {
 namespace {
@@ -54,8 +55,8 @@ TEST(PngPixels, EveryKindIsReadAs8BitGrayBgrOrBgra) {
       const Bytes file = PngOf({61, 47}, kind);
       const tools::PngPixels read = ReadPngPixels(file);
       EXPECT_EQ(read.reduced, kind.bits == 16);
-      ASSERT_EQ(read.pixels.type(), test.type);
-      cv::Mat expected = Expected(file, kind), got = read.pixels;
+      cv::Mat expected = Expected(file, kind), got = tools::MatOf(read.pixels);
+      ASSERT_EQ(got.type(), test.type);
       ASSERT_EQ(expected.size(), got.size());
       ASSERT_EQ(expected.type(), got.type());
       if (got.channels() == 4) {
@@ -71,7 +72,8 @@ TEST(PngPixels, EveryKindIsReadAs8BitGrayBgrOrBgra) {
 TEST(PngPixels, TransparentColoursAreTransparent) {
   for (const PngKind& kind : {PngKind{PNG_COLOR_TYPE_GRAY, 2, false, true},
                               PngKind{PNG_COLOR_TYPE_PALETTE, 1, false, true}}) {
-    const cv::Mat pixels = ReadPngPixels(PngOf({61, 47}, kind)).pixels;
+    const tools::Image read = ReadPngPixels(PngOf({61, 47}, kind)).pixels;
+    const cv::Mat pixels = tools::MatOf(read);
     ASSERT_EQ(pixels.channels(), 4);
     cv::Mat alpha;
     cv::extractChannel(pixels, alpha, 3);
@@ -96,7 +98,7 @@ TEST(PngPixels, DamageIsAnErrorAndPrintsNothing) {
   for (size_t at = 0; at < 64; ++at) {
     try {
       EXPECT_EQ(ReadPngPixels(WithChangedByte(file, "IDAT", at, 0x55)).pixels.size(),
-                cv::Size(61, 47));
+                (tools::Size{61, 47}));
     } catch (const tools::PngError&) {
       continue;
     }

@@ -9,7 +9,7 @@
 
 #include "tests/tools/pictures.h"
 #include "tests/tools/process.h"
-#include "tools/lumora/sheets/compare.h"
+#include "tools/lumora/modules/drawing/compare.h"
 
 namespace lumora::test {
 namespace {

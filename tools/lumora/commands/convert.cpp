@@ -4,13 +4,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
-#include <opencv2/imgproc.hpp>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "lumora/pipeline/converter.h"
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
+#include "tools/lumora/images/colours.h"
 #include "tools/lumora/options/common_options.h"
 #include "tools/lumora/options/numbers.h"
 #include "tools/lumora/picture/losses.h"
@@ -39,7 +40,7 @@ std::string Ending(const std::string& path) {
   return ending.empty() ? ending : ending.substr(1);
 }
 
-cv::Size ParseSize(const std::string& text) {
+Size ParseSize(const std::string& text) {
   const size_t cross = std::min(text.find('x'), text.size());
   const std::optional<int> width = WholeNumber(text.substr(0, cross));
   const std::optional<int> height =
@@ -67,12 +68,12 @@ class Source {
   }
 
   const ConstFrameView& view() const { return view_; }
-  cv::Size size() const { return {view_.width, view_.height}; }
+  Size size() const { return {view_.width, view_.height}; }
 
  private:
   void ReadRaw(const ConvertOptions& options, PixelFormat format) {
     if (options.size.empty()) throw Misused("raw frames do not tell their size: give --size");
-    const cv::Size size = ParseSize(options.size);
+    const Size size = ParseSize(options.size);
     WholeInput input(options.in);
     options.appetite.Check(size, input.name());
     const size_t expected = RawFrameBytes(size);
@@ -108,13 +109,13 @@ class Source {
 };
 
 /// One of the images that the colour converter makes, three channels.
-cv::Mat ImageOf(const Source& source, bool hsi) {
+Image ImageOf(const Source& source, bool hsi) {
   Status status;
   const std::unique_ptr<Converter> converter = Converter::Create(&status);
   ThrowUnlessOk(status);
-  cv::Mat image(source.size(), CV_8UC3);
-  const ImageView wanted = {image.data, image.cols, image.rows, 3,
-                            static_cast<std::ptrdiff_t>(image.step)};
+  Image image(source.size(), 3);
+  const ImageView wanted = {image.Row(0), image.width(), image.height(), 3,
+                            static_cast<std::ptrdiff_t>(image.stride())};
   const ImageView unwanted = {};
   ThrowUnlessOk(
       converter->Convert(source.view(), hsi ? unwanted : wanted, hsi ? wanted : unwanted));
@@ -149,13 +150,11 @@ ExitCode Convert(const ConvertOptions& options) {
     WriteWhole(options.out, FrameIn(*frame_format, source));
     return ExitCode::Done;
   }
-  const cv::Mat image = ImageOf(source, options.to == "hsi");
+  Image image = ImageOf(source, options.to == "hsi");
   if (as_picture) {
-    cv::Mat red_last;  // the order that the encoder expects
-    cv::cvtColor(image, red_last, cv::COLOR_RGB2BGR);
-    WriteWhole(options.out, EncodePng(red_last));
+    WriteWhole(options.out, EncodePng(WithRedAndBlueSwapped(std::move(image))));
   } else {
-    WriteWhole(options.out, Bytes(image.datastart, image.dataend));
+    WriteWhole(options.out, image.bytes());
   }
   return ExitCode::Done;
 }

@@ -1,17 +1,14 @@
 // lumora demo: portraits drawn by the program itself, before and after.
 #include <filesystem>
 #include <memory>
-#include <opencv2/imgproc.hpp>
 #include <string>
 #include <vector>
 
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
+#include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/picture/colour_picture.h"
 #include "tools/lumora/picture/picture.h"
-#include "tools/lumora/portraits/portrait.h"
-#include "tools/lumora/sheets/compare.h"
-#include "tools/lumora/sheets/explain.h"
 #include "tools/lumora/support/files.h"
 #include "tools/lumora/support/talk.h"
 
@@ -28,27 +25,8 @@ struct DemoOptions {
   int capture = 4000;
 };
 
-/// The picture as a tilted camera takes it: the one that rectification by kDegree makes straight.
-/// Its left side is smaller.
-cv::Mat Tilted(const cv::Mat& straight) {
-  constexpr float kInset = kDegree / 100.f;
-  const auto width = static_cast<float>(straight.cols);
-  const auto height = static_cast<float>(straight.rows);
-  cv::Mat places(straight.size(), CV_32FC2), tilted;
-  for (int y = 0; y < straight.rows; ++y) {
-    for (int x = 0; x < straight.cols; ++x) {
-      const float u = ((static_cast<float>(x) + 0.5f) / width - kInset / 2) / (1 - kInset);
-      const float v =
-          0.5f + ((static_cast<float>(y) + 0.5f) / height - 0.5f) / (1 - 2 * kInset * (1 - u));
-      places.at<cv::Vec2f>(y, x) = {u * width - 0.5f, v * height - 0.5f};
-    }
-  }
-  cv::remap(straight, tilted, places, {}, cv::INTER_LINEAR, cv::BORDER_REFLECT);
-  return tilted;
-}
-
 /// The 4:3 picture of that width.
-cv::Size FourToThree(int width) {
+Size FourToThree(int width) {
   return {width, width * 3 / 4};
 }
 
@@ -65,14 +43,13 @@ class Demo {
     }
     CheckWritable(PathOf("overview.png"));
     engine_ = std::make_unique<Engine>();
-    std::vector<cv::Mat> rows;
-    for (int i = 0; i < PortraitCount(); ++i) {
-      const Portrait portrait = DrawPortrait(i, options_.size);
-      rows.push_back(Show("portrait-" + std::to_string(i + 1), portrait.picture, {portrait.face}));
+    std::vector<Image> rows;
+    for (int i = 0; i < Draw().PortraitCount(); ++i) {
+      const Scene portrait = Draw().DrawPortrait(i, options_.size);
+      rows.push_back(Show("portrait-" + std::to_string(i + 1), portrait));
     }
-    Write("overview.png", Stacked(rows));
-    const Group group = DrawGroup(FourToThree(2 * options_.size));
-    Show("group", group.picture, group.faces);
+    Write("overview.png", Draw().Stacked(rows));
+    Show("group", Draw().DrawGroup(FourToThree(2 * options_.size)));
     if (options_.capture > 0) ShowCapture();
     return ExitCode::Done;
   }
@@ -80,46 +57,48 @@ class Demo {
  private:
   /// Writes one picture before and after, and step by step, from a photo that was taken with a
   /// tilted camera. Returns the steps.
-  cv::Mat Show(const std::string& name, const cv::Mat& drawn, const std::vector<Face>& faces) {
-    const cv::Mat tilted = Tilted(drawn);
-    const cv::Mat straight = Rectified(tilted);
+  Image Show(const std::string& name, const Scene& scene) {
+    const auto& [drawn, faces] = scene;
+    const Image tilted = Draw().Tilted(drawn, kDegree);
+    const Image straight = Rectified(tilted);
     Look slim, whiten = options_.look;
     slim.slim = options_.look.slim;
     whiten.slim = 0;
-    cv::Mat steps = TitledRow({{"as taken", tilted},
-                               {"rectified", straight},
-                               {"slimmed", Retouched(straight, faces, slim)},
-                               {"whitened", Retouched(straight, faces, whiten)},
-                               {"all together", Retouched(straight, faces, options_.look)}});
-    const cv::Mat after = Retouched(drawn, faces, options_.look);
+    Image steps = Draw().TitledRow({{"as taken", tilted},
+                                    {"rectified", straight},
+                                    {"slimmed", Retouched(straight, faces, slim)},
+                                    {"whitened", Retouched(straight, faces, whiten)},
+                                    {"all together", Retouched(straight, faces, options_.look)}});
+    const Image after = Retouched(drawn, faces, options_.look);
     Write(name + "-before.png", drawn);
     Write(name + "-after.png", after);
-    Write(name + "-compare.png", CompareSheet(drawn, after));
+    Write(name + "-compare.png", Draw().CompareSheet(drawn, after));
     Write(name + "-steps.png", steps);
     return steps;
   }
 
   /// A large still, which goes through the engine block by block.
   void ShowCapture() {
-    const Group group = DrawGroup(FourToThree(options_.capture));
+    const Scene group = Draw().DrawGroup(FourToThree(options_.capture));
     Report report;
-    const cv::Mat after = Retouched(group.picture, group.faces, options_.look, &report);
+    const Image after = Retouched(group.picture, group.faces, options_.look, &report);
     WriteJpeg("capture-before.jpg", group.picture);
     WriteJpeg("capture-after.jpg", after);
-    WriteJpeg("capture-compare.jpg", CompareSheet(group.picture, after));
-    WriteJpeg("capture-explain.jpg", ExplainSheet(group.picture, group.faces, report.blocks));
+    WriteJpeg("capture-compare.jpg", Draw().CompareSheet(group.picture, after));
+    WriteJpeg("capture-explain.jpg",
+              Draw().ExplainSheet(group.picture, group.faces, report.blocks));
   }
 
-  cv::Mat Retouched(const cv::Mat& picture, const std::vector<Face>& faces, const Look& look,
-                    Report* report = nullptr) {
-    ColourPicture retouched(picture.clone());
+  Image Retouched(const Image& picture, const std::vector<Face>& faces, const Look& look,
+                  Report* report = nullptr) {
+    ColourPicture retouched(picture);
     const Frame420 frame = retouched.Frame();
     retouched.Merge(frame, engine_->Process(frame, faces, look, report));
     return retouched.Bgr();
   }
 
-  cv::Mat Rectified(const cv::Mat& picture) {
-    ColourPicture rectified(picture.clone());
+  Image Rectified(const Image& picture) {
+    ColourPicture rectified(picture);
     const Frame420 frame = rectified.Frame();
     rectified.Merge(frame, engine_->Run(frame, [](Pipeline& pipeline, const ConstFrameView& in,
                                                   const FrameView& out) {
@@ -132,12 +111,12 @@ class Demo {
     return (std::filesystem::path(options_.folder) / name).string();
   }
 
-  void Write(const std::string& name, const cv::Mat& picture) {
+  void Write(const std::string& name, const Image& picture) {
     WriteWhole(PathOf(name), EncodePng(picture));
     Print(PathOf(name));
   }
 
-  void WriteJpeg(const std::string& name, const cv::Mat& picture) {
+  void WriteJpeg(const std::string& name, const Image& picture) {
     WriteWhole(PathOf(name), EncodeJpeg(picture));
     Print(PathOf(name));
   }

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -14,9 +15,11 @@
 #include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
 #include "tools/lumora/commands/self_test.h"
+#include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/support/files.h"
+#include "tools/lumora/support/module.h"
 #include "tools/lumora/support/talk.h"
 
 namespace lumora::tools {
@@ -51,7 +54,8 @@ class Doctor {
       std::optional<Engine> engine(std::in_place);
       const DeviceInfo device = engine->pipeline().Device();
       CheckDevice(device);
-      CheckFaceFinder();
+      CheckModules();
+      CheckClassifiers();
       const SelfTest slimming = TestSlimming(*engine);
       const SelfTest whitening = TestWhitening(*engine);
       CheckRender("test slimming", slimming);
@@ -105,12 +109,21 @@ class Doctor {
     }
   }
 
-  void CheckFaceFinder() {
+  void CheckModules() {
+    CheckModule("face finder", kFaceFinderModule, LoadFaceFinder);
+    CheckModule("drawing", kDrawingModule, [] { Draw(); });
+  }
+
+  void CheckModule(const char* name, const char* module, const std::function<void()>& load) {
     try {
-      Tell("face finder", true, LoadFaceFinder());
+      load();
+      Tell(name, true, ModulePlace(module));
     } catch (const Failure& failure) {
-      Tell("face finder", false, failure.what());
+      Tell(name, false, failure.what());
     }
+  }
+
+  void CheckClassifiers() {
     const std::string folder = CascadeFolder();
     Tell("face classifiers", !folder.empty(),
          folder.empty() ? "not found; install the package opencv-data" : folder);

@@ -18,7 +18,7 @@ Frame420 Engine::Process(const Frame420& frame, const std::vector<Face>& faces, 
 }
 
 Frame420 Engine::Run(const Frame420& frame, const Work& work) {
-  Frame420 result = frame.Clone();
+  Frame420 result = frame;
   ThrowUnlessOk(work(*pipeline_, frame.View(), result.MutableView()));
   return result;
 }

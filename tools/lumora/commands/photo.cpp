@@ -7,14 +7,13 @@
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/face_geometry.h"
 #include "tools/lumora/faces/faces_json.h"
 #include "tools/lumora/options/common_options.h"
 #include "tools/lumora/options/look_options.h"
 #include "tools/lumora/picture/picture_edit.h"
-#include "tools/lumora/sheets/compare.h"
-#include "tools/lumora/sheets/explain.h"
 #include "tools/lumora/support/clock.h"
 #include "tools/lumora/support/files.h"
 #include "tools/lumora/support/memory.h"
@@ -73,7 +72,7 @@ Json PointJson(PointF point) {
   return {point.x, point.y};
 }
 
-Json FaceJson(const FoundFace& found, cv::Size frame) {
+Json FaceJson(const FoundFace& found, Size frame) {
   const Face& face = found.face;
   const WarpCircle circle = SlimmingCircle(face, frame.width, frame.height);
   Json ellipses = Json::array();
@@ -137,7 +136,7 @@ class Photo {
 
   void Process() {
     const bool compares = !options_.compare.empty() || !options_.explain.empty();
-    if (compares) before_ = edit_->picture().Bgr().clone();
+    if (compares) before_ = edit_->picture().Bgr();
     if (found_.empty() || IsOff(look_)) return;  // exactly off: no engine is started
     const Frame420 frame = edit_->picture().Frame();
     edit_->Merge(frame, Engine().Process(frame, Faces(), look_, &report_, options_.chain));
@@ -163,20 +162,20 @@ class Photo {
   void WriteResults() {
     std::vector<std::pair<std::string, Bytes>> results = {
         {options_.out, edit_->Encode(options_.out)}};
-    const auto add = [&](const std::string& path, const cv::Mat& sheet) {
+    const auto add = [&](const std::string& path, const Image& sheet) {
       results.emplace_back(path, EncodeNew(sheet, edit_->FormatFor(path)));
     };
     if (!options_.compare.empty()) {
-      add(options_.compare, CompareSheet(before_, edit_->picture().Bgr()));
+      add(options_.compare, Draw().CompareSheet(before_, edit_->picture().Bgr()));
     }
     if (!options_.explain.empty()) {
-      add(options_.explain, ExplainSheet(before_, Faces(), report_.blocks));
+      add(options_.explain, Draw().ExplainSheet(before_, Faces(), report_.blocks));
     }
     for (const auto& [path, content] : results) WriteWhole(path, content);
   }
 
   void Tell() const {
-    const cv::Size size = edit_->picture().size();
+    const Size size = edit_->picture().size();
     Json faces = Json::array();
     for (const FoundFace& found : found_) faces.push_back(FaceJson(found, size));
     PrintReport(
@@ -199,7 +198,7 @@ class Photo {
   Look look_;
   std::unique_ptr<PictureEdit> edit_;
   std::vector<FoundFace> found_;
-  cv::Mat before_;
+  Image before_;
   Report report_;
   Json timings_;
 };

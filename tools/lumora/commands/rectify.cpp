@@ -9,9 +9,9 @@
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/options/common_options.h"
 #include "tools/lumora/picture/picture_edit.h"
-#include "tools/lumora/sheets/compare.h"
 #include "tools/lumora/support/clock.h"
 #include "tools/lumora/support/memory.h"
 
@@ -30,7 +30,7 @@ ExitCode Rectify(const RectifyOptions& options) {
   CheckPictureOutputs({options.in}, {options.out, options.compare}, options.json);
   const double start = Now();
   PictureEdit edit(options.in, options.appetite);
-  const cv::Mat before = options.compare.empty() ? cv::Mat() : edit.picture().Bgr().clone();
+  const Image before = options.compare.empty() ? Image() : edit.picture().Bgr();
   const Frame420 frame = edit.picture().Frame();
   Report report;
   edit.Merge(frame, Engine().Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in,
@@ -45,8 +45,9 @@ ExitCode Rectify(const RectifyOptions& options) {
   }));
   std::vector<std::pair<std::string, Bytes>> results = {{options.out, edit.Encode(options.out)}};
   if (!options.compare.empty()) {
-    results.emplace_back(options.compare, EncodeNew(CompareSheet(before, edit.picture().Bgr()),
-                                                    edit.FormatFor(options.compare)));
+    results.emplace_back(options.compare,
+                         EncodeNew(Draw().CompareSheet(before, edit.picture().Bgr()),
+                                   edit.FormatFor(options.compare)));
   }
   for (const auto& [path, content] : results) WriteWhole(path, content);
   edit.TellNotes();

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 
 namespace lumora::tools {
 namespace {
 
-constexpr int kSize = 256;       // pixels; a multiple of 32, so that nothing is padded
+constexpr int kSize = 256;  // pixels; a multiple of 32, so that nothing is padded
+constexpr double kPi = 3.14159265358979323846;
 constexpr int kStrongest = 100;  // of 100
 
 // The planes are ramps, so that a sample tells from which row or column it was taken, and so that
@@ -26,8 +28,8 @@ constexpr double kClearChange = 4;  // steps of 1/255
 constexpr int kLeastMoved = 500;    // pixels
 
 // Whitening fades towards the rim of the face and around its features.
-constexpr double kLeastBrighter = 0.25;   // of the face's ellipse
-constexpr int kSkin[] = {150, 112, 148};  // Y, Cb, Cr
+constexpr double kLeastBrighter = 0.25;       // of the face's ellipse
+constexpr uint8_t kSkin[] = {150, 112, 148};  // Y, Cb, Cr
 
 double Ramp(double position) {
   return kBase + kSlope * position;
@@ -44,12 +46,12 @@ struct Ramps {
   static double Cr(Position at) { return Ramp(kSize - at.x); }
 };
 
-cv::Mat Plane(int size, double pixels_a_sample, double (*ramp)(Position)) {
-  cv::Mat plane(size, size, CV_8U);
+Image Plane(int size, double pixels_a_sample, double (*ramp)(Position)) {
+  Image plane({size, size});
   for (int y = 0; y < size; ++y) {
     for (int x = 0; x < size; ++x) {
       const Position at = {(x + 0.5) * pixels_a_sample, (y + 0.5) * pixels_a_sample};
-      plane.at<uint8_t>(y, x) = static_cast<uint8_t>(std::lround(ramp(at)));
+      plane.Row(y)[x] = static_cast<uint8_t>(std::lround(ramp(at)));
     }
   }
   return plane;
@@ -78,14 +80,14 @@ Position Source(const FaceWarp& warp, Position at) {
 }
 
 /// The largest difference of a plane from the model, in steps of 1/255.
-double LargestDifference(const cv::Mat& plane, const FaceWarp& warp, double (*ramp)(Position)) {
-  const double pixels_a_sample = static_cast<double>(kSize) / plane.cols;
+double LargestDifference(const Image& plane, const FaceWarp& warp, double (*ramp)(Position)) {
+  const double pixels_a_sample = static_cast<double>(kSize) / plane.width();
   double largest = 0;
-  for (int y = 0; y < plane.rows; ++y) {
-    for (int x = 0; x < plane.cols; ++x) {
+  for (int y = 0; y < plane.height(); ++y) {
+    for (int x = 0; x < plane.width(); ++x) {
       const Position source =
           Source(warp, {(x + 0.5) * pixels_a_sample, (y + 0.5) * pixels_a_sample});
-      largest = std::max(largest, std::abs(plane.at<uint8_t>(y, x) - ramp(source)));
+      largest = std::max(largest, std::abs(plane.Row(y)[x] - ramp(source)));
     }
   }
   return largest;
@@ -93,7 +95,7 @@ double LargestDifference(const cv::Mat& plane, const FaceWarp& warp, double (*ra
 
 /// Whether the pixel lies in the ellipse, made larger by `rim` pixels.
 bool Inside(const lumora::Ellipse& ellipse, double x, double y, double rim) {
-  const double turn = static_cast<double>(ellipse.angle_degrees) * CV_PI / 180;
+  const double turn = static_cast<double>(ellipse.angle_degrees) * kPi / 180;
   const double dx = x - static_cast<double>(ellipse.centre.x);
   const double dy = y - static_cast<double>(ellipse.centre.y);
   const double along = dx * std::cos(turn) + dy * std::sin(turn);
@@ -110,9 +112,10 @@ SelfTest TestSlimming(Engine& engine) {
   Look look;
   look.slim = kStrongest;
   const Frame420 result = engine.Process(frame, {TestFace()}, look);
-  cv::Mat change;
-  cv::absdiff(frame.y, result.y, change);
-  const int moved = cv::countNonZero(change >= kClearChange);
+  int moved = 0;
+  for (size_t i = 0; i < frame.y.bytes().size(); ++i) {
+    moved += std::abs(frame.y.bytes()[i] - result.y.bytes()[i]) >= kClearChange ? 1 : 0;
+  }
   const FaceWarp warp = SlimmingWarp(TestFace(), kStrongest, kSize, kSize);
   const double difference = std::max({LargestDifference(result.y, warp, Ramps::Luma),
                                       LargestDifference(result.cb, warp, Ramps::Cb),
@@ -125,10 +128,9 @@ SelfTest TestSlimming(Engine& engine) {
 }
 
 SelfTest TestWhitening(Engine& engine) {
-  const cv::Size half(kSize / 2, kSize / 2);
-  const Frame420 frame = {cv::Mat(kSize, kSize, CV_8U, cv::Scalar(kSkin[0])),
-                          cv::Mat(half, CV_8U, cv::Scalar(kSkin[1])),
-                          cv::Mat(half, CV_8U, cv::Scalar(kSkin[2]))};
+  constexpr Size kWhole = {kSize, kSize}, kHalf = {kSize / 2, kSize / 2};
+  const Frame420 frame = {Image(kWhole, 1, kSkin[0]), Image(kHalf, 1, kSkin[1]),
+                          Image(kHalf, 1, kSkin[2])};
   Look look;
   look.whiten = kStrongest;
   const Face face = TestFace();
@@ -137,14 +139,14 @@ SelfTest TestWhitening(Engine& engine) {
   int brighter = 0, stray = 0;
   for (int y = 0; y < kSize; ++y) {
     for (int x = 0; x < kSize; ++x) {
-      const int change = result.y.at<uint8_t>(y, x) - kSkin[0];
+      const int change = result.y.Row(y)[x] - kSkin[0];
       if (change >= kClearChange) ++brighter;
       // Chroma samples on the rim belong to pixels on both sides of it.
       if (change != 0 && !Inside(outer, x + 0.5, y + 0.5, 2)) ++stray;
     }
   }
   const double area =
-      CV_PI * static_cast<double>(outer.half_along) * static_cast<double>(outer.half_across);
+      kPi * static_cast<double>(outer.half_along) * static_cast<double>(outer.half_across);
   char text[160];
   std::snprintf(text, sizeof(text), "%.0f %% of the face is brighter, %d pixels outside changed",
                 100 * brighter / std::max(1.0, area), stray);

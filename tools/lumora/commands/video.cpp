@@ -144,9 +144,9 @@ class Video {
     }
   }
 
-  cv::Mat Luma() {
-    const FrameView view = input_.MutableView();
-    return {view.height, view.width, CV_8U, view.planes[0], static_cast<size_t>(view.strides[0])};
+  PixelView Luma() const {
+    const ConstFrameView view = input_.View();
+    return {view.planes[0], {view.width, view.height}, 1, static_cast<size_t>(view.strides[0])};
   }
 
   /// The frame that goes into the file.
@@ -173,7 +173,7 @@ class Video {
   }
 
   void Tell(double seconds) const {
-    const cv::Size size = reader_.header().size;
+    const Size size = reader_.header().size;
     const auto count = static_cast<double>(frames_);
     PrintReport({{"input", options_.in},
                  {"output", options_.out},

@@ -40,9 +40,8 @@ std::string CascadeFolder() {
   return {};
 }
 
-std::string LoadFaceFinder() {
+void LoadFaceFinder() {
   Maker();
-  return ModulePlace(kFaceFinderModule);
 }
 
 FaceFinder::FaceFinder() : search_(Maker()(LUMORA_VERSION, CascadeFolder().c_str())) {
@@ -52,9 +51,8 @@ FaceFinder::FaceFinder() : search_(Maker()(LUMORA_VERSION, CascadeFolder().c_str
   }
 }
 
-std::vector<FoundFace> FaceFinder::Find(const cv::Mat& picture) {
-  return search_->Find({picture.data, picture.cols, picture.rows, picture.channels(),
-                        static_cast<size_t>(picture.step)});
+std::vector<FoundFace> FaceFinder::Find(const PixelView& picture) {
+  return search_->Find(picture);
 }
 
 }  // namespace lumora::tools

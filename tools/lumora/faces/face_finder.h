@@ -4,7 +4,6 @@
 #define LUMORA_TOOLS_FACES_FACE_FINDER_H_
 
 #include <memory>
-#include <opencv2/core.hpp>
 #include <string>
 #include <vector>
 
@@ -21,14 +20,14 @@ class FaceFinder {
   /// The faces of an 8-bit picture (gray or BGR) of any size, largest first. A face is first sought
   /// as a whole, then the eyes inside of it; where these are not found the usual places in the box
   /// serve. Heads may be turned by up to about 45 degrees in the image plane.
-  std::vector<FoundFace> Find(const cv::Mat& picture);
+  std::vector<FoundFace> Find(const PixelView& picture);
 
  private:
   std::unique_ptr<FaceSearch> search_;
 };
 
-/// Where the module lies. Throws Failure (Failed) when it is missing or cannot be loaded.
-std::string LoadFaceFinder();
+/// Loads the module. Throws Failure (Failed) when it is missing or cannot be loaded.
+void LoadFaceFinder();
 
 /// The folder with the classifiers; empty when there is none.
 std::string CascadeFolder();

@@ -3,11 +3,10 @@
 #ifndef LUMORA_TOOLS_FACES_FACE_SEARCH_H_
 #define LUMORA_TOOLS_FACES_FACE_SEARCH_H_
 
-#include <cstddef>
-#include <cstdint>
 #include <vector>
 
 #include "lumora/pipeline/face.h"
+#include "tools/lumora/images/image.h"
 
 namespace lumora::tools {
 
@@ -19,14 +18,6 @@ const char* NameOf(FoundBy found_by);
 struct FoundFace {
   Face face;
   FoundBy found_by = FoundBy::Box;
-};
-
-/// 8-bit pixels in someone's memory: gray, or blue, green and red.
-struct PixelView {
-  const uint8_t* pixels = nullptr;
-  int width = 0, height = 0;
-  int channels = 1;
-  size_t stride = 0;  ///< bytes from row to row
 };
 
 class FaceSearch {

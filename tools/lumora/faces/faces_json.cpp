@@ -139,7 +139,7 @@ Face ParseFace(const Value& value) {
 }
 
 /// Landmarks that no picture's face has would be refused later, without their place in the file.
-void CheckReach(const Value& value, const Face& face, cv::Size picture) {
+void CheckReach(const Value& value, const Face& face, Size picture) {
   const float farthest =
       kFarthestInSides * static_cast<float>(std::max(picture.width, picture.height));
   for (const NamedPoint& point : NamedLandmarks(face.landmarks)) {
@@ -159,7 +159,7 @@ std::string Doubt(size_t index, const Face& face) {
 
 }  // namespace
 
-std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture,
+std::vector<Face> ParseFaces(const std::string& text, const std::string& name, Size picture,
                              int* left_out, std::vector<std::string>* doubts) {
   Json json;
   try {

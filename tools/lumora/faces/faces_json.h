@@ -2,11 +2,12 @@
 #ifndef LUMORA_TOOLS_FACES_FACES_JSON_H_
 #define LUMORA_TOOLS_FACES_FACES_JSON_H_
 
-#include <opencv2/core/types.hpp>
 #include <string>
 #include <vector>
 
 #include "lumora/pipeline/face.h"
+
+#include "tools/lumora/images/image.h"
 
 namespace lumora::tools {
 
@@ -18,7 +19,7 @@ extern const char kFacesFormat[];
 /// A face outside the picture is wrong too, unless `left_out` is there: then all faces that the
 /// pipeline leaves out are left out here and counted. `doubts`, where it is given, receives
 /// sentences about faces that are taken as they are but were probably meant otherwise.
-std::vector<Face> ParseFaces(const std::string& text, const std::string& name, cv::Size picture,
+std::vector<Face> ParseFaces(const std::string& text, const std::string& name, Size picture,
                              int* left_out = nullptr, std::vector<std::string>* doubts = nullptr);
 
 }  // namespace lumora::tools

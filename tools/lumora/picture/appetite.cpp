@@ -4,7 +4,7 @@
 
 namespace lumora::tools {
 
-void Appetite::Check(cv::Size picture, const std::string& name) const {
+void Appetite::Check(Size picture, const std::string& name) const {
   if (force) return;
   CheckMemory(static_cast<uint64_t>(picture.width) * static_cast<uint64_t>(picture.height) *
                   static_cast<uint64_t>(bytes_a_pixel),

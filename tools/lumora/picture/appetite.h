@@ -2,8 +2,9 @@
 #ifndef LUMORA_TOOLS_PICTURE_APPETITE_H_
 #define LUMORA_TOOLS_PICTURE_APPETITE_H_
 
-#include <opencv2/core/types.hpp>
 #include <string>
+
+#include "tools/lumora/images/image.h"
 
 namespace lumora::tools {
 
@@ -18,7 +19,7 @@ struct Appetite {
 
   /// Throws Failure (Unreadable) when a picture of that size takes too much. `name` is that of the
   /// input.
-  void Check(cv::Size picture, const std::string& name) const;
+  void Check(Size picture, const std::string& name) const;
 };
 
 }  // namespace lumora::tools

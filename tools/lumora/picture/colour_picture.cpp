@@ -1,55 +1,38 @@
 #include "tools/lumora/picture/colour_picture.h"
 
-#include <opencv2/imgproc.hpp>
+#include <algorithm>
+
+#include "tools/lumora/images/colours.h"
+#include "tools/lumora/images/resample.h"
 
 namespace lumora::tools {
 namespace {
 
-constexpr int kNoColour = 128;  // chroma of gray
 constexpr SampleArea kPixel = {1, 1};
-
-cv::Mat FullSize(const cv::Mat& chroma, cv::Size even, int interpolation) {
-  cv::Mat full;
-  cv::resize(chroma, full, even, 0, 0, interpolation);
-  return full;
-}
+constexpr int kOpacity = 3;  // its channel
 
 }  // namespace
 
-cv::Mat BgrOf(const cv::Mat& y, const cv::Mat& cb, const cv::Mat& cr) {
-  cv::Mat ycrcb, bgr;
-  cv::merge(std::vector<cv::Mat>{y, cr, cb}, ycrcb);
-  cv::cvtColor(ycrcb, bgr, cv::COLOR_YCrCb2BGR);
-  return bgr;
+Image BgrOf(const Frame420& frame, Size size) {
+  const Size even = frame.y.size();
+  return Cropped(BgrOf(frame.y, Interpolated(frame.cb, even), Interpolated(frame.cr, even)), size);
 }
 
-cv::Mat BgrOf(const Frame420& frame, cv::Size size) {
-  const cv::Size even = frame.y.size();
-  return BgrOf(frame.y, FullSize(frame.cb, even, cv::INTER_LINEAR),
-               FullSize(frame.cr, even, cv::INTER_LINEAR))(cv::Rect({0, 0}, size));
+Frame420 FrameOf(const Image& bgr) {
+  ColourPlanes planes = PlanesOf(bgr);
+  return {Extended(std::move(planes.y), EvenSize(bgr.size())),
+          ChromaTo420(planes.cb, kPixel, bgr.size()), ChromaTo420(planes.cr, kPixel, bgr.size())};
 }
 
-Frame420 FrameOf(const cv::Mat& bgr) {
-  cv::Mat ycrcb;
-  cv::cvtColor(bgr, ycrcb, cv::COLOR_BGR2YCrCb);
-  std::vector<cv::Mat> planes;
-  cv::split(ycrcb, planes);
-  return {Extended(planes[0], EvenSize(bgr.size())), ChromaTo420(planes[2], kPixel, bgr.size()),
-          ChromaTo420(planes[1], kPixel, bgr.size())};
-}
-
-cv::Mat ColourPicture::Bgr() const {
-  if (pixels_.channels() == 3) return pixels_;
-  cv::Mat bgr;
-  cv::cvtColor(pixels_, bgr, pixels_.channels() == 1 ? cv::COLOR_GRAY2BGR : cv::COLOR_BGRA2BGR);
-  return bgr;
+Image ColourPicture::Bgr() const {
+  return BgrOf(pixels_);
 }
 
 Frame420 ColourPicture::Frame() const {
-  if (pixels_.channels() != 1) return FrameOf(Bgr());
-  const cv::Size even = EvenSize(pixels_.size());
-  const cv::Mat gray(even / 2, CV_8U, cv::Scalar(kNoColour));
-  return {Extended(pixels_, even), gray, gray.clone()};
+  if (pixels_.channels() != 1) return FrameOf(pixels_);
+  const Size even = EvenSize(pixels_.size());
+  const Image gray({even.width / 2, even.height / 2}, 1, kNoColour);
+  return {Extended(pixels_, even), gray, gray};
 }
 
 void ColourPicture::Merge(const Frame420& before, const Frame420& after) {
@@ -57,25 +40,28 @@ void ColourPicture::Merge(const Frame420& before, const Frame420& after) {
     MergeLuma(before.y, after.y, pixels_);
     return;
   }
-  const cv::Size even = before.y.size();
-  const cv::Mat chroma_changed = (before.cb != after.cb) | (before.cr != after.cr);
-  const cv::Mat changed = (before.y != after.y) | FullSize(chroma_changed, even, cv::INTER_NEAREST);
-  const cv::Mat mask = changed(cv::Rect({0, 0}, pixels_.size()));
-  cv::Mat result = BgrOf(after, pixels_.size());
-  if (pixels_.channels() == 4) {
-    cv::Mat alpha;
-    cv::extractChannel(pixels_, alpha, 3);
-    cv::cvtColor(result, result, cv::COLOR_BGR2BGRA);
-    cv::insertChannel(alpha, result, 3);
+  const Image luma = Differences(before.y, after.y);
+  const Image blue = Differences(before.cb, after.cb), red = Differences(before.cr, after.cr);
+  const Image bgr = BgrOf(after, pixels_.size());
+  const int channels = pixels_.channels();
+  for (int y = 0; y < pixels_.height(); ++y) {
+    const uint8_t* const here = luma.Row(y);
+    const uint8_t* const blues = blue.Row(y / 2);
+    const uint8_t* const reds = red.Row(y / 2);
+    const uint8_t* from = bgr.Row(y);
+    uint8_t* to = pixels_.Row(y);
+    for (int x = 0; x < pixels_.width(); ++x, from += 3, to += channels) {
+      if ((here[x] | blues[x / 2] | reds[x / 2]) != 0) std::copy_n(from, 3, to);
+    }
   }
-  result.copyTo(pixels_, mask);
 }
 
 bool ColourPicture::IsTransparent() const {
-  if (pixels_.channels() != 4) return false;
-  cv::Mat alpha;
-  cv::extractChannel(pixels_, alpha, 3);
-  return cv::countNonZero(alpha != 255) > 0;
+  if (pixels_.channels() <= kOpacity) return false;
+  for (size_t at = kOpacity; at < pixels_.bytes().size(); at += kOpacity + 1) {
+    if (pixels_.bytes()[at] != 255) return true;
+  }
+  return false;
 }
 
 Bytes ColourPicture::Encode(FileFormat format) const {

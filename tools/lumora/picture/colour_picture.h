@@ -8,27 +8,24 @@ namespace lumora::tools {
 
 class ColourPicture final : public Picture {
  public:
-  explicit ColourPicture(cv::Mat pixels) : pixels_(std::move(pixels)) {}
+  explicit ColourPicture(Image pixels) : pixels_(std::move(pixels)) {}
 
-  cv::Size size() const override { return pixels_.size(); }
+  Size size() const override { return pixels_.size(); }
   Frame420 Frame() const override;
   void Merge(const Frame420& before, const Frame420& after) override;
-  cv::Mat Bgr() const override;
+  Image Bgr() const override;
   bool IsTransparent() const override;
   Bytes Encode(FileFormat format) const override;
 
  private:
-  cv::Mat pixels_;
+  Image pixels_;
 };
 
-/// Full-range Y, Cr, Cb planes as 8-bit BGR pixels; all three have the same size.
-cv::Mat BgrOf(const cv::Mat& y, const cv::Mat& cb, const cv::Mat& cr);
-
 /// A 4:2:0 frame (without the columns and rows that made it even) as 8-bit BGR pixels.
-cv::Mat BgrOf(const Frame420& frame, cv::Size size);
+Image BgrOf(const Frame420& frame, Size size);
 
 /// 8-bit BGR pixels as a 4:2:0 frame.
-Frame420 FrameOf(const cv::Mat& bgr);
+Frame420 FrameOf(const Image& bgr);
 
 }  // namespace lumora::tools
 

@@ -158,7 +158,7 @@ int ExifOrientation(const Bytes& exif) {
   return orientation >= 1 && orientation <= 8 ? static_cast<int>(orientation) : 1;
 }
 
-bool CorrectExif(Bytes& exif, cv::Size size) {
+bool CorrectExif(Bytes& exif, Size size) {
   Block block(exif);
   const Directory main = block.First();
   if (main.entries == 0) return false;

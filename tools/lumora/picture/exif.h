@@ -3,8 +3,7 @@
 #ifndef LUMORA_TOOLS_PICTURE_EXIF_H_
 #define LUMORA_TOOLS_PICTURE_EXIF_H_
 
-#include <opencv2/core/types.hpp>
-
+#include "tools/lumora/images/image.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
@@ -15,7 +14,7 @@ int ExifOrientation(const Bytes& exif);
 /// Corrects in place what is no longer true of an upright picture of that size: orientation, size
 /// and thumbnail. All other bytes stay, since maker notes refer to places in the block. Returns
 /// whether it is a block with anything in it; others are better left out.
-bool CorrectExif(Bytes& exif, cv::Size size);
+bool CorrectExif(Bytes& exif, Size size);
 
 }  // namespace lumora::tools
 

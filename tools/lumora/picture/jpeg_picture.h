@@ -12,10 +12,10 @@ class JpegPicture final : public Picture {
   /// `file` has a planar layout. Throws JpegError.
   JpegPicture(Bytes file, int orientation);
 
-  cv::Size size() const override { return planes_[0].size(); }
+  Size size() const override { return planes_[0].size(); }
   Frame420 Frame() const override;
   void Merge(const Frame420& before, const Frame420& after) override;
-  cv::Mat Bgr() const override;
+  Image Bgr() const override;
 
   /// As JPEG, blocks without a changed sample keep their coefficients where the picture was stored
   /// upright; one that had to be turned is coded anew.
@@ -25,8 +25,8 @@ class JpegPicture final : public Picture {
   Bytes file_;
   int orientation_;
   std::vector<SampleArea> areas_;  ///< of the planes below
-  std::vector<cv::Mat> original_;  ///< upright planes as the file has them
-  std::vector<cv::Mat> planes_;    ///< the same after Merge
+  std::vector<Image> original_;    ///< upright planes as the file has them
+  std::vector<Image> planes_;      ///< the same after Merge
 };
 
 }  // namespace lumora::tools

@@ -13,13 +13,13 @@ namespace {
 struct BlockRows {
   BlockRows(const jpeg_component_info& component, unsigned row_groups)
       : rows_a_group(component.v_samp_factor * DCTSIZE),
-        samples(static_cast<int>(row_groups) * rows_a_group,
-                static_cast<int>(component.width_in_blocks + 3) * DCTSIZE, CV_8U, cv::Scalar(0)) {
-    for (int y = 0; y < samples.rows; ++y) rows.push_back(samples.ptr(y));
+        samples({static_cast<int>(component.width_in_blocks + 3) * DCTSIZE,
+                 static_cast<int>(row_groups) * rows_a_group}) {
+    for (int y = 0; y < samples.height(); ++y) rows.push_back(samples.Row(y));
   }
 
   int rows_a_group;
-  cv::Mat samples;
+  Image samples;
   std::vector<JSAMPROW> rows;
 };
 
@@ -85,6 +85,27 @@ void FillBlockCounts(jpeg_compress_struct& info) {
   }
 }
 
+/// A row of a plane's blocks, to be read or also written.
+JBLOCKARRAY BlocksOf(JpegDecoder& decoder, jvirt_barray_ptr plane, JDIMENSION row, boolean write) {
+  JBLOCKARRAY blocks = nullptr;
+  decoder.Guard([&] {
+    blocks = decoder.info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&decoder.info),
+                                                  plane, row, 1, write);
+  });
+  return blocks;
+}
+
+/// Whether a sample of the block is not zero.
+bool HasMark(const Image& marks, int left, int top) {
+  const int right = std::min(left + DCTSIZE, marks.width());
+  const int bottom = std::min(top + DCTSIZE, marks.height());
+  for (int y = top; y < bottom; ++y) {
+    const uint8_t* const row = marks.Row(y);
+    if (std::any_of(row + left, row + right, [](uint8_t mark) { return mark != 0; })) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 JpegLayout ReadJpegLayout(const Bytes& file) {
@@ -100,7 +121,7 @@ JpegLayout ReadJpegLayout(const Bytes& file) {
   return layout;
 }
 
-std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file) {
+std::vector<Image> ReadJpegPlanes(const Bytes& file) {
   JpegDecoder decoder(file);
   jpeg_decompress_struct& info = decoder.info;
   info.raw_data_out = TRUE;
@@ -114,19 +135,19 @@ std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file) {
       jpeg_read_raw_data(&info, arrays, static_cast<JDIMENSION>(info.max_v_samp_factor * DCTSIZE));
     });
   }
-  std::vector<cv::Mat> planes;
+  std::vector<Image> planes;
   for (int i = 0; i < info.num_components; ++i) {
     const jpeg_component_info& component = info.comp_info[i];
-    const cv::Rect used(0, 0, static_cast<int>(component.downsampled_width),
-                        static_cast<int>(component.downsampled_height));
-    planes.push_back(rows.planes[static_cast<size_t>(i)].samples(used).clone());
+    planes.push_back(Cropped(std::move(rows.planes[static_cast<size_t>(i)].samples),
+                             {static_cast<int>(component.downsampled_width),
+                              static_cast<int>(component.downsampled_height)}));
   }
   // Frees the component table, so it comes last. It also finds out when the file ends too early.
   decoder.Guard([&] { jpeg_finish_decompress(&info); });
   return planes;
 }
 
-Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, bool transposed) {
+Bytes WriteJpegPlanes(const std::vector<Image>& planes, const Bytes& like, bool transposed) {
   JpegDecoder model(like);
   JpegEncoder encoder;
   encoder.CopySettings(model);
@@ -137,8 +158,9 @@ Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, boo
   FillBlockCounts(info);
   AllRows rows(info.comp_info, info.num_components, info.image_height, info.max_v_samp_factor);
   for (size_t i = 0; i < planes.size(); ++i) {
-    cv::Mat& samples = rows.planes[i].samples;
-    Extended(planes[i], samples.size()).copyTo(samples);
+    Bytes& samples = rows.planes[i].samples.bytes();
+    const Image extended = Extended(planes[i], rows.planes[i].samples.size());
+    std::copy(extended.bytes().begin(), extended.bytes().end(), samples.begin());
   }
   encoder.Guard([&] { jpeg_start_compress(&info, TRUE); });
   JSAMPARRAY arrays[MAX_COMPONENTS] = {};
@@ -153,7 +175,7 @@ Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, boo
 }
 
 Bytes ReplaceJpegBlocks(const Bytes& original, const Bytes& recoded,
-                        const std::vector<cv::Mat>& changed) {
+                        const std::vector<Image>& changed) {
   JpegDecoder source(original), donor(recoded);
   jvirt_barray_ptr* kept = nullptr;
   jvirt_barray_ptr* given = nullptr;
@@ -161,21 +183,12 @@ Bytes ReplaceJpegBlocks(const Bytes& original, const Bytes& recoded,
   donor.Guard([&] { given = jpeg_read_coefficients(&donor.info); });
   for (size_t i = 0; i < changed.size(); ++i) {
     const jpeg_component_info& component = source.info.comp_info[i];
-    const cv::Rect plane({0, 0}, changed[i].size());
     for (JDIMENSION row = 0; row < component.height_in_blocks; ++row) {
-      JBLOCKARRAY to = nullptr, from = nullptr;
-      source.Guard([&] {
-        to = source.info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&source.info),
-                                                 kept[i], row, 1, TRUE);
-      });
-      donor.Guard([&] {
-        from = donor.info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&donor.info),
-                                                  given[i], row, 1, FALSE);
-      });
+      JBLOCKARRAY const to = BlocksOf(source, kept[i], row, TRUE);
+      JBLOCKARRAY const from = BlocksOf(donor, given[i], row, FALSE);
       for (JDIMENSION column = 0; column < component.width_in_blocks; ++column) {
-        const cv::Rect block(static_cast<int>(column) * DCTSIZE, static_cast<int>(row) * DCTSIZE,
-                             DCTSIZE, DCTSIZE);
-        if (cv::countNonZero(changed[i](block & plane)) > 0) {
+        if (HasMark(changed[i], static_cast<int>(column) * DCTSIZE,
+                    static_cast<int>(row) * DCTSIZE)) {
           std::memcpy(to[0][column], from[0][column], sizeof(JBLOCK));
         }
       }

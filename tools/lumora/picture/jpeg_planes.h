@@ -2,16 +2,16 @@
 #ifndef LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_
 #define LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_
 
-#include <opencv2/core.hpp>
 #include <vector>
 
+#include "tools/lumora/images/image.h"
 #include "tools/lumora/picture/planes.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
 
 struct JpegLayout {
-  cv::Size size;
+  Size size;
   /// Whether the file holds gray, or luma at full resolution with two chroma planes of one
   /// sampling. The functions that give or take planes work for such files only.
   bool planar = false;
@@ -22,17 +22,17 @@ struct JpegLayout {
 JpegLayout ReadJpegLayout(const Bytes& file);
 
 /// The planes of a file: Y, or Y, Cb and Cr. A file that ends early is an error.
-std::vector<cv::Mat> ReadJpegPlanes(const Bytes& file);
+std::vector<Image> ReadJpegPlanes(const Bytes& file);
 
 /// A JPEG file of the planes with the quantisation, sampling and progression of `like`, without its
 /// metadata. With `transposed`, width and height of everything are exchanged.
-Bytes WriteJpegPlanes(const std::vector<cv::Mat>& planes, const Bytes& like, bool transposed);
+Bytes WriteJpegPlanes(const std::vector<Image>& planes, const Bytes& like, bool transposed);
 
 /// `original` with those 8 x 8 blocks of `recoded` (a file of the same size, sampling and
 /// quantisation) in which a sample of `changed` (one 8-bit mask a plane) is not zero. All other
 /// blocks keep their coefficients, and so lose nothing. Metadata are left out.
 Bytes ReplaceJpegBlocks(const Bytes& original, const Bytes& recoded,
-                        const std::vector<cv::Mat>& changed);
+                        const std::vector<Image>& changed);
 
 }  // namespace lumora::tools
 

@@ -12,7 +12,7 @@ PictureMetadata ReadMetadata(const Bytes& file) {
   return StartsLikePng(file) ? ReadPngMetadata(file) : ReadJpegMetadata(file);
 }
 
-std::string CopyMetadata(PictureMetadata metadata, const Bytes& from, cv::Size size, Bytes& to) {
+std::string CopyMetadata(PictureMetadata metadata, const Bytes& from, Size size, Bytes& to) {
   if (!CorrectExif(metadata.exif, size)) metadata.exif.clear();
   CorrectXmp(metadata.xmp);
   if (StartsLikePng(to)) {

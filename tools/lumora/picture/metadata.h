@@ -2,9 +2,9 @@
 #ifndef LUMORA_TOOLS_PICTURE_METADATA_H_
 #define LUMORA_TOOLS_PICTURE_METADATA_H_
 
-#include <opencv2/core/types.hpp>
 #include <string>
 
+#include "tools/lumora/images/image.h"
 #include "tools/lumora/picture/picture_metadata.h"
 
 namespace lumora::tools {
@@ -16,7 +16,7 @@ PictureMetadata ReadMetadata(const Bytes& file);
 /// orientation set to upright, the stated size corrected and the thumbnail, which shows the picture
 /// as it was, dropped. `metadata` is what ReadMetadata found in `from`. Returns a sentence when
 /// something could not be kept, else an empty string.
-std::string CopyMetadata(PictureMetadata metadata, const Bytes& from, cv::Size size, Bytes& to);
+std::string CopyMetadata(PictureMetadata metadata, const Bytes& from, Size size, Bytes& to);
 
 }  // namespace lumora::tools
 

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 #include "tools/lumora/picture/colour_picture.h"
 #include "tools/lumora/picture/exif.h"
@@ -33,7 +34,7 @@ bool IsJpeg(const Bytes& file, const std::string& name) {
   return jpeg;
 }
 
-void CheckSize(cv::Size size, const std::string& name) {
+void CheckSize(Size size, const std::string& name) {
   const std::string pixels = "the picture has " + std::to_string(size.width) + " x " +
                              std::to_string(size.height) + " pixels, ";
   if (size.width < kSmallestSide || size.height < kSmallestSide) {
@@ -67,9 +68,9 @@ std::unique_ptr<Picture> DecodePng(const Bytes& file, const std::string& name, i
   const std::optional<Bytes> essential = EssentialPng(file);
   if (!essential) throw Unreadable(name, "the file is cut short or damaged");
   try {
-    const PngPixels decoded = ReadPngPixels(*essential);
+    PngPixels decoded = ReadPngPixels(*essential);
     if (decoded.reduced) notes.emplace_back("16 bits a channel are reduced to 8");
-    return std::make_unique<ColourPicture>(Upright(decoded.pixels, orientation));
+    return std::make_unique<ColourPicture>(Upright(std::move(decoded.pixels), orientation));
   } catch (const PngError&) {
     throw Unreadable(name, "the picture's data are damaged");
   }
@@ -92,8 +93,8 @@ LoadedPicture DecodePicture(const Bytes& file, const std::string& name) {
   return loaded;
 }
 
-cv::Size StatedSize(const Bytes& start, const std::string& name) {
-  cv::Size size;
+Size StatedSize(const Bytes& start, const std::string& name) {
+  Size size;
   try {
     size = IsJpeg(start, name) ? ReadJpegLayout(start).size : PngSize(start);
   } catch (const JpegError&) {
@@ -112,7 +113,7 @@ FileFormat FormatOfName(const std::string& path) {
   throw Failure(ExitCode::Usage, path + ": the name must end in .jpg, .jpeg or .png");
 }
 
-Bytes EncodePng(const cv::Mat& picture) {
+Bytes EncodePng(const Image& picture) {
   try {
     return WritePngPixels(picture);
   } catch (const PngError& error) {
@@ -120,7 +121,7 @@ Bytes EncodePng(const cv::Mat& picture) {
   }
 }
 
-Bytes EncodeJpeg(const cv::Mat& picture) {
+Bytes EncodeJpeg(const Image& picture) {
   try {
     return WriteJpegPixels(picture, kNewJpegQuality);
   } catch (const JpegError& error) {
@@ -128,31 +129,25 @@ Bytes EncodeJpeg(const cv::Mat& picture) {
   }
 }
 
-Bytes EncodeNew(const cv::Mat& picture, FileFormat format) {
+Bytes EncodeNew(const Image& picture, FileFormat format) {
   return format == FileFormat::Jpeg ? EncodeJpeg(picture) : EncodePng(picture);
 }
 
-cv::Mat Upright(const cv::Mat& pixels, int orientation) {
-  cv::Mat turned = pixels;
-  if (SwapsSides(orientation)) cv::transpose(pixels, turned);
-  cv::Mat result = turned;
+Image Upright(Image pixels, int orientation) {
+  if (SwapsSides(orientation)) pixels = Transposed(pixels);
   switch (orientation) {
     case 2:
     case 6:
-      cv::flip(turned, result = cv::Mat(), 1);  // left and right
-      break;
+      return FlippedAcross(std::move(pixels));
     case 3:
     case 7:
-      cv::flip(turned, result = cv::Mat(), -1);  // both
-      break;
+      return FlippedDown(FlippedAcross(std::move(pixels)));
     case 4:
     case 8:
-      cv::flip(turned, result = cv::Mat(), 0);  // top and bottom
-      break;
+      return FlippedDown(std::move(pixels));
     default:
-      break;
+      return pixels;
   }
-  return result;
 }
 
 }  // namespace lumora::tools

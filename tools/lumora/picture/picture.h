@@ -3,10 +3,10 @@
 #define LUMORA_TOOLS_PICTURE_PICTURE_H_
 
 #include <memory>
-#include <opencv2/core.hpp>
 #include <string>
 #include <vector>
 
+#include "tools/lumora/images/image.h"
 #include "tools/lumora/picture/picture_metadata.h"
 #include "tools/lumora/picture/planes.h"
 #include "tools/lumora/support/files.h"
@@ -28,7 +28,7 @@ class Picture {
  public:
   virtual ~Picture() = default;
 
-  virtual cv::Size size() const = 0;
+  virtual Size size() const = 0;
 
   /// The picture as the engine takes it.
   virtual Frame420 Frame() const = 0;
@@ -38,7 +38,7 @@ class Picture {
   virtual void Merge(const Frame420& before, const Frame420& after) = 0;
 
   /// 8-bit BGR for looking at it.
-  virtual cv::Mat Bgr() const = 0;
+  virtual Image Bgr() const = 0;
 
   /// Whether some of it is not fully opaque.
   virtual bool IsTransparent() const { return false; }
@@ -61,20 +61,20 @@ LoadedPicture DecodePicture(const Bytes& file, const std::string& name);
 
 /// The size that a file states which begins like that, 0 x 0 while it has not yet said so. Throws
 /// Failure (Unreadable) for one that DecodePicture would refuse for its kind or size.
-cv::Size StatedSize(const Bytes& start, const std::string& name);
+Size StatedSize(const Bytes& start, const std::string& name);
 
 /// The format that a file name's ending asks for. Throws Failure (Usage) for an unknown one.
 FileFormat FormatOfName(const std::string& path);
 
 /// An 8-bit picture as a PNG file.
-Bytes EncodePng(const cv::Mat& picture);
+Bytes EncodePng(const Image& picture);
 /// An 8-bit picture as a JPEG file of quality 95.
-Bytes EncodeJpeg(const cv::Mat& picture);
+Bytes EncodeJpeg(const Image& picture);
 /// One of the two.
-Bytes EncodeNew(const cv::Mat& picture, FileFormat format);
+Bytes EncodeNew(const Image& picture, FileFormat format);
 
 /// Turns a plane or picture upright, by EXIF orientation 1..8.
-cv::Mat Upright(const cv::Mat& pixels, int orientation);
+Image Upright(Image pixels, int orientation);
 /// Whether that orientation exchanges width and height.
 constexpr bool SwapsSides(int orientation) {
   return orientation >= 5;

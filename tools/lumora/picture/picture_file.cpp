@@ -5,7 +5,7 @@ namespace {
 
 /// Whether the bytes told the size, which was then found acceptable.
 bool SizeIsAcceptable(const Bytes& bytes, const std::string& name, const Appetite& appetite) {
-  const cv::Size size = StatedSize(bytes, name);
+  const Size size = StatedSize(bytes, name);
   if (size.empty()) return false;
   appetite.Check(size, name);
   return true;

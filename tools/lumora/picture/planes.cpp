@@ -1,19 +1,23 @@
 #include "tools/lumora/picture/planes.h"
 
-#include <opencv2/imgproc.hpp>
+#include <algorithm>
+
+#include "tools/lumora/images/resample.h"
 
 namespace lumora::tools {
 namespace {
 
-template <typename Byte>
-BasicFrameView<Byte> ViewOf(const cv::Mat& y, const cv::Mat& cb, const cv::Mat& cr) {
+template <typename Byte, typename Plane>
+BasicFrameView<Byte> ViewOf(Plane& y, Plane& cb, Plane& cr) {
+  const auto stride = [](const Image& plane) {
+    return static_cast<std::ptrdiff_t>(plane.stride());
+  };
   BasicFrameView<Byte> view;
   view.format = PixelFormat::I420;
-  view.width = y.cols;
-  view.height = y.rows;
-  view.planes = {y.data, cb.data, cr.data};
-  view.strides = {static_cast<std::ptrdiff_t>(y.step), static_cast<std::ptrdiff_t>(cb.step),
-                  static_cast<std::ptrdiff_t>(cr.step)};
+  view.width = y.width();
+  view.height = y.height();
+  view.planes = {y.Row(0), cb.Row(0), cr.Row(0)};
+  view.strides = {stride(y), stride(cb), stride(cr)};
   return view;
 }
 
@@ -21,20 +25,13 @@ int RoundUpTo(int value, int multiple) {
   return (value + multiple - 1) / multiple * multiple;
 }
 
-cv::Mat Resampled(const cv::Mat& plane, cv::Size size, int interpolation) {
-  if (plane.size() == size) return plane.clone();
-  cv::Mat result;
-  cv::resize(plane, result, size, 0, 0, interpolation);
-  return result;
-}
-
 /// The size in which a plane of that sampling covers whole chroma samples of 4:2:0.
-cv::Size WholeSize(cv::Size plane, SampleArea area) {
+Size WholeSize(Size plane, SampleArea area) {
   return {RoundUpTo(plane.width, area.across % 2 == 0 ? 1 : 2),
           RoundUpTo(plane.height, area.down % 2 == 0 ? 1 : 2)};
 }
 
-cv::Size SizeIn420(cv::Size whole, SampleArea area) {
+Size SizeIn420(Size whole, SampleArea area) {
   return {whole.width * area.across / 2, whole.height * area.down / 2};
 }
 
@@ -42,7 +39,25 @@ bool Shrinks(SampleArea area) {
   return area.across == 1 || area.down == 1;
 }
 
+/// Puts those samples of `from`, which is at least as large, into `plane` that are marked.
+void TakeChanged(const Image& changed, const Image& from, Image& plane) {
+  for (int y = 0; y < plane.height(); ++y) {
+    const uint8_t* const marks = changed.Row(y);
+    const uint8_t* const samples = from.Row(y);
+    uint8_t* const to = plane.Row(y);
+    for (int x = 0; x < plane.width(); ++x) to[x] = marks[x] != 0 ? samples[x] : to[x];
+  }
+}
+
 }  // namespace
+
+Image Differences(const Image& before, const Image& after) {
+  Image differences(before.size());
+  std::transform(before.bytes().begin(), before.bytes().end(), after.bytes().begin(),
+                 differences.bytes().begin(),
+                 [](uint8_t a, uint8_t b) { return static_cast<uint8_t>(a != b ? 255 : 0); });
+  return differences;
+}
 
 ConstFrameView Frame420::View() const {
   return ViewOf<const uint8_t>(y, cb, cr);
@@ -52,41 +67,29 @@ FrameView Frame420::MutableView() {
   return ViewOf<uint8_t>(y, cb, cr);
 }
 
-cv::Size EvenSize(cv::Size size) {
+Size EvenSize(Size size) {
   return {RoundUpTo(size.width, 2), RoundUpTo(size.height, 2)};
 }
 
-cv::Mat Extended(const cv::Mat& plane, cv::Size size) {
-  cv::Mat result;
-  cv::copyMakeBorder(plane, result, 0, size.height - plane.rows, 0, size.width - plane.cols,
-                     cv::BORDER_REPLICATE);
-  return result;
+Image ChromaTo420(const Image& plane, SampleArea area, Size picture) {
+  const Size whole = WholeSize(plane.size(), area), in_420 = SizeIn420(whole, area);
+  const Image extended = Extended(plane, whole);
+  const Size even = EvenSize(picture);
+  return Cropped(Shrinks(area) ? Averaged(extended, in_420) : Interpolated(extended, in_420),
+                 {even.width / 2, even.height / 2});
 }
 
-cv::Mat ChromaTo420(const cv::Mat& plane, SampleArea area, cv::Size picture) {
-  const cv::Size whole = WholeSize(plane.size(), area);
-  const cv::Mat sampled = Resampled(Extended(plane, whole), SizeIn420(whole, area),
-                                    Shrinks(area) ? cv::INTER_AREA : cv::INTER_LINEAR);
-  const cv::Size even = EvenSize(picture);
-  return sampled(cv::Rect(0, 0, even.width / 2, even.height / 2)).clone();
+void MergeChroma(const Image& before, const Image& after, SampleArea area, Image& plane) {
+  const Size whole = WholeSize(plane.size(), area), in_420 = SizeIn420(whole, area);
+  const Image differences = Extended(Differences(before, after), in_420);
+  const Image changed = Shrinks(area) ? Nearest(differences, whole) : Averaged(differences, whole);
+  const Image extended = Extended(after, in_420);
+  TakeChanged(changed, Shrinks(area) ? Interpolated(extended, whole) : Averaged(extended, whole),
+              plane);
 }
 
-void MergeChroma(const cv::Mat& before, const cv::Mat& after, SampleArea area, cv::Mat& plane) {
-  const cv::Size whole = WholeSize(plane.size(), area);
-  const cv::Size in_420 = SizeIn420(whole, area);
-  cv::Mat changed = before != after;
-  changed = Resampled(Extended(changed, in_420), whole,
-                      Shrinks(area) ? cv::INTER_NEAREST : cv::INTER_AREA) > 0;
-  const cv::Mat samples =
-      Resampled(Extended(after, in_420), whole, Shrinks(area) ? cv::INTER_LINEAR : cv::INTER_AREA);
-  const cv::Rect inside({0, 0}, plane.size());
-  samples(inside).copyTo(plane, changed(inside));
-}
-
-void MergeLuma(const cv::Mat& before, const cv::Mat& after, cv::Mat& plane) {
-  const cv::Mat changed = before != after;
-  const cv::Rect inside({0, 0}, plane.size());
-  after(inside).copyTo(plane, changed(inside));
+void MergeLuma(const Image& before, const Image& after, Image& plane) {
+  TakeChanged(Differences(before, after), after, plane);
 }
 
 }  // namespace lumora::tools

@@ -2,18 +2,16 @@
 #ifndef LUMORA_TOOLS_PICTURE_PLANES_H_
 #define LUMORA_TOOLS_PICTURE_PLANES_H_
 
-#include <opencv2/core.hpp>
-
 #include "lumora/pipeline/frame.h"
+#include "tools/lumora/images/image.h"
 
 namespace lumora::tools {
 
 /// A full-range 4:2:0 frame of even size. A picture of odd size has its last column or row
 /// repeated.
 struct Frame420 {
-  cv::Mat y, cb, cr;  ///< 8-bit; the chroma planes have half the columns and rows
+  Image y, cb, cr;  ///< the chroma planes have half the columns and rows
 
-  Frame420 Clone() const { return {y.clone(), cb.clone(), cr.clone()}; }
   ConstFrameView View() const;
   FrameView MutableView();
 };
@@ -26,20 +24,20 @@ struct SampleArea {
 };
 
 /// `size` with both sides rounded up to even.
-cv::Size EvenSize(cv::Size size);
+Size EvenSize(Size size);
 
-/// A copy of the plane whose right column and bottom row are repeated up to that size.
-cv::Mat Extended(const cv::Mat& plane, cv::Size size);
+/// 255 where two planes of one size differ, else 0.
+Image Differences(const Image& before, const Image& after);
 
 /// A chroma plane of any sampling as one of 4:2:0, for a picture of `picture` pixels.
-cv::Mat ChromaTo420(const cv::Mat& plane, SampleArea area, cv::Size picture);
+Image ChromaTo420(const Image& plane, SampleArea area, Size picture);
 
 /// Puts into `plane` the samples of `after` where it differs from `before`, and leaves all others
 /// untouched. `before` and `after` are 4:2:0 chroma planes, `plane` has the given sampling.
-void MergeChroma(const cv::Mat& before, const cv::Mat& after, SampleArea area, cv::Mat& plane);
+void MergeChroma(const Image& before, const Image& after, SampleArea area, Image& plane);
 
 /// The same for luma.
-void MergeLuma(const cv::Mat& before, const cv::Mat& after, cv::Mat& plane);
+void MergeLuma(const Image& before, const Image& after, Image& plane);
 
 }  // namespace lumora::tools
 

@@ -46,7 +46,7 @@ bool StartsLikePng(const Bytes& file) {
          std::equal(kSignature.begin(), kSignature.end(), file.begin());
 }
 
-cv::Size PngSize(const Bytes& file) {
+Size PngSize(const Bytes& file) {
   constexpr size_t kWidthAt = 16, kHeightAt = 20;
   if (file.size() < kHeightAt + 4 || std::memcmp(&file[12], "IHDR", 4) != 0) return {};
   constexpr uint32_t kMost = std::numeric_limits<int>::max();

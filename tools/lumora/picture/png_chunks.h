@@ -3,10 +3,10 @@
 #define LUMORA_TOOLS_PICTURE_PNG_CHUNKS_H_
 
 #include <functional>
-#include <opencv2/core/types.hpp>
 #include <optional>
 #include <vector>
 
+#include "tools/lumora/images/image.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
@@ -14,7 +14,7 @@ namespace lumora::tools {
 bool StartsLikePng(const Bytes& file);
 
 /// The size that the header states; 0 x 0 without a header, and sides past 2^31 - 1 end there.
-cv::Size PngSize(const Bytes& file);
+Size PngSize(const Bytes& file);
 
 /// The chunks that make the picture, without those that only say something about it (decoders may
 /// print complaints about them). Nothing unless all chunks up to the end marker are there, with

@@ -86,14 +86,13 @@ class Decoder : Codec {
     Guard([this] { AskForBgr(); });
     const auto width = static_cast<int>(png_get_image_width(png_, info_));
     const auto height = static_cast<int>(png_get_image_height(png_, info_));
-    result.pixels.create(height, width, CV_8UC(png_get_channels(png_, info_)));
-    if (png_get_rowbytes(png_, info_) !=
-        static_cast<size_t>(result.pixels.cols) * result.pixels.elemSize()) {
+    result.pixels = Image({width, height}, png_get_channels(png_, info_));
+    if (png_get_rowbytes(png_, info_) != result.pixels.stride()) {
       throw PngError("unknown kind of pixels");
     }
     std::vector<png_bytep> rows;
     rows.reserve(static_cast<size_t>(height));
-    for (int y = 0; y < height; ++y) rows.push_back(result.pixels.ptr(y));
+    for (int y = 0; y < height; ++y) rows.push_back(result.pixels.Row(y));
     Guard([&] {
       png_read_image(png_, rows.data());
       png_read_end(png_, info_);
@@ -142,14 +141,14 @@ class Encoder : Codec {
   }
   ~Encoder() { png_destroy_write_struct(&png_, &info_); }
 
-  Bytes Encode(const cv::Mat& pixels) {
+  Bytes Encode(const Image& pixels) {
     std::vector<png_bytep> rows;
-    rows.reserve(static_cast<size_t>(pixels.rows));
-    for (int y = 0; y < pixels.rows; ++y) rows.push_back(const_cast<png_bytep>(pixels.ptr(y)));
+    rows.reserve(static_cast<size_t>(pixels.height()));
+    for (int y = 0; y < pixels.height(); ++y) rows.push_back(const_cast<png_bytep>(pixels.Row(y)));
     Guard([&] {
       AskForSpeed();
-      png_set_IHDR(png_, info_, static_cast<png_uint_32>(pixels.cols),
-                   static_cast<png_uint_32>(pixels.rows), 8, KindOf(pixels.channels()),
+      png_set_IHDR(png_, info_, static_cast<png_uint_32>(pixels.width()),
+                   static_cast<png_uint_32>(pixels.height()), 8, KindOf(pixels.channels()),
                    PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
       png_write_info(png_, info_);
       png_set_bgr(png_);
@@ -195,7 +194,7 @@ PngPixels ReadPngPixels(const Bytes& file) {
   return Decoder(file).Decode();
 }
 
-Bytes WritePngPixels(const cv::Mat& pixels) {
+Bytes WritePngPixels(const Image& pixels) {
   return Encoder().Encode(pixels);
 }
 

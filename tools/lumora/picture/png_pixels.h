@@ -2,10 +2,9 @@
 #ifndef LUMORA_TOOLS_PICTURE_PNG_PIXELS_H_
 #define LUMORA_TOOLS_PICTURE_PNG_PIXELS_H_
 
-#include <opencv2/core.hpp>
 #include <stdexcept>
 
-#include "tools/lumora/support/files.h"
+#include "tools/lumora/images/image.h"
 
 namespace lumora::tools {
 
@@ -16,7 +15,7 @@ class PngError : public std::runtime_error {
 };
 
 struct PngPixels {
-  cv::Mat pixels;        ///< 8-bit gray, BGR, or BGRA where something is transparent
+  Image pixels;          ///< 8-bit gray, BGR, or BGRA where something is transparent
   bool reduced = false;  ///< the file has 16 bits a channel
 };
 
@@ -25,7 +24,7 @@ PngPixels ReadPngPixels(const Bytes& file);
 
 /// A file of 8-bit gray, BGR or BGRA. Throws PngError for sides that libpng does not write, and
 /// std::bad_alloc where memory is short.
-Bytes WritePngPixels(const cv::Mat& pixels);
+Bytes WritePngPixels(const Image& pixels);
 
 }  // namespace lumora::tools
 

@@ -15,7 +15,7 @@ size_t Area(int width, int height) {
 }
 
 template <typename Byte>
-BasicFrameView<Byte> ViewOf(Byte* bytes, PixelFormat format, cv::Size size) {
+BasicFrameView<Byte> ViewOf(Byte* bytes, PixelFormat format, Size size) {
   const int columns = ChromaSide(size.width), rows = ChromaSide(size.height);
   Byte* const chroma = bytes + Area(size.width, size.height);
   if (format == PixelFormat::I420) {
@@ -39,15 +39,15 @@ std::optional<PixelFormat> FormatNamed(std::string name) {
   return std::nullopt;
 }
 
-size_t RawFrameBytes(cv::Size size) {
+size_t RawFrameBytes(Size size) {
   return Area(size.width, size.height) + 2 * Area(ChromaSide(size.width), ChromaSide(size.height));
 }
 
-ConstFrameView RawFrameView(const uint8_t* bytes, PixelFormat format, cv::Size size) {
+ConstFrameView RawFrameView(const uint8_t* bytes, PixelFormat format, Size size) {
   return ViewOf(bytes, format, size);
 }
 
-FrameView RawFrameView(uint8_t* bytes, PixelFormat format, cv::Size size) {
+FrameView RawFrameView(uint8_t* bytes, PixelFormat format, Size size) {
   return ViewOf(bytes, format, size);
 }
 

@@ -3,11 +3,11 @@
 #define LUMORA_TOOLS_PICTURE_RAW_FRAME_H_
 
 #include <cstdint>
-#include <opencv2/core/types.hpp>
 #include <optional>
 #include <string>
 
 #include "lumora/pipeline/frame.h"
+#include "tools/lumora/images/image.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
@@ -16,11 +16,11 @@ namespace lumora::tools {
 std::optional<PixelFormat> FormatNamed(std::string name);
 
 /// How many bytes a frame has.
-size_t RawFrameBytes(cv::Size size);
+size_t RawFrameBytes(Size size);
 
 /// A frame in memory of that many bytes.
-ConstFrameView RawFrameView(const uint8_t* bytes, PixelFormat format, cv::Size size);
-FrameView RawFrameView(uint8_t* bytes, PixelFormat format, cv::Size size);
+ConstFrameView RawFrameView(const uint8_t* bytes, PixelFormat format, Size size);
+FrameView RawFrameView(uint8_t* bytes, PixelFormat format, Size size);
 
 }  // namespace lumora::tools
 

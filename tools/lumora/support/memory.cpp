@@ -10,7 +10,6 @@
 #include <fstream>
 #include <limits>
 #include <new>
-#include <opencv2/core.hpp>
 #include <stdexcept>
 
 #include "tools/lumora/support/failure.h"
@@ -102,8 +101,6 @@ double PeakMemory() {
 void RethrowIfOutOfMemory() {
   try {
     throw;
-  } catch (const cv::Exception& error) {
-    if (error.code == cv::Error::StsNoMem) throw std::bad_alloc();
   } catch (const std::runtime_error& error) {
     // A thread's stack did not fit; there is no code that says so.
     if (std::strncmp(error.what(), "pthread_create", 14) == 0) throw std::bad_alloc();

@@ -20,8 +20,8 @@ void CheckMemory(uint64_t bytes, const std::string& name);
 /// The largest amount of memory that the process has held so far, in MiB.
 double PeakMemory();
 
-/// Throws std::bad_alloc when the exception that is being handled is how OpenCV, or the library
-/// that runs its threads, says the same.
+/// Throws std::bad_alloc when the exception that is being handled is how a library that starts
+/// threads says that memory is short.
 void RethrowIfOutOfMemory();
 
 }  // namespace lumora::tools

@@ -2,8 +2,10 @@
 
 #include <dlfcn.h>
 #include <sys/auxv.h>
+#include <sys/mman.h>
 
 #include <filesystem>
+#include <new>
 
 #include "tools/lumora/support/failure.h"
 
@@ -19,6 +21,14 @@ fs::path Program() {
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
   if (!error) return program;
   return fs::canonical(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), error);
+}
+
+/// Whether the address space has room for a module and the libraries that it takes. Where it has
+/// not, the loader says so in many ways.
+bool HasRoomForModule() {
+  constexpr size_t kLargest = size_t{128} << 20;  // three times what the face finder takes
+  void* const room = mmap(nullptr, kLargest, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  return room != MAP_FAILED && munmap(room, kLargest) == 0;
 }
 
 }  // namespace
@@ -44,6 +54,7 @@ void* ModuleFunction(const std::string& name, const char* function) {
   void* const found = module != nullptr ? dlsym(module, function) : nullptr;
   if (found == nullptr) {
     const char* const reason = dlerror();
+    if (!HasRoomForModule()) throw std::bad_alloc();
     throw Failure(ExitCode::Failed, reason != nullptr ? reason : place + " is damaged");
   }
   return found;

@@ -11,7 +11,7 @@ namespace lumora::tools {
 std::string ModulePlace(const std::string& name);
 
 /// A function of the module, which stays loaded. Throws Failure (Failed) with the reason when there
-/// is none.
+/// is none, and std::bad_alloc when there is no memory for it.
 void* ModuleFunction(const std::string& name, const char* function);
 
 }  // namespace lumora::tools

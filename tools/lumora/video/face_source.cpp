@@ -15,7 +15,7 @@ class Detected final : public FaceSource {
  public:
   explicit Detected(int every) : every_(every) {}
 
-  std::vector<Face> Next(const cv::Mat& luma) override {
+  std::vector<Face> Next(const PixelView& luma) override {
     const bool looks = frame_++ % every_ == 0;
     if (!looks) return tracker_.Skipped();
     std::vector<Face> faces;
@@ -34,7 +34,7 @@ class Listed final : public FaceSource {
  public:
   explicit Listed(const std::string& path) : path_(path), lines_(path) {}
 
-  std::vector<Face> Next(const cv::Mat& luma) override {
+  std::vector<Face> Next(const PixelView& luma) override {
     const std::optional<std::string> line = lines_.Next();
     if (!line) {
       throw Failure(ExitCode::Unreadable, path_ + ": ends after line " + std::to_string(line_) +
@@ -44,7 +44,7 @@ class Listed final : public FaceSource {
     if (line->find_first_not_of(" \t\r") == std::string::npos) return {};
     int left_out = 0;
     std::vector<std::string> doubts;
-    std::vector<Face> faces = ParseFaces(*line, LineName(), luma.size(), &left_out, &doubts);
+    std::vector<Face> faces = ParseFaces(*line, LineName(), luma.size, &left_out, &doubts);
     if (left_out > 0 && left_out_ == 0) first_left_out_ = line_;
     left_out_ += left_out;
     if (!doubts.empty() && doubt_.empty()) doubt_ = LineName() + ": " + doubts[0];
@@ -80,7 +80,7 @@ class Listed final : public FaceSource {
 
 class None final : public FaceSource {
  public:
-  std::vector<Face> Next(const cv::Mat& /*luma*/) override { return {}; }
+  std::vector<Face> Next(const PixelView& /*luma*/) override { return {}; }
 };
 
 }  // namespace

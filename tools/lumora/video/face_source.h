@@ -4,11 +4,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <opencv2/core.hpp>
 #include <string>
 #include <vector>
 
 #include "lumora/pipeline/face.h"
+#include "tools/lumora/images/image.h"
 
 namespace lumora::tools {
 
@@ -17,7 +17,7 @@ class FaceSource {
   virtual ~FaceSource() = default;
 
   /// The faces of the next frame, whose luma plane is given. Throws Failure.
-  virtual std::vector<Face> Next(const cv::Mat& luma) = 0;
+  virtual std::vector<Face> Next(const PixelView& luma) = 0;
   /// How many faces were left out so far: those that cannot be processed, as outside their frames.
   virtual int64_t left_out() const { return 0; }
   /// Sentences for the user at the end of the clip.

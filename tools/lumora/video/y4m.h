@@ -3,11 +3,11 @@
 #define LUMORA_TOOLS_VIDEO_Y4M_H_
 
 #include <cstdint>
-#include <opencv2/core/types.hpp>
 #include <optional>
 #include <string>
 
 #include "lumora/pipeline/frame.h"
+#include "tools/lumora/images/image.h"
 #include "tools/lumora/support/files.h"
 
 namespace lumora::tools {
@@ -15,7 +15,7 @@ namespace lumora::tools {
 /// What the header of a clip says.
 struct Y4mHeader {
   std::string line;  ///< as it is in the file, without its end
-  cv::Size size;
+  Size size;
   bool mono = false;               ///< luma alone; else 4:2:0 of 8 bits
   std::optional<bool> full_range;  ///< of the samples; nothing where the clip does not say
   double frames_per_second = 0;    ///< 0 where the clip does not say
@@ -38,7 +38,7 @@ class ClipFrame {
   size_t stored() const { return stored_; }
 
  private:
-  cv::Size size_;
+  Size size_;
   size_t stored_;
   Bytes bytes_;
 };

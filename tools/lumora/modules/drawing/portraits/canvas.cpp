@@ -1,4 +1,4 @@
-#include "tools/lumora/portraits/canvas.h"
+#include "tools/lumora/modules/drawing/portraits/canvas.h"
 
 #include <algorithm>
 #include <cmath>

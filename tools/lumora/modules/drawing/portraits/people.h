@@ -1,8 +1,8 @@
 // Who is drawn: the colours and traits in which the portraits differ.
-#ifndef LUMORA_TOOLS_PORTRAITS_PEOPLE_H_
-#define LUMORA_TOOLS_PORTRAITS_PEOPLE_H_
+#ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PEOPLE_H_
+#define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PEOPLE_H_
 
-#include "tools/lumora/portraits/canvas.h"
+#include "tools/lumora/modules/drawing/portraits/canvas.h"
 
 namespace lumora::tools {
 
@@ -32,4 +32,4 @@ inline constexpr Person kPeople[] = {
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_PORTRAITS_PEOPLE_H_
+#endif  // LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PEOPLE_H_

@@ -1,4 +1,4 @@
-#include "tools/lumora/portraits/hair.h"
+#include "tools/lumora/modules/drawing/portraits/hair.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "tools/lumora/portraits/features.h"
+#include "tools/lumora/modules/drawing/portraits/features.h"
 
 namespace lumora::tools {
 namespace {

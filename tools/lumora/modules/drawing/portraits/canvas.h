@@ -1,6 +1,6 @@
 // A small painter for illustrations: smooth closed shapes, flat or soft.
-#ifndef LUMORA_TOOLS_PORTRAITS_CANVAS_H_
-#define LUMORA_TOOLS_PORTRAITS_CANVAS_H_
+#ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_CANVAS_H_
+#define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_CANVAS_H_
 
 #include <opencv2/core.hpp>
 #include <vector>
@@ -75,4 +75,4 @@ class Canvas {
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_PORTRAITS_CANVAS_H_
+#endif  // LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_CANVAS_H_

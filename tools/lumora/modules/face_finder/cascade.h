@@ -1,6 +1,6 @@
 // Loading of cascade classifiers.
-#ifndef LUMORA_TOOLS_FACE_FINDER_CASCADE_H_
-#define LUMORA_TOOLS_FACE_FINDER_CASCADE_H_
+#ifndef LUMORA_TOOLS_MODULES_FACE_FINDER_CASCADE_H_
+#define LUMORA_TOOLS_MODULES_FACE_FINDER_CASCADE_H_
 
 #include <opencv2/objdetect.hpp>
 #include <string>
@@ -12,4 +12,4 @@ cv::CascadeClassifier LoadCascade(const std::string& folder, const char* file);
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_FACE_FINDER_CASCADE_H_
+#endif  // LUMORA_TOOLS_MODULES_FACE_FINDER_CASCADE_H_

@@ -1,4 +1,4 @@
-#include "tools/lumora/sheets/compare.h"
+#include "tools/lumora/modules/drawing/compare.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Both eyes inside the box of a face.
-#ifndef LUMORA_TOOLS_FACE_FINDER_EYE_FINDER_H_
-#define LUMORA_TOOLS_FACE_FINDER_EYE_FINDER_H_
+#ifndef LUMORA_TOOLS_MODULES_FACE_FINDER_EYE_FINDER_H_
+#define LUMORA_TOOLS_MODULES_FACE_FINDER_EYE_FINDER_H_
 
 #include <opencv2/objdetect.hpp>
 #include <optional>
@@ -27,4 +27,4 @@ class EyeFinder {
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_FACE_FINDER_EYE_FINDER_H_
+#endif  // LUMORA_TOOLS_MODULES_FACE_FINDER_EYE_FINDER_H_

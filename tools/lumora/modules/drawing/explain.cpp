@@ -1,4 +1,4 @@
-#include "tools/lumora/sheets/explain.h"
+#include "tools/lumora/modules/drawing/explain.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
-#include "tools/lumora/face_finder/eye_finder.h"
+#include "tools/lumora/modules/face_finder/eye_finder.h"
 
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
-#include "tools/lumora/face_finder/cascade.h"
+#include "tools/lumora/modules/face_finder/cascade.h"
 
 namespace lumora::tools {
 namespace {

@@ -1,13 +1,13 @@
 // The search for faces, with the cascade classifiers that come with OpenCV.
-#ifndef LUMORA_TOOLS_FACE_FINDER_SEARCH_H_
-#define LUMORA_TOOLS_FACE_FINDER_SEARCH_H_
+#ifndef LUMORA_TOOLS_MODULES_FACE_FINDER_SEARCH_H_
+#define LUMORA_TOOLS_MODULES_FACE_FINDER_SEARCH_H_
 
 #include <opencv2/objdetect.hpp>
 #include <string>
 #include <vector>
 
-#include "tools/lumora/face_finder/eye_finder.h"
 #include "tools/lumora/faces/face_search.h"
+#include "tools/lumora/modules/face_finder/eye_finder.h"
 
 namespace lumora::tools {
 
@@ -43,4 +43,4 @@ class CascadeSearch final : public FaceSearch {
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_FACE_FINDER_SEARCH_H_
+#endif  // LUMORA_TOOLS_MODULES_FACE_FINDER_SEARCH_H_

@@ -1,9 +1,9 @@
 // Eyes, nose and mouth of the drawn portraits.
-#ifndef LUMORA_TOOLS_PORTRAITS_FEATURES_H_
-#define LUMORA_TOOLS_PORTRAITS_FEATURES_H_
+#ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_FEATURES_H_
+#define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_FEATURES_H_
 
-#include "tools/lumora/portraits/canvas.h"
-#include "tools/lumora/portraits/people.h"
+#include "tools/lumora/modules/drawing/portraits/canvas.h"
+#include "tools/lumora/modules/drawing/portraits/people.h"
 
 namespace lumora::tools {
 
@@ -22,4 +22,4 @@ void DrawGlasses(Canvas& canvas);
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_PORTRAITS_FEATURES_H_
+#endif  // LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_FEATURES_H_

@@ -1,8 +1,8 @@
 // What the module shows to the command.
 #include <cstring>
 
-#include "tools/lumora/face_finder/search.h"
-#include "tools/lumora/support/opencv_guard.h"
+#include "tools/lumora/modules/face_finder/search.h"
+#include "tools/lumora/modules/opencv.h"
 
 namespace lumora::tools {
 namespace {

@@ -1,7 +1,7 @@
 // Portraits drawn by the program itself: friendly faces whose landmarks are known exactly, in front
 // of wallpaper whose straight lines show every warp.
-#ifndef LUMORA_TOOLS_PORTRAITS_PORTRAIT_H_
-#define LUMORA_TOOLS_PORTRAITS_PORTRAIT_H_
+#ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PORTRAIT_H_
+#define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PORTRAIT_H_
 
 #include <opencv2/core.hpp>
 #include <vector>
@@ -31,4 +31,4 @@ Group DrawGroup(cv::Size size);
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_PORTRAITS_PORTRAIT_H_
+#endif  // LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PORTRAIT_H_

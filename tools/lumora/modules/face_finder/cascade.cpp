@@ -1,4 +1,4 @@
-#include "tools/lumora/face_finder/cascade.h"
+#include "tools/lumora/modules/face_finder/cascade.h"
 
 #include <new>
 

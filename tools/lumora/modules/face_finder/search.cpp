@@ -1,12 +1,13 @@
-#include "tools/lumora/face_finder/search.h"
+#include "tools/lumora/modules/face_finder/search.h"
 
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 #include <optional>
 
-#include "tools/lumora/face_finder/cascade.h"
 #include "tools/lumora/faces/face_geometry.h"
+#include "tools/lumora/modules/face_finder/cascade.h"
+#include "tools/lumora/modules/opencv.h"
 
 namespace lumora::tools {
 namespace {
@@ -74,9 +75,7 @@ CascadeSearch::CascadeSearch(const std::string& cascade_folder) : eyes_(cascade_
 }
 
 std::vector<FoundFace> CascadeSearch::Find(const PixelView& picture) {
-  // OpenCV has no matrices of constant memory; this one is only read.
-  const cv::Mat pixels(picture.height, picture.width, CV_8UC(picture.channels),
-                       const_cast<uint8_t*>(picture.pixels), picture.stride);
+  const cv::Mat pixels = MatOf(picture);
   const double scale = std::max(1.0, std::max(pixels.cols, pixels.rows) / double{kSearchSide});
   cv::Mat small = pixels;
   if (scale > 1) cv::resize(pixels, small, {}, 1 / scale, 1 / scale, cv::INTER_AREA);

@@ -1,6 +1,6 @@
 // Before/after pictures.
-#ifndef LUMORA_TOOLS_SHEETS_COMPARE_H_
-#define LUMORA_TOOLS_SHEETS_COMPARE_H_
+#ifndef LUMORA_TOOLS_MODULES_DRAWING_COMPARE_H_
+#define LUMORA_TOOLS_MODULES_DRAWING_COMPARE_H_
 
 #include <opencv2/core.hpp>
 #include <string>
@@ -25,4 +25,4 @@ cv::Mat Stacked(const std::vector<cv::Mat>& pictures);
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_SHEETS_COMPARE_H_
+#endif  // LUMORA_TOOLS_MODULES_DRAWING_COMPARE_H_

@@ -1,6 +1,6 @@
 // A picture that shows what was found in it and what is done to it.
-#ifndef LUMORA_TOOLS_SHEETS_EXPLAIN_H_
-#define LUMORA_TOOLS_SHEETS_EXPLAIN_H_
+#ifndef LUMORA_TOOLS_MODULES_DRAWING_EXPLAIN_H_
+#define LUMORA_TOOLS_MODULES_DRAWING_EXPLAIN_H_
 
 #include <opencv2/core.hpp>
 #include <vector>
@@ -19,4 +19,4 @@ cv::Mat ExplainSheet(const cv::Mat& picture, const std::vector<Face>& faces,
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_SHEETS_EXPLAIN_H_
+#endif  // LUMORA_TOOLS_MODULES_DRAWING_EXPLAIN_H_

@@ -1,11 +1,11 @@
-#include "tools/lumora/portraits/portrait.h"
+#include "tools/lumora/modules/drawing/portraits/portrait.h"
 
 #include <iterator>
 
-#include "tools/lumora/portraits/canvas.h"
-#include "tools/lumora/portraits/features.h"
-#include "tools/lumora/portraits/hair.h"
-#include "tools/lumora/portraits/people.h"
+#include "tools/lumora/modules/drawing/portraits/canvas.h"
+#include "tools/lumora/modules/drawing/portraits/features.h"
+#include "tools/lumora/modules/drawing/portraits/hair.h"
+#include "tools/lumora/modules/drawing/portraits/people.h"
 
 // All coordinates below are units of the drawing plane (1000 x 1000); every head is symmetric about
 // x = 500 and looks at the viewer.
