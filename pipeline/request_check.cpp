@@ -50,8 +50,7 @@ Status CheckArguments(const ConstFrameView& in, const FrameView& out, FaceSpan f
   if (Status status = CheckScale(look.whiten, "whiten"); !status.ok()) return status;
   if (Status status = CheckScale(look.saturate, "saturate"); !status.ok()) return status;
   if (look.effect < Effect::Auto || look.effect > Effect::Mask) {
-    return Invalid("the effect (" + std::to_string(static_cast<int>(look.effect)) +
-                   ") is not one that there is");
+    return Invalid("there is no effect " + std::to_string(static_cast<int>(look.effect)));
   }
   for (size_t i = 0; i < faces.size(); ++i) {
     if (Status status = CheckFace(faces[i], i, in.width, in.height); !status.ok()) return status;

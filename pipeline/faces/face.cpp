@@ -5,11 +5,10 @@
 
 #include "pipeline/faces/canonical_face.h"
 #include "pipeline/faces/landmarks.h"
+#include "pipeline/support/angles.h"
 
 namespace lumora {
 namespace {
-
-constexpr double kDegreesPerRadian = 57.295779513082320877;
 
 RectF Bounds(const FaceLandmarks& landmarks) {
   PointF low = landmarks.chin;

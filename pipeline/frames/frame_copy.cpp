@@ -165,6 +165,29 @@ void PaddedFrame::Store(const FrameView& out) const {
   CopyApart(PackedView(luma(), chroma(), width_, place_, out.width, out.height), out);
 }
 
+void PaddedFrame::StoreLuma(int row, RowSpan columns, const FrameView& out) const {
+  const auto begin = static_cast<std::ptrdiff_t>(columns.begin);
+  std::memcpy(out.planes[0] + row * out.strides[0] + begin,
+              luma() + static_cast<std::ptrdiff_t>(row) * width_ + begin,
+              static_cast<size_t>(columns.end - columns.begin));
+}
+
+void PaddedFrame::StoreChroma(int row, RowSpan columns, const FrameView& out) const {
+  const uint8_t* const pairs = chroma() + static_cast<std::ptrdiff_t>(row) * width_;
+  const auto row_at = [&out, row](size_t plane) {
+    return out.planes[plane] + row * out.strides[plane];
+  };
+  const bool planar = !IsSemiPlanar(out.format);
+  const bool cr_first = out.format == PixelFormat::NV21;
+  uint8_t* const cr = planar ? row_at(kCr) : row_at(1) + (cr_first ? 0 : 1);
+  uint8_t* const cb = planar ? row_at(kCb) : row_at(1) + (cr_first ? 1 : 0);
+  const std::ptrdiff_t step = planar ? 1 : 2;
+  for (std::ptrdiff_t i = columns.begin; i < columns.end; ++i) {
+    cr[i * step] = pairs[2 * i];
+    cb[i * step] = pairs[2 * i + 1];
+  }
+}
+
 void PaddedFrame::Resize(const PaddedFrame& other) {
   SetSize(other.width_, other.height_);
   frame_width_ = other.frame_width_;

@@ -8,6 +8,7 @@
 
 #include "lumora/geometry/rounding.h"
 #include "lumora/pipeline/frame.h"
+#include "pipeline/frames/row_span.h"
 
 namespace lumora {
 
@@ -37,6 +38,10 @@ class PaddedFrame {
   void Copy(const PaddedFrame& other);
   /// Gives the part that the frame taken in lay in; `out` has that frame's size.
   void Store(const FrameView& out) const;
+  /// The same for columns of one row of pixels, or of chroma samples. Frames that were taken in at
+  /// another place have no such rows.
+  void StoreLuma(int row, RowSpan columns, const FrameView& out) const;
+  void StoreChroma(int row, RowSpan columns, const FrameView& out) const;
 
   int width() const { return width_; }    ///< pixels, and bytes from row to row in both planes
   int height() const { return height_; }  ///< pixels

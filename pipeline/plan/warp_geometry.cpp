@@ -8,11 +8,10 @@
 #include "pipeline/faces/face_bounds.h"
 #include "pipeline/faces/face_record.h"
 #include "pipeline/faces/landmarks.h"
+#include "pipeline/support/angles.h"
 
 namespace lumora {
 namespace {
-
-constexpr double kRadiansPerDegree = 0.0174532925199432958;
 
 struct ChainConstants {
   WarpScales scales;

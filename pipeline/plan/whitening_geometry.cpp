@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "pipeline/support/angles.h"
+
 namespace lumora {
 namespace {
-
-constexpr double kDegreesPerRadian = 57.295779513082320877;
 
 Ellipse EllipseOf(const EllipseAxes& axes) {
   const EllipseShape shape = ShapeOf(axes);

@@ -21,8 +21,8 @@ struct ChainMemory {
 };
 
 /// What a chain works with. `frame` is its input and receives its result; outside of the faces it
-/// keeps every byte, whatever the engine makes of the rest. On failure its contents are not
-/// defined.
+/// keeps every byte, whatever the engine makes of the rest, but where ChangesCirclesOnly. On
+/// failure its contents are not defined.
 struct ChainFrame {
   EngineSetup& setup;
   PaddedFrame& frame;
@@ -33,7 +33,12 @@ struct ChainFrame {
 /// Whole frames at once. Whitening works in colour-convert mode. The set-up then serves slimming as
 /// well.
 Status WhitenPreview(const ChainFrame& chain, const FramePlan& plan);
+/// Needs a copy of the frame where other effects have come before. Without them the frame is the
+/// engine's whole result afterwards, and counts within the circles alone.
 Status SlimPreview(const ChainFrame& chain, const FramePlan& plan);
+
+/// Whether the result is the input but for the circles of slimmed faces, which the frame holds.
+bool ChangesCirclesOnly(const FramePlan& plan);
 
 /// Block by block, for stills. One face after the other, so that there may be any number of them,
 /// and each works on what the ones before have left. The set-up is gone afterwards.

@@ -6,6 +6,7 @@
 #include "lumora/platform/settings.h"
 #include "pipeline/backends/gl/engine_faults.h"
 #include "pipeline/backends/gl/gl_state.h"
+#include "pipeline/backends/gl/merge.h"
 #include "pipeline/backends/gl/rectification.h"
 #include "pipeline/plan/frame_plan.h"
 #include "pipeline/support/stopwatch.h"
@@ -47,7 +48,12 @@ Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const 
     report->buffer_kind = BufferKindHere();
     if (plan.chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
     ClipBlocks(in.width, in.height, &report->blocks);
-    frame_.Store(out);
+    if (ChangesCirclesOnly(plan)) {
+      CopyFrame(in, out);  // asks for memory, if at all, before it writes
+      for (const FacePlan& face : plan.faces) StoreCircle(frame_, face, out);
+    } else {
+      frame_.Store(out);
+    }
     report->download_ms = stopwatch.Lap();
   }
   if (plan.chain == Chain::Capture) FreeMemory();

@@ -29,6 +29,23 @@ RowSpan SpanOf(const FacePlan& face, int y, int width) {
   return SpanAround(static_cast<double>(face.centre.x), std::sqrt(left), width);
 }
 
+/// Calls `luma` with each row of a frame and the columns of it that lie in a face's circle,
+/// `chroma` with each row of chroma samples and those for which any pixel lies in it. None are
+/// empty.
+template <typename Luma, typename Chroma>
+void ForEachSpan(const FacePlan& face, int width, int height, Luma luma, Chroma chroma) {
+  const int bottom = std::min(face.bounds.y + face.bounds.height, height);
+  for (int y = face.bounds.y; y < bottom; y += 2) {
+    const RowSpan upper = SpanOf(face, y, width);
+    const RowSpan lower = y + 1 < height ? SpanOf(face, y + 1, width) : RowSpan{};
+    if (upper.begin < upper.end) luma(y, upper);
+    if (lower.begin < lower.end) luma(y + 1, lower);
+    // The longer one holds the other: both are symmetric to the same column.
+    const RowSpan& longer = upper.end - upper.begin > lower.end - lower.begin ? upper : lower;
+    if (longer.begin < longer.end) chroma(y / 2, RowSpan{longer.begin / 2, (longer.end + 1) / 2});
+  }
+}
+
 }  // namespace
 
 void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
@@ -64,22 +81,25 @@ void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* fram
 }
 
 void CopyCircle(const PaddedFrame& processed, const FacePlan& face, PaddedFrame* frame) {
-  const PixelRectangle& bounds = face.bounds;
   const auto copy = [](const uint8_t* from, uint8_t* to, size_t start, RowSpan span) {
-    if (span.begin >= span.end) return;
     const size_t at = start + static_cast<size_t>(span.begin);
     std::memcpy(to + at, from + at, static_cast<size_t>(span.end - span.begin));
   };
-  for (int y = bounds.y; y < bounds.y + bounds.height; y += 2) {
-    const RowSpan upper = SpanOf(face, y, frame->width());
-    const RowSpan lower = SpanOf(face, y + 1, frame->width());
-    copy(processed.luma(), frame->luma(), RowStart(*frame, y), upper);
-    copy(processed.luma(), frame->luma(), RowStart(*frame, y + 1), lower);
-    // The longer one holds the other: both are symmetric to the same column.
-    const RowSpan& longer = upper.end - upper.begin > lower.end - lower.begin ? upper : lower;
-    const RowSpan chroma = {longer.begin / 2 * 2, (longer.end + 1) / 2 * 2};
-    copy(processed.chroma(), frame->chroma(), RowStart(*frame, y / 2), chroma);
-  }
+  ForEachSpan(
+      face, frame->width(), frame->height(),
+      [&](int y, RowSpan span) {
+        copy(processed.luma(), frame->luma(), RowStart(*frame, y), span);
+      },
+      [&](int y, RowSpan span) {
+        const RowSpan bytes = {2 * span.begin, 2 * span.end};
+        copy(processed.chroma(), frame->chroma(), RowStart(*frame, y), bytes);
+      });
+}
+
+void StoreCircle(const PaddedFrame& processed, const FacePlan& face, const FrameView& out) {
+  ForEachSpan(
+      face, out.width, out.height, [&](int y, RowSpan span) { processed.StoreLuma(y, span, out); },
+      [&](int y, RowSpan span) { processed.StoreChroma(y, span, out); });
 }
 
 }  // namespace lumora

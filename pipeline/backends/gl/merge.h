@@ -19,6 +19,10 @@ void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* fram
 /// it.
 void CopyCircle(const PaddedFrame& processed, const FacePlan& face, PaddedFrame* frame);
 
+/// Copies the same samples to a frame of any format, of the size that `processed` was taken in
+/// with.
+void StoreCircle(const PaddedFrame& processed, const FacePlan& face, const FrameView& out);
+
 }  // namespace lumora
 
 #endif  // LUMORA_PIPELINE_BACKENDS_GL_MERGE_H_

@@ -38,6 +38,34 @@ Status WhitenGroup(const ChainFrame& chain, const FramePlan& plan, Job begin, Jo
   return done ? Status{} : EngineRefused();
 }
 
+/// Slims `work`, which holds the frame, in place. The engine writes the luma over its input and the
+/// chroma to its output: the frame again. In colour-convert mode it takes what is in the input
+/// image instead.
+Status Slim(const ChainFrame& chain, const FramePlan& plan, PaddedFrame& work) {
+  android::GPUBeautyFace& engine = chain.setup.engine();
+  std::vector<FACE_INFO_t>& records = chain.memory.records;
+  records.clear();
+  for (const FacePlan& face : plan.faces) records.push_back(face.record);
+  const int done =
+      records.size() == 1
+          ? engine.FaceProcess(work.luma(), work.chroma(), kBeautyLevel, records.front(), 0)
+          : engine.FaceProcessMultiface(work.luma(), work.chroma(), kBeautyLevel, records.data(),
+                                        static_cast<int>(records.size()), 0);
+  return done != 0 ? Status{} : EngineRefused();
+}
+
+/// Makes the preview set-up ready to slim the frame.
+Status PrepareSlimming(const ChainFrame& chain) {
+  const PaddedFrame& frame = chain.frame;
+  if (Status status = chain.setup.Preview(frame.width(), frame.height(), false); !status.ok()) {
+    return status;
+  }
+  chain.setup.SetPreviewFilters(GL_LINEAR);
+  if (!chain.setup.has_colour()) return {};
+  const int loaded = chain.setup.engine().LoadPreviewFrameBuffer(chain.frame.luma());
+  return loaded != 0 ? Status{} : EngineRefused();
+}
+
 }  // namespace
 
 Status WhitenPreview(const ChainFrame& chain, const FramePlan& plan) {
@@ -60,33 +88,22 @@ Status WhitenPreview(const ChainFrame& chain, const FramePlan& plan) {
 }
 
 Status SlimPreview(const ChainFrame& chain, const FramePlan& plan) {
-  PaddedFrame& frame = chain.frame;
-  if (Status status = chain.setup.Preview(frame.width(), frame.height(), false); !status.ok()) {
-    return status;
-  }
-  chain.setup.SetPreviewFilters(GL_LINEAR);
-  android::GPUBeautyFace& engine = chain.setup.engine();
-  // The engine writes the luma over its input and the chroma to its output: the frame again. In
-  // colour-convert mode it takes what is in the input image instead.
+  if (Status status = PrepareSlimming(chain); !status.ok()) return status;
+  if (ChangesCirclesOnly(plan)) return Slim(chain, plan, chain.frame);
   PaddedFrame& work = chain.memory.work;
-  if (!chain.setup.has_colour()) {
-    work.Copy(frame);
+  if (chain.setup.has_colour()) {
+    work.Resize(chain.frame);
   } else {
-    work.Resize(frame);
-    if (engine.LoadPreviewFrameBuffer(frame.luma()) == 0) return EngineRefused();
+    work.Copy(chain.frame);
   }
-  std::vector<FACE_INFO_t>& records = chain.memory.records;
-  records.clear();
-  for (const FacePlan& face : plan.faces) records.push_back(face.record);
-  const int done =
-      records.size() == 1
-          ? engine.FaceProcess(work.luma(), work.chroma(), kBeautyLevel, records.front(), 0)
-          : engine.FaceProcessMultiface(work.luma(), work.chroma(), kBeautyLevel, records.data(),
-                                        static_cast<int>(records.size()), 0);
-  if (done == 0) return EngineRefused();
+  if (Status status = Slim(chain, plan, work); !status.ok()) return status;
   // The engine draws the warp of a small face over the whole frame, where rounding moves pixels.
-  for (const FacePlan& face : plan.faces) CopyCircle(work, face, &frame);
+  for (const FacePlan& face : plan.faces) CopyCircle(work, face, &chain.frame);
   return {};
+}
+
+bool ChangesCirclesOnly(const FramePlan& plan) {
+  return plan.chain == Chain::Preview && !plan.whitens;
 }
 
 }  // namespace lumora

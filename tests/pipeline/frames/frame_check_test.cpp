@@ -135,7 +135,7 @@ TEST_F(CheckArgumentsTest, RefusesWhatIsWrongWithASentence) {
       {"saturate above its scale", [](Arguments& a) { a.look.saturate = 101; }, invalid,
        "saturate is 101, but its range is 0 to 100"},
       {"unknown effect", [](Arguments& a) { a.look.effect = static_cast<Effect>(9); }, invalid,
-       "the effect (9)"},
+       "there is no effect 9"},
       {"too narrow", [](Arguments& a) { a.in.width = a.out.width = 31; }, invalid,
        "31 x 48 pixels, but at least 32 x 32"},
       {"too low", [](Arguments& a) { a.in.height = a.out.height = 31; }, invalid,

@@ -28,18 +28,22 @@ struct ImageView {
 /// Thread-safety: every member may be called from any thread; calls are served one after another.
 class LUMORA_PIPELINE_API Converter {
  public:
-  /// Starts the worker. On failure returns null. `status` may be null.
+  /// A converter, which the caller owns. Failure: null, and `status`, which may be null, tells why:
+  /// NoDisplay, or EngineFailed where memory is short.
   static std::unique_ptr<Converter> Create(Status* status);
   ~Converter();
 
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
-  /// Converts a frame, from 32 x 32 pixels up, odd sizes too.
+  /// Converts a frame of 32 x 32 pixels and more, odd sizes too.
   ///   rgb  receives red, green, blue
   ///   hsi  receives hue (255 is a turn), saturation ((max - min) / max) and intensity (max)
   /// Images have the frame's size; one of the two may be left out by a null `data`. Bytes between
-  /// their rows are not written. On failure both are left as they were. `report` may be null.
+  /// their rows are not written. `report` may be null.
+  ///
+  /// Failure: both images are left as they were. InvalidArgument for frames and images that cannot
+  /// be used, TooLarge for a frame beyond the driver's textures, EngineFailed.
   Status Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
                  Report* report = nullptr);
 

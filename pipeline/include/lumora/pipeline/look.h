@@ -40,7 +40,7 @@ struct Preset {
 /// All presets, the gentlest first; none at a first call for which memory is short.
 LUMORA_PIPELINE_API const std::vector<Preset>& Presets();
 
-/// The look of a preset, nothing for a name that there is not.
+/// The look of a preset; nothing where no preset has that name.
 LUMORA_PIPELINE_API std::optional<Look> FindPreset(std::string_view name);
 
 }  // namespace lumora

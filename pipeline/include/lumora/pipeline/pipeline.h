@@ -40,7 +40,8 @@ struct FrameRequest {
 /// each other.
 class LUMORA_PIPELINE_API Pipeline {
  public:
-  /// Starts the worker and its engine. On failure returns null. `status` may be null.
+  /// A pipeline, which the caller owns. Failure: null, and `status`, which may be null, tells why:
+  /// NoDisplay, or EngineFailed where memory is short.
   static std::unique_ptr<Pipeline> Create(Status* status);
   ~Pipeline();
 
