@@ -123,14 +123,14 @@ TEST_F(Appetite, APictureThatTakesMoreThanHalfOfTheMemoryNeedsForce) {
   const Bytes png = PngOf(cv::Mat(3000, 4000, CV_8U, cv::Scalar(80)));
   ASSERT_LT(png.size(), kMiB / 8);
   const std::string in = folder_.Put("in.png", png);
-  const std::string says = "takes about 366 MiB of memory, more than half of the 700 MiB";
+  const std::string says = "needs about 366 MiB of memory, more than half of the 700 MiB";
   const Words photo = {"photo", in, "-o", out_, "--faces", none_};
   ExpectRefused(photo, says, kMemory);
   const std::string jpeg =
       folder_.Put("in.jpg", JpegOf(cv::Mat(3000, 4000, CV_8UC3, cv::Scalar(80, 80, 80)), {}));
   ExpectRefused({"photo", jpeg, "-o", out_, "--faces", none_}, says, kMemory);
   // Where the whole picture is drawn, 48 bytes a pixel.
-  const std::string whole = "takes about 549 MiB";
+  const std::string whole = "needs about 549 MiB";
   ExpectRefused({"photo", in, "-o", out_, "--chain", "preview"}, whole, kMemory);
   ExpectRefused({"rectify", in, "-o", out_, "--degree", "5"}, whole, kMemory);
   ExpectRefused({"convert", in, "-o", out_, "--to", "hsi"}, whole, kMemory);

@@ -66,10 +66,10 @@ TEST(BadInput, FilesThatAreNoUsablePictureEndWithCode3) {
       {"half-progressive.jpg", FirstPart(progressive, 0.5), "cannot read"},
       {"half.png", FirstPart(png, 0.5), "cut short or damaged"},
       {"flipped.png", flipped, "cut short or damaged"},
-      {"samples.png", WithChangedByte(png, "IDAT", 0, 0xff), "data are damaged"},
-      {"filter.png", WithChangedByte(png, "IDAT", 100, 0x5a), "data are damaged"},
-      {"depth.png", WithChangedByte(png, "IHDR", 8, 7), "data are damaged"},
-      {"kind.png", WithChangedByte(png, "IHDR", 9, 3), "data are damaged"},
+      {"samples.png", WithChangedByte(png, "IDAT", 0, 0xff), "data is damaged"},
+      {"filter.png", WithChangedByte(png, "IDAT", 100, 0x5a), "data is damaged"},
+      {"depth.png", WithChangedByte(png, "IHDR", 8, 7), "data is damaged"},
+      {"kind.png", WithChangedByte(png, "IHDR", 9, 3), "data is damaged"},
       {"half-rgb.jpg", FirstPart(JpegOf(Landscape(200, 160), Rgb()), 0.5), "cannot read"},
       {"signature.png", FirstPart(png, 9.0 / static_cast<double>(png.size())), "cannot read"},
       {"dot.png", PngOf(Landscape(1, 1)), "1 x 1 pixels, at least 32 x 32"},
@@ -157,12 +157,12 @@ TEST(BadInput, AWordThatIsNoCommandIsQuotedWithThoseThereAre) {
   for (const char* word : {"Photo", ""}) {
     SCOPED_TRACE(word);
     const Result result = RunLumora({word, "-o", "out.png"});
-    ExpectOneLineOfError(result, 2, "there is no \"" + std::string(word) + "\"");
+    ExpectOneLineOfError(result, 2, "there is no command \"" + std::string(word) + "\"");
     EXPECT_THAT(result.err, HasSubstr(kCommands));
     EXPECT_EQ(RunLumora({"help", word}).err, result.err);
   }
   ExpectOneLineOfError(RunLumora({}), 2, std::string("a command is missing; ") + kCommands);
-  ExpectOneLineOfError(RunLumora({"--polish"}), 2, "--polish: not known");
+  ExpectOneLineOfError(RunLumora({"--polish"}), 2, "--polish: there is no such option");
 }
 
 TEST(BadInput, ANumberThatIsNoneIsQuoted) {

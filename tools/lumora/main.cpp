@@ -57,9 +57,9 @@ void CheckFirstWord(const CLI::App& program, const Words& words) {
     if (!words.empty() && words.front() == command->get_name()) return;
     names += (names.empty() ? "" : ", ") + command->get_name();
   }
-  throw Failure(ExitCode::Usage,
-                (words.empty() ? "a command is missing" : "there is no \"" + words.front() + "\"") +
-                    "; the commands are " + names + " (see lumora --help)");
+  throw Failure(ExitCode::Usage, (words.empty() ? "a command is missing"
+                                                : "there is no command \"" + words.front() + "\"") +
+                                     "; the commands are " + names + " (see lumora --help)");
 }
 
 /// Throws Failure (Usage) for a value like that of `--faces "$FACES"` where the variable is unset:
@@ -77,15 +77,15 @@ void CheckNoneIsEmpty(const CLI::App& command) {
 std::string Sentence(const CLI::App& program, const CLI::ParseError& error) {
   const auto used = program.get_subcommands();
   if (used.empty() && !program.remaining().empty()) {
-    return program.remaining().front() + ": not known, or not before a command (see lumora --help)";
+    return program.remaining().front() +
+           ": there is no such option before a command (see lumora --help)";
   }
   return std::string(error.what()) + " (see lumora " +
          (used.empty() ? "" : used.front()->get_name() + " ") + "--help)";
 }
 
 int Run(int argc, char** argv) {
-  CLI::App program("Retouches faces in pictures and clips, on the GPU or on what stands in for it.",
-                   "lumora");
+  CLI::App program("Retouches faces in pictures and clips, on the GPU or in software.", "lumora");
   program.set_version_flag("--version", "lumora " LUMORA_VERSION);
   program.require_subcommand(1);
   program.footer(kExitCodes);

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "tools/lumora/commands/command.h"
-#include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/support/clock.h"
 #include "tools/lumora/support/talk.h"
 
@@ -111,7 +111,7 @@ class Bench {
   explicit Bench(const BenchOptions& options) : options_(options) {}
 
   ExitCode Run() {
-    const DeviceInfo device = engine_.pipeline().Device();
+    const DeviceInfo device = retoucher_.pipeline().Device();
     if (!options_.json) Print(device.renderer + ", " + Name(device.buffer_kind));
     for (const Case& what : kCases) {
       const double megapixels = what.width * 1e-6 * what.height;
@@ -135,7 +135,7 @@ class Bench {
     Report report;
     const Timing timing = Measure(
         [&] {
-          ThrowUnlessOk(engine_.pipeline().Process(
+          ThrowUnlessOk(retoucher_.pipeline().Process(
               {AsConst(frame.View()), result.View(), {face}, look.look, what.chain}, &report));
         },
         options_.seconds);
@@ -159,7 +159,7 @@ class Bench {
   }
 
   BenchOptions options_;
-  Engine engine_;
+  Retoucher retoucher_;
   nlohmann::ordered_json results_ = nlohmann::ordered_json::array();
 };
 

@@ -10,7 +10,7 @@
 
 #include "lumora/pipeline/converter.h"
 #include "tools/lumora/commands/command.h"
-#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/images/colours.h"
 #include "tools/lumora/options/common_options.h"
 #include "tools/lumora/options/numbers.h"
@@ -126,7 +126,7 @@ Bytes FrameIn(PixelFormat format, const Source& source) {
   Bytes bytes(RawFrameBytes(source.size()));
   const FrameView out = RawFrameView(bytes.data(), format, source.size());
   // Without an effect the pipeline copies, from any format to any other.
-  ThrowUnlessOk(Engine().pipeline().Process({source.view(), out, {}, Look{}}));
+  ThrowUnlessOk(Retoucher().pipeline().Process({source.view(), out, {}, Look{}}));
   return bytes;
 }
 

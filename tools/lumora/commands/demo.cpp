@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tools/lumora/commands/command.h"
-#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/picture/colour_picture.h"
 #include "tools/lumora/picture/picture.h"
@@ -42,7 +42,7 @@ class Demo {
                     "cannot create the folder " + options_.folder + ": " + error.message());
     }
     CheckWritable(PathOf("overview.png"));
-    engine_ = std::make_unique<Engine>();
+    retoucher_ = std::make_unique<Retoucher>();
     std::vector<Image> rows;
     for (int i = 0; i < Draw().PortraitCount(); ++i) {
       const Scene portrait = Draw().DrawPortrait(i, options_.size);
@@ -93,15 +93,15 @@ class Demo {
                   Report* report = nullptr) {
     ColourPicture retouched(picture);
     const Frame420 frame = retouched.Frame();
-    retouched.Merge(frame, engine_->Process(frame, faces, look, report));
+    retouched.Merge(frame, retoucher_->Process(frame, faces, look, report));
     return retouched.Bgr();
   }
 
   Image Rectified(const Image& picture) {
     ColourPicture rectified(picture);
     const Frame420 frame = rectified.Frame();
-    rectified.Merge(frame, engine_->Run(frame, [](Pipeline& pipeline, const ConstFrameView& in,
-                                                  const FrameView& out) {
+    rectified.Merge(frame, retoucher_->Run(frame, [](Pipeline& pipeline, const ConstFrameView& in,
+                                                     const FrameView& out) {
       return pipeline.Rectify(in, out, kDegree);
     }));
     return rectified.Bgr();
@@ -122,7 +122,7 @@ class Demo {
   }
 
   const DemoOptions& options_;
-  std::unique_ptr<Engine> engine_;
+  std::unique_ptr<Retoucher> retoucher_;
 };
 
 }  // namespace

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "tools/lumora/commands/command.h"
-#include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/commands/self_test.h"
 #include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/faces/face_finder.h"
@@ -51,16 +51,16 @@ class Doctor {
   ExitCode Run() {
     ExitCode code = ExitCode::Done;
     try {
-      std::optional<Engine> engine(std::in_place);
-      const DeviceInfo device = engine->pipeline().Device();
+      std::optional<Retoucher> retoucher(std::in_place);
+      const DeviceInfo device = retoucher->pipeline().Device();
       CheckDevice(device);
       CheckModules();
       CheckClassifiers();
-      const SelfTest slimming = TestSlimming(*engine);
-      const SelfTest whitening = TestWhitening(*engine);
+      const SelfTest slimming = TestSlimming(*retoucher);
+      const SelfTest whitening = TestWhitening(*retoucher);
       CheckRender("test slimming", slimming);
       CheckRender("test whitening", whitening);
-      engine.reset();
+      retoucher.reset();
       if (!(slimming.passed && whitening.passed) && device.buffer_kind != BufferKind::Staged)
         CheckCopies();
       CheckCache(device);  // last: the first programs that are kept make the directory
@@ -137,8 +137,8 @@ class Doctor {
   // order on images of its own, or it would not be in use.
   void CheckCopies() {
     setenv("LUMORA_BUFFER", Name(BufferKind::Staged), 1);
-    Engine engine;
-    const bool passed = TestSlimming(engine).passed && TestWhitening(engine).passed;
+    Retoucher retoucher;
+    const bool passed = TestSlimming(retoucher).passed && TestWhitening(retoucher).passed;
     Tell("copied buffers", passed,
          passed ? "the tests pass with LUMORA_BUFFER=staged; set it to work with this driver"
                 : "the tests fail with LUMORA_BUFFER=staged as well");

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "tools/lumora/commands/command.h"
-#include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/faces/face_finder.h"
 #include "tools/lumora/faces/face_geometry.h"
@@ -137,9 +137,9 @@ class Photo {
   void Process() {
     const bool compares = !options_.compare.empty() || !options_.explain.empty();
     if (compares) before_ = edit_->picture().Bgr();
-    if (found_.empty() || IsOff(look_)) return;  // exactly off: no engine is started
+    if (found_.empty() || IsOff(look_)) return;  // exactly off: nothing is started
     const Frame420 frame = edit_->picture().Frame();
-    edit_->Merge(frame, Engine().Process(frame, Faces(), look_, &report_, options_.chain));
+    edit_->Merge(frame, Retoucher().Process(frame, Faces(), look_, &report_, options_.chain));
     for (const FaceTone& tone : report_.tones) NoteTone(tone);
   }
 

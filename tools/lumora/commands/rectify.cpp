@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "tools/lumora/commands/command.h"
-#include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/options/common_options.h"
 #include "tools/lumora/picture/picture_edit.h"
@@ -33,8 +33,8 @@ ExitCode Rectify(const RectifyOptions& options) {
   const Image before = options.compare.empty() ? Image() : edit.picture().Bgr();
   const Frame420 frame = edit.picture().Frame();
   Report report;
-  edit.Merge(frame, Engine().Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in,
-                                            const FrameView& out) {
+  edit.Merge(frame, Retoucher().Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in,
+                                               const FrameView& out) {
     if (options.degree) return pipeline.Rectify(in, out, *options.degree, &report);
     if (options.camera) {
       const Camera camera = *options.camera == 0 ? Camera::First : Camera::Second;

@@ -106,12 +106,12 @@ bool Inside(const lumora::Ellipse& ellipse, double x, double y, double rim) {
 
 }  // namespace
 
-SelfTest TestSlimming(Engine& engine) {
+SelfTest TestSlimming(Retoucher& retoucher) {
   const Frame420 frame = {Plane(kSize, 1, Ramps::Luma), Plane(kSize / 2, 2, Ramps::Cb),
                           Plane(kSize / 2, 2, Ramps::Cr)};
   Look look;
   look.slim = kStrongest;
-  const Frame420 result = engine.Process(frame, {TestFace()}, look);
+  const Frame420 result = retoucher.Process(frame, {TestFace()}, look);
   int moved = 0;
   for (size_t i = 0; i < frame.y.bytes().size(); ++i) {
     moved += std::abs(frame.y.bytes()[i] - result.y.bytes()[i]) >= kClearChange ? 1 : 0;
@@ -127,14 +127,14 @@ SelfTest TestSlimming(Engine& engine) {
   return {moved >= kLeastMoved && difference <= kTolerance, text};
 }
 
-SelfTest TestWhitening(Engine& engine) {
+SelfTest TestWhitening(Retoucher& retoucher) {
   constexpr Size kWhole = {kSize, kSize}, kHalf = {kSize / 2, kSize / 2};
   const Frame420 frame = {Image(kWhole, 1, kSkin[0]), Image(kHalf, 1, kSkin[1]),
                           Image(kHalf, 1, kSkin[2])};
   Look look;
   look.whiten = kStrongest;
   const Face face = TestFace();
-  const Frame420 result = engine.Process(frame, {face}, look);
+  const Frame420 result = retoucher.Process(frame, {face}, look);
   const lumora::Ellipse outer = WhiteningEllipses(face)[kFaceEllipse];
   int brighter = 0, stray = 0;
   for (int y = 0; y < kSize; ++y) {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/retoucher.h"
 
 namespace lumora::tools {
 
@@ -15,11 +15,11 @@ struct SelfTest {
 
 /// Slims a synthetic face and compares every sample with the same warp computed on the CPU. Throws
 /// Failure when the pipeline itself fails.
-SelfTest TestSlimming(Engine& engine);
+SelfTest TestSlimming(Retoucher& retoucher);
 
 /// Whitens an evenly coloured synthetic face: it must get brighter inside its ellipse, and nothing
 /// outside of it may change. Throws Failure when the pipeline itself fails.
-SelfTest TestWhitening(Engine& engine);
+SelfTest TestWhitening(Retoucher& retoucher);
 
 }  // namespace lumora::tools
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "tools/lumora/commands/command.h"
-#include "tools/lumora/commands/engine.h"
 #include "tools/lumora/commands/report_json.h"
+#include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/faces/faces_json.h"
 #include "tools/lumora/options/common_options.h"
 #include "tools/lumora/options/look_options.h"
@@ -93,7 +93,7 @@ class Video {
         stretched_(reader_.header()) {}
 
   ExitCode Run() {
-    if (!IsOff(look_)) engine_ = std::make_unique<Engine>();
+    if (!IsOff(look_)) retoucher_ = std::make_unique<Retoucher>();
     const std::unique_ptr<FaceSource> faces = Faces();
     ChooseRange();
     Y4mWriter writer(options_.out, reader_.header());
@@ -152,7 +152,7 @@ class Video {
   /// The frame that goes into the file.
   const ClipFrame& Process(const std::vector<Face>& faces) {
     if (!faces.empty()) ++frames_with_faces_;
-    if (engine_ == nullptr) return input_;
+    if (retoucher_ == nullptr) return input_;
     if (!limited_) {
       Engage(input_, output_, faces);
       return output_;
@@ -165,7 +165,7 @@ class Video {
 
   void Engage(const ClipFrame& in, ClipFrame& out, const std::vector<Face>& faces) {
     Report report;
-    ThrowUnlessOk(engine_->pipeline().Process(
+    ThrowUnlessOk(retoucher_->pipeline().Process(
         {in.View(), out.MutableView(), faces, look_, Chain::Preview}, &report));
     engine_ms_ += report.engine_ms;
     faces_ += report.faces;
@@ -199,9 +199,9 @@ class Video {
   Look look_;
   Y4mReader reader_;
   ClipFrame input_, output_;
-  ClipFrame stretched_;             // the input in full range, for clips of limited range
-  std::unique_ptr<Engine> engine_;  // none where the look is off
-  bool needs_faces_ = true;         // else none were looked for
+  ClipFrame stretched_;                   // the input in full range, for clips of limited range
+  std::unique_ptr<Retoucher> retoucher_;  // none where the look is off
+  bool needs_faces_ = true;               // else none were looked for
   bool limited_ = false;
   std::vector<std::string> notes_;
   int64_t frames_ = 0, frames_with_faces_ = 0, faces_ = 0, left_out_ = 0;

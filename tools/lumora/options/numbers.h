@@ -7,8 +7,8 @@
 
 namespace lumora::tools {
 
-/// The number that `text` is, blanks around it aside; nothing where it is none, or one that an int
-/// or a double cannot hold.
+/// The number that a text stands for; blanks around it do not matter. Nothing where it is not a
+/// number, or one that an int or a double cannot hold.
 std::optional<int> WholeNumber(const std::string& text);
 std::optional<double> DecimalNumber(const std::string& text);
 

@@ -17,9 +17,9 @@ namespace lumora::tools {
 
 enum class Need { Optional, Required };
 
-/// Adds options to a command. Values are set while the command line is parsed, so what the pointers
-/// lead to must outlive that. Where a value is there before, --help shows it as the default. A name
-/// without dashes is that of an argument, like IN. Copies stand for the same command.
+/// Adds options to a command. Parsing the command line sets their values, so what the pointers lead
+/// to must outlive it; --help shows the value from before as the default. A name without dashes is
+/// that of an argument, like IN. Copies stand for the same command.
 class Options {
  public:
   explicit Options(CLI::App& command) : command_(&command) {}

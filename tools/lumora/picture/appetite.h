@@ -1,4 +1,4 @@
-// How much memory pictures may ask for: a small file can claim any size.
+// How much memory a picture may need: a small file can claim any size.
 #ifndef LUMORA_TOOLS_PICTURE_APPETITE_H_
 #define LUMORA_TOOLS_PICTURE_APPETITE_H_
 
@@ -15,9 +15,9 @@ inline constexpr int kBytesForWhole = 48;   ///< where the whole picture is draw
 
 struct Appetite {
   int bytes_a_pixel = kBytesForBlocks;
-  bool force = false;  ///< however much there is
+  bool force = false;  ///< without looking at how much there is
 
-  /// Throws Failure (Unreadable) when a picture of that size takes too much. `name` is that of the
+  /// Throws Failure (Unreadable) when a picture of that size needs too much. `name` is that of the
   /// input.
   void Check(Size picture, const std::string& name) const;
 };

@@ -51,8 +51,7 @@ std::unique_ptr<Picture> DecodeJpeg(const Bytes& file, const std::string& name, 
     const JpegLayout layout = ReadJpegLayout(file);
     CheckSize(layout.size, name);
     if (ReadJpegMarkers(file).scans > kMostScans) {
-      throw Unreadable(name,
-                       "the picture comes in more than " + std::to_string(kMostScans) + " scans");
+      throw Unreadable(name, "the picture has more than " + std::to_string(kMostScans) + " scans");
     }
     if (layout.planar) return std::make_unique<JpegPicture>(file, orientation);
     notes.emplace_back("the JPEG does not hold luma and chroma planes; it is converted");
@@ -72,7 +71,7 @@ std::unique_ptr<Picture> DecodePng(const Bytes& file, const std::string& name, i
     if (decoded.reduced) notes.emplace_back("16 bits a channel are reduced to 8");
     return std::make_unique<ColourPicture>(Upright(std::move(decoded.pixels), orientation));
   } catch (const PngError&) {
-    throw Unreadable(name, "the picture's data are damaged");
+    throw Unreadable(name, "the picture data is damaged");
   }
 }
 

@@ -48,8 +48,8 @@ class Picture {
   virtual Bytes Encode(FileFormat format) const = 0;
 };
 
-/// The picture of a file's content. `name` is used in messages. Throws Failure (Unreadable) for
-/// what is no whole JPEG or PNG, is smaller than kSmallestSide or has more than kMostPixels.
+/// The picture of a file's content. `name` is used in messages. Throws Failure (Unreadable) unless
+/// it is a whole JPEG or PNG of at least kSmallestSide and at most kMostPixels.
 struct LoadedPicture {
   std::unique_ptr<Picture> picture;
   FileFormat format = FileFormat::Png;
@@ -59,8 +59,9 @@ struct LoadedPicture {
 };
 LoadedPicture DecodePicture(const Bytes& file, const std::string& name);
 
-/// The size that a file states which begins like that, 0 x 0 while it has not yet said so. Throws
-/// Failure (Unreadable) for one that DecodePicture would refuse for its kind or size.
+/// The size that the header of a file states, of which `start` are the first bytes; 0 x 0 when they
+/// do not reach that far. Throws Failure (Unreadable) when DecodePicture would refuse the file for
+/// its kind or size.
 Size StatedSize(const Bytes& start, const std::string& name);
 
 /// The format that a file name's ending asks for. Throws Failure (Usage) for an unknown one.

@@ -15,8 +15,8 @@ struct PictureFile {
   LoadedPicture loaded;
 };
 
-/// Reads and decodes a picture. What is no picture or asks for too much memory is refused as soon
-/// as that shows, with most of it unread. Throws Failure (Unreadable).
+/// Reads and decodes a picture. Throws Failure (Unreadable) as early as it can: a file that is not
+/// a picture or needs too much memory is not read to its end.
 PictureFile ReadPicture(const std::string& path, const Appetite& appetite);
 
 }  // namespace lumora::tools

@@ -21,14 +21,14 @@ BasicFrameView<Byte> ViewOf(Plane& y, Plane& cb, Plane& cr) {
   return view;
 }
 
-int RoundUpTo(int value, int multiple) {
+int RoundedUpTo(int value, int multiple) {
   return (value + multiple - 1) / multiple * multiple;
 }
 
 /// The size in which a plane of that sampling covers whole chroma samples of 4:2:0.
 Size WholeSize(Size plane, SampleArea area) {
-  return {RoundUpTo(plane.width, area.across % 2 == 0 ? 1 : 2),
-          RoundUpTo(plane.height, area.down % 2 == 0 ? 1 : 2)};
+  return {RoundedUpTo(plane.width, area.across % 2 == 0 ? 1 : 2),
+          RoundedUpTo(plane.height, area.down % 2 == 0 ? 1 : 2)};
 }
 
 Size SizeIn420(Size whole, SampleArea area) {
@@ -68,7 +68,7 @@ FrameView Frame420::MutableView() {
 }
 
 Size EvenSize(Size size) {
-  return {RoundUpTo(size.width, 2), RoundUpTo(size.height, 2)};
+  return {RoundedUpTo(size.width, 2), RoundedUpTo(size.height, 2)};
 }
 
 Image ChromaTo420(const Image& plane, SampleArea area, Size picture) {

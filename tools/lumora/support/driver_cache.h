@@ -10,9 +10,9 @@ namespace lumora::tools {
 /// Leaves nothing behind.
 bool DriverCanCacheBelow(const std::filesystem::path& caches);
 
-/// Switches Mesa's cache off for this process where there is no place for it. Mesa would do without
-/// it as well, but say so on standard error for every context. Where the user names a folder for
-/// this cache alone, that is the answer, and stays. To be called while there is one thread only.
+/// Switches Mesa's cache off for this process where there is no place for it. Mesa would do so too,
+/// but complain on standard error about every context. A folder that the user names for this cache
+/// alone is left to Mesa. Call it while there is one thread only.
 void KeepDriverFromMissingItsCache();
 
 }  // namespace lumora::tools

@@ -32,7 +32,7 @@ class WholeInput {
   const std::string& name() const { return file_.name(); }
   /// How long it is, where it is a file.
   std::optional<uint64_t> Length() const { return file_.Length(); }
-  /// The first bytes: a MiB, or all that there are.
+  /// The first bytes: a MiB, or all of a smaller input.
   const Bytes& start() const { return content_; }
   /// All of them. To be called once.
   Bytes Rest(size_t most);

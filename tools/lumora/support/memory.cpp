@@ -27,7 +27,7 @@ uint64_t ResourceLimit(decltype(RLIMIT_AS) resource) {
   return limited ? limit.rlim_cur : kNoLimit;
 }
 
-/// The number in a file; there is no limit where it says "max", or is not there.
+/// The number in a file; no limit where the file says "max" or is missing.
 uint64_t LimitIn(const fs::path& file) {
   std::string text;
   std::ifstream(file) >> text;
@@ -87,9 +87,9 @@ uint64_t MemoryLimit(const std::string& root) {
 void CheckMemory(uint64_t bytes, const std::string& name) {
   const uint64_t limit = MemoryLimit();
   if (bytes <= limit / kMemoryParts) return;
-  throw Failure(ExitCode::Unreadable, name + ": takes about " + Megabytes(bytes) +
+  throw Failure(ExitCode::Unreadable, name + ": needs about " + Megabytes(bytes) +
                                           " of memory, more than half of the " + Megabytes(limit) +
-                                          " that there are; --force does it all the same");
+                                          " available; --force tries it all the same");
 }
 
 double PeakMemory() {

@@ -1,4 +1,4 @@
-// How much memory there is, and whether some work may ask for its share.
+// How much memory there is, and whether some work may have what it needs.
 #ifndef LUMORA_TOOLS_SUPPORT_MEMORY_H_
 #define LUMORA_TOOLS_SUPPORT_MEMORY_H_
 
@@ -7,14 +7,14 @@
 
 namespace lumora::tools {
 
-/// Work may take one part in so many of the memory that there is.
+/// Work may take half of the memory.
 inline constexpr uint64_t kMemoryParts = 2;
 
 /// The bytes that this process can have at most: the machine's memory, or less where a control
 /// group or a resource limit allows less. `root` stands before the paths of the system's files.
 uint64_t MemoryLimit(const std::string& root = {});
 
-/// Throws Failure (Unreadable) when the work on the input `name` takes more than its share.
+/// Throws Failure (Unreadable) when the work on the input `name` needs more than that.
 void CheckMemory(uint64_t bytes, const std::string& name);
 
 /// The largest amount of memory that the process has held so far, in MiB.

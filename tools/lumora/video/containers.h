@@ -1,4 +1,4 @@
-// Clips that are no Y4M: how to recognise them, and what to type instead.
+// Clips that are not Y4M: how to recognise them, and what to type instead.
 #ifndef LUMORA_TOOLS_VIDEO_CONTAINERS_H_
 #define LUMORA_TOOLS_VIDEO_CONTAINERS_H_
 
@@ -14,14 +14,14 @@ namespace lumora::tools {
 /// How many bytes from its start tell a container.
 inline constexpr size_t kContainerStart = 512;
 
-/// What a file with such a start is, like "MP4"; nothing where it is none that is known.
+/// What kind of file begins like that, as "an AVI file"; nothing when the kind is unknown.
 std::optional<std::string> ContainerOf(const Bytes& start);
 
 /// Whether a file of that name is expected to be one of the containers.
 bool IsContainerName(const std::string& path);
 
-/// Whether there is a container to read at that path, by its content; by its name where that cannot
-/// be seen yet. Standard input is not looked at.
+/// Whether the file at that path is a container: by its content, or by its name where it cannot be
+/// looked at. Standard input is not looked at.
 bool IsContainer(const std::string& path);
 
 /// Thrown for a clip that is in a container.

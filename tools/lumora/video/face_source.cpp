@@ -11,9 +11,9 @@
 namespace lumora::tools {
 namespace {
 
-class Detected final : public FaceSource {
+class FacesByDetection final : public FaceSource {
  public:
-  explicit Detected(int every) : every_(every) {}
+  explicit FacesByDetection(int every) : every_(every) {}
 
   std::vector<Face> Next(const PixelView& luma) override {
     const bool looks = frame_++ % every_ == 0;
@@ -30,9 +30,9 @@ class Detected final : public FaceSource {
   FaceTracker tracker_;
 };
 
-class Listed final : public FaceSource {
+class FacesOfList final : public FaceSource {
  public:
-  explicit Listed(const std::string& path) : path_(path), lines_(path) {}
+  explicit FacesOfList(const std::string& path) : path_(path), lines_(path) {}
 
   std::vector<Face> Next(const PixelView& luma) override {
     const std::optional<std::string> line = lines_.Next();
@@ -78,7 +78,7 @@ class Listed final : public FaceSource {
   int64_t left_out_ = 0, first_left_out_ = 0;  ///< a count, and the line of the first
 };
 
-class None final : public FaceSource {
+class NoFacesAtAll final : public FaceSource {
  public:
   std::vector<Face> Next(const PixelView& /*luma*/) override { return {}; }
 };
@@ -86,15 +86,15 @@ class None final : public FaceSource {
 }  // namespace
 
 std::unique_ptr<FaceSource> DetectedFaces(int every) {
-  return std::make_unique<Detected>(every);
+  return std::make_unique<FacesByDetection>(every);
 }
 
 std::unique_ptr<FaceSource> NoFaces() {
-  return std::make_unique<None>();
+  return std::make_unique<NoFacesAtAll>();
 }
 
 std::unique_ptr<FaceSource> ListedFaces(const std::string& path) {
-  return std::make_unique<Listed>(path);
+  return std::make_unique<FacesOfList>(path);
 }
 
 }  // namespace lumora::tools

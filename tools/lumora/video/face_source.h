@@ -18,7 +18,7 @@ class FaceSource {
 
   /// The faces of the next frame, whose luma plane is given. Throws Failure.
   virtual std::vector<Face> Next(const PixelView& luma) = 0;
-  /// How many faces were left out so far: those that cannot be processed, as outside their frames.
+  /// How many faces were left out so far, because they lie outside their frames.
   virtual int64_t left_out() const { return 0; }
   /// Sentences for the user at the end of the clip.
   virtual std::vector<std::string> Remarks() { return {}; }

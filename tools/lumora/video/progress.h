@@ -1,4 +1,4 @@
-// A line on standard error that tells how far a long work has come.
+// A line on standard error that shows how far long work has come.
 #ifndef LUMORA_TOOLS_VIDEO_PROGRESS_H_
 #define LUMORA_TOOLS_VIDEO_PROGRESS_H_
 

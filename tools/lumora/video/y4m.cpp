@@ -43,19 +43,35 @@ bool IsPlain420(const std::string& sampling) {
   return std::find(std::begin(kKinds), std::end(kKinds), sampling) != std::end(kKinds);
 }
 
+[[noreturn]] void Reject(const std::string& name, const std::string& what) {
+  throw Failure(ExitCode::Unreadable, name + ": " + what);
+}
+
+/// Throws Failure (Unreadable) for frames that are too small or too large.
+void CheckSize(Size size, const std::string& name) {
+  if (size.width <= 0 || size.height <= 0) {
+    Reject(name, "broken header: the width or height of the frames is missing");
+  }
+  const std::string pixels =
+      std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
+  if (size.width < kSmallestSide || size.height < kSmallestSide) {
+    Reject(name, "the frames have " + pixels + ", at least 32 x 32 are needed");
+  }
+  if (static_cast<int64_t>(size.width) * size.height > kMostPixels) {
+    Reject(name, "the frames have " + pixels + ", more than 200 million");
+  }
+}
+
 }  // namespace
 
 Y4mHeader ParseY4mHeader(const std::string& line, const std::string& name) {
-  const auto reject = [&name](const std::string& what) {
-    throw Failure(ExitCode::Unreadable, name + ": " + what);
-  };
   Y4mHeader header;
   header.line = line;
   std::istringstream words(line);
   std::string word;
   words >> word;
-  if (word != kMagic) reject("not a Y4M clip");
-  std::string sampling = "420";  // what the format's texts give for a header that does not say
+  if (word != kMagic) Reject(name, "not a Y4M clip");
+  std::string sampling = "420";  // the format's default
   while (words >> word) {
     const std::string value = word.substr(1);
     switch (word[0]) {
@@ -79,20 +95,10 @@ Y4mHeader ParseY4mHeader(const std::string& line, const std::string& name) {
         break;  // interlacing, pixel shape, comments: handed on as they are
     }
   }
-  if (header.size.width <= 0 || header.size.height <= 0) {
-    reject("broken header: the width or height of the frames is missing");
-  }
-  const std::string pixels =
-      std::to_string(header.size.width) + " x " + std::to_string(header.size.height) + " pixels";
-  if (header.size.width < kSmallestSide || header.size.height < kSmallestSide) {
-    reject("the frames have " + pixels + ", at least 32 x 32 are needed");
-  }
-  if (static_cast<int64_t>(header.size.width) * header.size.height > kMostPixels) {
-    reject("the frames have " + pixels + ", more than 200 million");
-  }
+  CheckSize(header.size, name);
   header.mono = sampling == "mono";
   if (!header.mono && !IsPlain420(sampling)) {
-    reject("the samples are \"C" + sampling + "\", but 8-bit 4:2:0 or mono is needed");
+    Reject(name, "the samples are \"C" + sampling + "\", but 8-bit 4:2:0 or mono is needed");
   }
   return header;
 }

@@ -93,6 +93,48 @@ const Points& PartedFringe() {
   return outline;
 }
 
+Points BobFringe() {
+  return Smooth({{500, 112},
+                 {610, 124},
+                 {694, 190},
+                 {726, 300},
+                 {728, 420},
+                 {706, 470},
+                 {690, 390},
+                 {664, 338},
+                 {600, 330},
+                 {500, 338},
+                 {400, 330},
+                 {336, 338},
+                 {310, 390},
+                 {294, 470},
+                 {272, 420},
+                 {274, 300},
+                 {306, 190},
+                 {390, 124}});
+}
+
+Points ShortTop() {
+  return Smooth({{318, 400},
+                 {304, 330},
+                 {304, 240},
+                 {346, 158},
+                 {420, 112},
+                 {520, 92},
+                 {612, 110},
+                 {676, 166},
+                 {700, 250},
+                 {698, 330},
+                 {684, 400},
+                 {672, 330},
+                 {640, 262},
+                 {580, 236},
+                 {500, 246},
+                 {420, 232},
+                 {364, 262},
+                 {332, 330}});
+}
+
 }  // namespace
 
 void DrawHairBehindHead(Canvas& canvas, const Person& person) {
@@ -141,24 +183,7 @@ void DrawHairOverForehead(Canvas& canvas, const Person& person) {
       break;
     }
     case HairStyle::Bob: {
-      const Points fringe = Smooth({{500, 112},
-                                    {610, 124},
-                                    {694, 190},
-                                    {726, 300},
-                                    {728, 420},
-                                    {706, 470},
-                                    {690, 390},
-                                    {664, 338},
-                                    {600, 330},
-                                    {500, 338},
-                                    {400, 330},
-                                    {336, 338},
-                                    {310, 390},
-                                    {294, 470},
-                                    {272, 420},
-                                    {274, 300},
-                                    {306, 190},
-                                    {390, 124}});
+      const Points fringe = BobFringe();
       canvas.Fill(fringe, {person.hair});
       const cv::Mat clip = canvas.Mask(fringe);
       Locks(canvas, person, {{500, 116}, {512, 200}, {510, 345}},
@@ -166,24 +191,7 @@ void DrawHairOverForehead(Canvas& canvas, const Person& person) {
       break;
     }
     case HairStyle::Short: {
-      const Points top = Smooth({{318, 400},
-                                 {304, 330},
-                                 {304, 240},
-                                 {346, 158},
-                                 {420, 112},
-                                 {520, 92},
-                                 {612, 110},
-                                 {676, 166},
-                                 {700, 250},
-                                 {698, 330},
-                                 {684, 400},
-                                 {672, 330},
-                                 {640, 262},
-                                 {580, 236},
-                                 {500, 246},
-                                 {420, 232},
-                                 {364, 262},
-                                 {332, 330}});
+      const Points top = ShortTop();
       canvas.Fill(top, {person.hair});
       const cv::Mat clip = canvas.Mask(top);
       for (int i = 0; i < 9; ++i) {

@@ -1,23 +1,23 @@
-#include "tools/lumora/commands/engine.h"
+#include "tools/lumora/commands/retoucher.h"
 
 #include "tools/lumora/support/failure.h"
 
 namespace lumora::tools {
 
-Engine::Engine() {
+Retoucher::Retoucher() {
   Status status;
   pipeline_ = Pipeline::Create(&status);
   ThrowUnlessOk(status);
 }
 
-Frame420 Engine::Process(const Frame420& frame, const std::vector<Face>& faces, const Look& look,
-                         Report* report, Chain chain) {
+Frame420 Retoucher::Process(const Frame420& frame, const std::vector<Face>& faces, const Look& look,
+                            Report* report, Chain chain) {
   return Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
     return pipeline.Process({in, out, faces, look, chain}, report);
   });
 }
 
-Frame420 Engine::Run(const Frame420& frame, const Work& work) {
+Frame420 Retoucher::Run(const Frame420& frame, const Work& work) {
   Frame420 result = frame;
   ThrowUnlessOk(work(*pipeline_, frame.View(), result.MutableView()));
   return result;

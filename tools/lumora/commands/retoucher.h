@@ -1,6 +1,6 @@
 // The pipeline as the commands use it: planes of pictures, and Failures instead of Statuses.
-#ifndef LUMORA_TOOLS_COMMANDS_ENGINE_H_
-#define LUMORA_TOOLS_COMMANDS_ENGINE_H_
+#ifndef LUMORA_TOOLS_COMMANDS_RETOUCHER_H_
+#define LUMORA_TOOLS_COMMANDS_RETOUCHER_H_
 
 #include <functional>
 #include <memory>
@@ -11,10 +11,10 @@
 
 namespace lumora::tools {
 
-class Engine {
+class Retoucher {
  public:
   /// Starts the engine. Throws Failure (NoDisplay, Failed).
-  Engine();
+  Retoucher();
 
   /// The frame with the look applied to its faces. Throws Failure (Failed).
   Frame420 Process(const Frame420& frame, const std::vector<Face>& faces, const Look& look,
@@ -32,4 +32,4 @@ class Engine {
 
 }  // namespace lumora::tools
 
-#endif  // LUMORA_TOOLS_COMMANDS_ENGINE_H_
+#endif  // LUMORA_TOOLS_COMMANDS_RETOUCHER_H_
