@@ -2,7 +2,7 @@
 #ifndef LUMORA_PLATFORM_C_LOCALE_H_
 #define LUMORA_PLATFORM_C_LOCALE_H_
 
-#include <locale.h>
+#include <locale.h>  // NOLINT(modernize-deprecated-headers): newlocale is not in the C++ header
 
 namespace lumora::platform {
 
