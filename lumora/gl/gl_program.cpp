@@ -6,7 +6,6 @@
 #include "lumora/gl/colour_matrix.h"
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
-#include "lumora/gl/program_loader.h"
 #include "lumora/gl/quad.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/graphic_buffer.h"
@@ -35,10 +34,6 @@ bool GLProgram::Load(const char* vertexSource, const char* fragmentSource) {
   // One text for every program.
   LOGE("[InitShaderProgram]m_hFaceDistProgram: Could not create program.");
   return false;
-}
-
-bool GLProgram::LoadDescribed(const lumora::ProgramDescription& description) {
-  return lumora::LoadProgram(*this, description);
 }
 
 bool GLProgram::Use() {

@@ -6,10 +6,6 @@
 
 #include "lumora/export.h"
 
-namespace lumora {
-struct ProgramDescription;
-}
-
 /// One GL program with the tables that a draw needs.
 ///
 /// A pass goes: `Load` once after the context is current; then for every draw `SetTextures` as
@@ -89,9 +85,6 @@ class LUMORA_API GLProgram {
   float m_fMatYUV2RGB[16];                  ///< YUV-to-RGB matrix, column by column (see below)
 
  protected:
-  /// The shared body of every subclass's Load.
-  LUMORA_LOCAL bool LoadDescribed(const lumora::ProgramDescription& description);
-
   /// Selects unit `unit`, points sampler `unit` at it and binds `m_hTextures[unit]`.
   void BindInput(int unit);
 

@@ -6,16 +6,9 @@
 #include <EGL/eglext.h>
 #include <GLES2/gl2.h>
 
-#include <ctime>
-
 #include "lumora/export.h"
+#include "lumora/gl/step_times.h"
 #include "lumora/platform/graphic_buffer.h"
-
-/// Timing of the last measured step: clock() readings before and after, and the milliseconds
-/// between.
-extern LUMORA_API clock_t g_cTimeStart;
-extern LUMORA_API clock_t g_cTimeFinish;
-extern LUMORA_API double g_dCountTimeInterval;
 
 /// One image: in buffer mode a graphic buffer that the CPU addresses, wrapped in an EGL image and
 /// bound to a texture; in plain mode an ordinary texture with no memory for the CPU.

@@ -1,6 +1,6 @@
 #include "lumora/gl/step_timer.h"
 
-#include "lumora/gl/segl_image.h"
+#include "lumora/gl/step_times.h"
 
 clock_t g_cTimeStart = 0;
 clock_t g_cTimeFinish = 0;

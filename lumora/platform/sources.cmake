@@ -4,7 +4,7 @@
 #   lumora_platform_rpath      run-time directories of libraries outside the loader's path
 #
 # A body is a folder with body.cmake and a source for each header of the seam, of the same name:
-# buffer/backing_factory.h, display.h, log.h, paths.h, property.h. What else it needs lies beside them.
+# buffer/buffer_backing.h, display.h, log.h, paths.h, property.h. What else it needs lies beside them.
 
 set(lumora_platform_sources
   platform/buffer/buffer_geometry.cpp

@@ -76,15 +76,15 @@ GLProgCheekSlimmerLarge::~GLProgCheekSlimmerLarge() = default;
 GLProgCheekSlimmerLarge_HSI::~GLProgCheekSlimmerLarge_HSI() = default;
 
 bool GLProgCheekSlimmer::Load() {
-  return LoadDescribed(lumora::kCheekSlimmer[m_bShowMask]);
+  return lumora::LoadProgram(*this, lumora::kCheekSlimmer[m_bShowMask]);
 }
 
 bool GLProgCheekSlimmerLarge::Load() {
-  return LoadDescribed(lumora::kCheekSlimmerLarge[m_bShowMask]);
+  return lumora::LoadProgram(*this, lumora::kCheekSlimmerLarge[m_bShowMask]);
 }
 
 bool GLProgCheekSlimmerLarge_HSI::Load() {
-  return LoadDescribed(lumora::kCheekSlimmerLargeHsi[m_bShowMask]);
+  return lumora::LoadProgram(*this, lumora::kCheekSlimmerLargeHsi[m_bShowMask]);
 }
 
 bool GLProgCheekSlimmer::Use() {

@@ -37,22 +37,22 @@ GLProgRGBtoY::~GLProgRGBtoY() = default;
 GLProgRGBtoUV::~GLProgRGBtoUV() = default;
 
 bool GLProgYUV2RGB::Load() {
-  return LoadDescribed(lumora::kYuv2Rgb);
+  return lumora::LoadProgram(*this, lumora::kYuv2Rgb);
 }
 bool GLProgRGB2HSI::Load() {
-  return LoadDescribed(lumora::kRgb2Hsi);
+  return lumora::LoadProgram(*this, lumora::kRgb2Hsi);
 }
 bool GLProgYUV2HSI::Load() {
-  return LoadDescribed(lumora::kYuv2Hsi);
+  return lumora::LoadProgram(*this, lumora::kYuv2Hsi);
 }
 bool GLProgHSI2YUV::Load() {
-  return LoadDescribed(lumora::kHsi2Yuv);
+  return lumora::LoadProgram(*this, lumora::kHsi2Yuv);
 }
 bool GLProgRGBtoY::Load() {
-  return LoadDescribed(lumora::kRgb2Y);
+  return lumora::LoadProgram(*this, lumora::kRgb2Y);
 }
 bool GLProgRGBtoUV::Load() {
-  return LoadDescribed(lumora::kRgb2Uv);
+  return lumora::LoadProgram(*this, lumora::kRgb2Uv);
 }
 
 bool GLProgYUV2RGB::Use() {

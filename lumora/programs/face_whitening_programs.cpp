@@ -57,10 +57,10 @@ void GLProgWhiteningBase::UploadEffect() {
 }
 
 bool GLProgFaceWhitening::Load() {
-  return LoadDescribed(lumora::kFaceWhitening);
+  return lumora::LoadProgram(*this, lumora::kFaceWhitening);
 }
 bool GLProgFaceWhiteningLarge::Load() {
-  return LoadDescribed(lumora::kFaceWhiteningLarge);
+  return lumora::LoadProgram(*this, lumora::kFaceWhiteningLarge);
 }
 
 bool GLProgFaceWhitening::Use() {

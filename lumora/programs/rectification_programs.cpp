@@ -35,11 +35,12 @@ GLProgRectificaton::~GLProgRectificaton() = default;
 GLProgRadialDistortion::~GLProgRadialDistortion() = default;
 
 bool GLProgRectificaton::Load() {
-  return LoadDescribed(m_bShowMask ? lumora::kRectificationOutline : lumora::kRectification);
+  return lumora::LoadProgram(*this,
+                             m_bShowMask ? lumora::kRectificationOutline : lumora::kRectification);
 }
 
 bool GLProgRadialDistortion::Load() {
-  return LoadDescribed(lumora::kRadialDistortion);
+  return lumora::LoadProgram(*this, lumora::kRadialDistortion);
 }
 
 bool GLProgRectificaton::Use() {

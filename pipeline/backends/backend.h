@@ -5,7 +5,6 @@
 
 #include <memory>
 
-#include "lumora/pipeline/converter.h"
 #include "lumora/pipeline/device.h"
 #include "lumora/pipeline/frame.h"
 #include "lumora/pipeline/lens.h"

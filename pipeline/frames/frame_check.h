@@ -2,7 +2,6 @@
 #ifndef LUMORA_PIPELINE_FRAMES_FRAME_CHECK_H_
 #define LUMORA_PIPELINE_FRAMES_FRAME_CHECK_H_
 
-#include "lumora/pipeline/converter.h"
 #include "lumora/pipeline/frame.h"
 #include "lumora/pipeline/status.h"
 

@@ -5,6 +5,8 @@
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 
+#include <memory>
+
 #include "lumora/platform/buffer/buffer_geometry.h"
 #include "lumora/platform/buffer_kind.h"
 
@@ -40,6 +42,10 @@ class BufferBacking {
   virtual bool PublishFrom(const CpuImage& image, const PixelRectangle& part) = 0;
   virtual bool FetchInto(const CpuImage& image, const PixelRectangle& part) = 0;
 };
+
+/// The platform body's choice among its kinds: zeroed memory for `geometry`, of the best kind for
+/// the current context; null when there is none.
+std::unique_ptr<BufferBacking> MakeBacking(const BufferGeometry& geometry);
 
 }  // namespace lumora::platform
 

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "lumora/platform/buffer/backing_factory.h"
+#include "lumora/platform/buffer/buffer_backing.h"
 #include "lumora/platform/buffer/buffer_registry.h"
 #include "lumora/platform/buffer/buffer_state.h"
 

@@ -1,4 +1,4 @@
-#include "lumora/platform/buffer/backing_factory.h"
+#include "lumora/platform/buffer/buffer_backing.h"
 
 #include <array>
 #include <atomic>

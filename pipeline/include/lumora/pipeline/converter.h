@@ -2,8 +2,6 @@
 #ifndef LUMORA_PIPELINE_CONVERTER_H_
 #define LUMORA_PIPELINE_CONVERTER_H_
 
-#include <cstddef>
-#include <cstdint>
 #include <memory>
 
 #include "lumora/pipeline/export.h"
@@ -12,15 +10,6 @@
 #include "lumora/pipeline/status.h"
 
 namespace lumora {
-
-/// An interleaved image in the caller's memory, 8 bits a channel. Nothing is owned.
-struct ImageView {
-  uint8_t* data = nullptr;    ///< first byte; null: this image is not wanted
-  int width = 0;              ///< pixels
-  int height = 0;             ///< pixels
-  int channels = 3;           ///< 3, or 4 with 255 in the fourth
-  std::ptrdiff_t stride = 0;  ///< bytes from row to row
-};
 
 /// Converts frames. Owns a converter of the engine library on a worker thread of its own; any
 /// number of converters and pipelines may live side by side.

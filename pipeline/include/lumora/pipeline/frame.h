@@ -1,4 +1,4 @@
-// Frames as the pipeline takes and gives them.
+// Frames and images as the pipeline takes and gives them.
 #ifndef LUMORA_PIPELINE_FRAME_H_
 #define LUMORA_PIPELINE_FRAME_H_
 
@@ -37,6 +37,15 @@ inline ConstFrameView AsConst(const FrameView& frame) {
           {frame.planes[0], frame.planes[1], frame.planes[2]},
           frame.strides};
 }
+
+/// An interleaved image in the caller's memory, 8 bits a channel. Nothing is owned.
+struct ImageView {
+  uint8_t* data = nullptr;    ///< first byte; null: this image is not wanted
+  int width = 0;              ///< pixels
+  int height = 0;             ///< pixels
+  int channels = 3;           ///< 3, or 4 with 255 in the fourth
+  std::ptrdiff_t stride = 0;  ///< bytes from row to row
+};
 
 }  // namespace lumora
 
