@@ -12,6 +12,7 @@ struct fpf_point {
   int32_t reserved;  ///< passed along, never used
 };
 
+// clang-format off
 /// One detected face: 924 bytes, little-endian, 4-byte aligned; arrays of records are consecutive.
 ///
 /// The caller fills it, the engine only reads it. Slimming reads the scalars, whitening reads the
@@ -31,6 +32,7 @@ struct fpf_point {
 ///   | 60 - 59, 57 - 58| first eye: first axis, second axis                                    |
 ///   | 64 - 63, 61 - 62| second eye                                                            |
 ///   | 68, 70 / 69, 71 | the two ends of the face's cross axis, two points a side              |
+// clang-format on
 struct FACE_INFO_t {
   int32_t leading[2];  ///< not read
   int32_t unread0[9];

@@ -2,10 +2,8 @@
 //
 // Pure logic without GL, and the only way to an image's pixels. One Coherence accompanies one
 // image; the image's kind only decides what the actions of CoherentMemory do.
-//
-//   Synced  both sides equal
-//   Cpu     handed out for writing; the CPU side may be newer
-//   Gpu     drawn into since the last fetch; the GPU side is newer
+// Synced: both sides equal. Cpu: handed out for writing, the CPU side may be newer. Gpu: drawn into
+// since the last fetch, the GPU side is newer.
 //
 // An event is about the whole image, or about a part of it, whose user vouches that nothing else is
 // written and that every draw into the image was announced. Parts leave the state as it is: other

@@ -25,11 +25,10 @@ class LUMORA_PIPELINE_API Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
-  /// Converts a frame of 32 x 32 pixels and more, odd sizes too.
-  ///   rgb  receives red, green, blue
-  ///   hsi  receives hue (255 is a turn), saturation ((max - min) / max) and intensity (max)
-  /// Images have the frame's size; one of the two may be left out by a null `data`. Bytes between
-  /// their rows are not written. `report` may be null.
+  /// Converts a frame of 32 x 32 pixels and more, odd sizes too. `rgb` receives red, green, blue;
+  /// `hsi` receives hue (255 is a turn), saturation ((max - min) / max) and intensity (max). Images
+  /// have the frame's size; one of the two may be left out by a null `data`. Bytes between their
+  /// rows are not written. `report` may be null.
   ///
   /// Failure: both images are left as they were. InvalidArgument for frames and images that cannot
   /// be used, TooLarge for a frame beyond the driver's textures, EngineFailed.

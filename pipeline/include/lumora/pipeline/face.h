@@ -130,9 +130,9 @@ enum WhiteningEllipse {
 LUMORA_PIPELINE_API std::array<Ellipse, 7> WhiteningEllipses(const Face& face);
 
 /// The warp that the preview chain draws for a face, in full. A pixel at p is taken from
-///   p + d * strength * |d| * (1 - weight),   d = p - centre,
+///   p + d * strength * |d| * (1 - weight), d = p - centre,
 /// with
-///   hold   = min(1, |p - limiter| / (limiter_scale * reach))
+///   hold = min(1, |p - limiter| / (limiter_scale * reach))
 ///   weight = min(1, |d| / radius / hold * (2 - border ^ border_exponent))
 /// where `border` is the distance to the nearest border of the frame as a share of its side, and
 /// lengths are pixels.
