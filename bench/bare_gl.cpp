@@ -1,6 +1,6 @@
 #include "bench/bare_gl.h"
 
-#include "bench/report.h"
+#include "bench/counters.h"
 #include "lumora/platform/offscreen_context.h"
 #include "lumora/programs/shader_texts.h"
 

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "bench/bare_capture.h"
+#include "bench/counters.h"
 #include "bench/engines.h"
 #include "bench/families.h"
-#include "bench/report.h"
 
 namespace lumora::bench {
 namespace {

@@ -12,8 +12,8 @@
 #include <optional>
 
 #include "bench/bare_gl.h"
+#include "bench/counters.h"
 #include "bench/engines.h"
-#include "bench/report.h"
 #include "lumora/programs/programs.h"
 #include "lumora/programs/shader_texts.h"
 

@@ -7,9 +7,9 @@
 #include <memory>
 #include <opencv2/imgproc.hpp>
 
+#include "bench/counters.h"
 #include "bench/families.h"
 #include "bench/limit_kernels.h"
-#include "bench/report.h"
 #include "bench/scene.h"
 #include "lumora/convert/sp2yuvxs.h"
 #include "lumora/convert/sp2yuvxs_scalar.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "bench/bare_gl.h"
-#include "bench/report.h"
+#include "bench/counters.h"
 
 namespace lumora::bench {
 namespace {

@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "bench/children.h"
+#include "bench/counters.h"
 #include "bench/families.h"
-#include "bench/report.h"
 #include "bench/scene.h"
 
 namespace lumora::bench {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
+#include "bench/counters.h"
 #include "bench/engines.h"
 #include "bench/families.h"
-#include "bench/report.h"
 #include "lumora/pipeline/pipeline.h"
 
 namespace lumora::bench {

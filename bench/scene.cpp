@@ -9,7 +9,7 @@
 #include <new>
 #include <random>
 
-#include "bench/report.h"
+#include "bench/counters.h"
 #include "pipeline/plan/warp_geometry.h"
 
 namespace lumora::bench {

@@ -7,10 +7,10 @@
 #include <opencv2/core.hpp>
 
 #include "bench/bare_preview.h"
+#include "bench/counters.h"
 #include "bench/engines.h"
 #include "bench/families.h"
 #include "bench/opencv_slimming.h"
-#include "bench/report.h"
 
 namespace lumora::bench {
 namespace {

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <functional>
 
+#include "bench/counters.h"
 #include "bench/engines.h"
 #include "bench/families.h"
-#include "bench/report.h"
 
 namespace lumora::bench {
 namespace {

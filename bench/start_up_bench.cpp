@@ -4,9 +4,9 @@
 #include <string>
 
 #include "bench/children.h"
+#include "bench/counters.h"
 #include "bench/environment.h"
 #include "bench/families.h"
-#include "bench/report.h"
 
 namespace lumora::bench {
 namespace {

@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "bench/bare_preview.h"
+#include "bench/counters.h"
 #include "bench/engines.h"
 #include "bench/families.h"
-#include "bench/report.h"
 
 namespace lumora::bench {
 namespace {

@@ -13,7 +13,7 @@ set(lumora_platform_sources
   platform/buffer/coherence.cpp
   platform/buffer/cpu_access.cpp
   platform/buffer/gralloc.cpp
-  platform/buffer/graphic_buffer.cpp
+  platform/buffer/entry_points.cpp
   platform/buffer/pixel_digest.cpp
   platform/buffer_kind.cpp
   platform/byte_digest.cpp

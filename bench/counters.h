@@ -1,6 +1,6 @@
 // Between paired measurements and Google Benchmark: registration, counters, errors.
-#ifndef LUMORA_BENCH_REPORT_H_
-#define LUMORA_BENCH_REPORT_H_
+#ifndef LUMORA_BENCH_COUNTERS_H_
+#define LUMORA_BENCH_COUNTERS_H_
 
 #include <benchmark/benchmark.h>
 
@@ -40,4 +40,4 @@ void Require(bool ok, const std::string& what);
 
 }  // namespace lumora::bench
 
-#endif  // LUMORA_BENCH_REPORT_H_
+#endif  // LUMORA_BENCH_COUNTERS_H_

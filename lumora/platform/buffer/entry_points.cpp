@@ -1,3 +1,4 @@
+// What programs call of a graphic buffer, over its state.
 #include "lumora/platform/graphic_buffer.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "bench/report.h"
+#include "bench/counters.h"
 
 #include <cstddef>
 #include <exception>
