@@ -95,7 +95,9 @@ constexpr Ratio kRatios[] = {{1, 1}, {2, 1}, {3, 1}, {4, 1}, {3, 2},
 TEST(Resampling, EveryRatioOfJpegs) {
   cv::RNG random(5);
   for (int seed = 0; seed < 40; ++seed) {
-    const cv::Mat noise = Noise(random.uniform(12, 90), random.uniform(12, 90), 1, seed);
+    // One is wide enough for places to be rounded.
+    const int width = seed == 0 ? 24000 : random.uniform(12, 90);
+    const cv::Mat noise = Noise(width, random.uniform(12, 90), 1, seed);
     const Image plane = ImageOf(noise);
     for (const Ratio& across : kRatios) {
       for (const Ratio& down : kRatios) {

@@ -15,16 +15,20 @@ struct Mix {
   int first, second;
   int weight, other;  // of the first and the second
 };
+using Mixes = std::vector<Mix>;
+
+/// What stands for the samples that a mix would need beyond the ends: nothing, so that the last one
+/// counts whole, or the last one again, which is cut off a little more where products are.
+enum class Beyond { Nothing, TheLast };
 
 /// How many old samples there are to a new one.
 double Step(int old_side, int new_side) {
   return 1 / (static_cast<double>(new_side) / old_side);
 }
 
-Mix MixAt(float place, int side, bool ends_are_whole) {
-  const int first = static_cast<int>(std::floor(place));
-  float share = place - static_cast<float>(first);
-  if (ends_are_whole && (first < 0 || first >= side - 1)) share = 0;
+/// A mix of sample `first` and, by `share`, of the next one.
+Mix MixAt(int first, float share, int side, Beyond beyond) {
+  if (beyond == Beyond::Nothing && (first < 0 || first >= side - 1)) share = 0;
   const auto rounded = [](float weight) {
     return static_cast<int>(std::lrint(weight * static_cast<float>(kWhole)));
   };
@@ -32,27 +36,29 @@ Mix MixAt(float place, int side, bool ends_are_whole) {
           rounded(share)};
 }
 
-using Mixes = std::vector<Mix>;
-
-/// Middles of pixels.
-Mixes ByMiddles(int old_side, int new_side, bool ends_are_whole) {
+/// By the middles of pixels.
+Mixes ByMiddles(int old_side, int new_side, Beyond beyond) {
   const double step = Step(old_side, new_side);
   Mixes mixes;
+  mixes.reserve(static_cast<size_t>(new_side));
   for (int i = 0; i < new_side; ++i) {
-    mixes.push_back(MixAt(static_cast<float>((i + 0.5) * step - 0.5), old_side, ends_are_whole));
+    const auto middle = static_cast<float>((i + 0.5) * step - 0.5);
+    const float first = std::floor(middle);
+    mixes.push_back(MixAt(static_cast<int>(first), middle - first, old_side, beyond));
   }
   return mixes;
 }
 
-/// What pixels cover: of the second sample, the part behind its beginning.
-Mixes ByCover(int old_side, int new_side, bool ends_are_whole) {
+/// By what pixels cover: of the second sample, the part behind its beginning.
+Mixes ByCover(int old_side, int new_side, Beyond beyond) {
   const double scale = static_cast<double>(new_side) / old_side, step = Step(old_side, new_side);
   Mixes mixes;
+  mixes.reserve(static_cast<size_t>(new_side));
   for (int i = 0; i < new_side; ++i) {
     const int first = static_cast<int>(std::floor(i * step));
     const auto behind = static_cast<float>((i + 1) - (first + 1) * scale);
     const float share = behind <= 0 ? 0 : behind - std::floor(behind);
-    mixes.push_back(MixAt(static_cast<float>(first) + share, old_side, ends_are_whole));
+    mixes.push_back(MixAt(first, share, old_side, beyond));
   }
   return mixes;
 }
@@ -171,6 +177,7 @@ Image Nearest(const Image& plane, Size size) {
   if (size == plane.size()) return plane;
   const double across = Step(plane.width(), size.width), down = Step(plane.height(), size.height);
   std::vector<int> columns;
+  columns.reserve(static_cast<size_t>(size.width));
   for (int x = 0; x < size.width; ++x) {
     columns.push_back(std::min(static_cast<int>(std::floor(x * across)), plane.width() - 1));
   }
@@ -186,15 +193,15 @@ Image Nearest(const Image& plane, Size size) {
 
 Image Interpolated(const Image& plane, Size size) {
   if (size == plane.size()) return plane;
-  return Mixed(plane, size, ByMiddles(plane.width(), size.width, true),
-               ByMiddles(plane.height(), size.height, false));
+  return Mixed(plane, size, ByMiddles(plane.width(), size.width, Beyond::Nothing),
+               ByMiddles(plane.height(), size.height, Beyond::TheLast));
 }
 
 Image Averaged(const Image& plane, Size size) {
   if (size == plane.size()) return plane;
   if (size.width > plane.width() || size.height > plane.height()) {
-    return Mixed(plane, size, ByCover(plane.width(), size.width, true),
-                 ByCover(plane.height(), size.height, false));
+    return Mixed(plane, size, ByCover(plane.width(), size.width, Beyond::Nothing),
+                 ByCover(plane.height(), size.height, Beyond::TheLast));
   }
   const int across = plane.width() / size.width, down = plane.height() / size.height;
   const bool whole = across * size.width == plane.width() && down * size.height == plane.height();

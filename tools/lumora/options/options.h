@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): the name is that library's
 class App;
 }  // namespace CLI
 

@@ -16,6 +16,7 @@ class OpenCvDrawing final : public Drawing {
   Image TitledRow(const std::vector<TitledImage>& pictures) override {
     return WithOpenCv([&] {
       std::vector<Titled> row;
+      row.reserve(pictures.size());
       for (const TitledImage& titled : pictures) {
         row.push_back({titled.title, MatOf(titled.picture)});
       }
@@ -30,6 +31,7 @@ class OpenCvDrawing final : public Drawing {
   Image Stacked(const std::vector<Image>& pictures) override {
     return WithOpenCv([&] {
       std::vector<cv::Mat> stack;
+      stack.reserve(pictures.size());
       for (const Image& picture : pictures) stack.push_back(MatOf(picture));
       return ImageOf(tools::Stacked(stack));
     });
