@@ -7,13 +7,13 @@
 #include <random>
 #include <vector>
 
-#include "convert/sp2yuvxs_model.h"
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
 #include "hwy/cache_control.h"
 #include "hwy/targets.h"
 #include "lumora/convert/sp2yuvxs_scalar.h"
 #include "lumora/convert/sp2yuvxs_simd.h"
+#include "reference/sp2yuvxs_model.h"
 #include "support/guarded_buffer.h"
 
 namespace {

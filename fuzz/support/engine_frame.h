@@ -4,10 +4,10 @@
 
 #include <GLES2/gl2.h>
 
-#include "engine/caller_memory.h"
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "support/caller_memory.h"
 
 namespace lumora::fuzz {
 

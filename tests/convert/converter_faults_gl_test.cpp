@@ -1,9 +1,9 @@
 // The colour converter with a driver that fails.
 #include <gtest/gtest.h>
 
-#include "gl/gl_faults.h"
 #include "lumora/convert/gpu_color_converter.h"
 #include "reference/frame.h"
+#include "support/gl_faults.h"
 #include "support/log_capture.h"
 
 namespace lumora::test {

@@ -9,13 +9,13 @@
 #include <ostream>
 #include <thread>
 
-#include "engine/caller_memory.h"
-#include "engine/egl_faults.h"
 #include "engine/engine_images.h"
 #include "reference/bounds.h"
 #include "reference/colour_bounds.h"
 #include "reference/quad.h"
+#include "support/caller_memory.h"
 #include "support/compare.h"
+#include "support/egl_faults.h"
 #include "support/gl_objects.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"

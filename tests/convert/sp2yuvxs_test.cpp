@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "convert/sp2yuvxs_model.h"
 #include "hwy/highway.h"
 #include "hwy/targets.h"
 #include "lumora/convert/sp2yuvxs_scalar.h"
 #include "lumora/convert/sp2yuvxs_simd.h"
+#include "reference/sp2yuvxs_model.h"
 #include "support/guarded_buffer.h"
 
 namespace {

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "lumora/platform/gl_api.h"
+#include "support/caller_memory.h"
 #include "support/faces.h"
 #include "support/gl_objects.h"
 #include "support/pictures.h"

@@ -5,10 +5,10 @@
 #include <climits>
 #include <cstring>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/colour.h"
 #include "reference/expand.h"
+#include "support/caller_memory.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"
 

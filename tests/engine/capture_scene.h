@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/capture_blocks.h"
 #include "reference/whitening_capture.h"
+#include "support/caller_memory.h"
 #include "support/faces.h"
 #include "support/guarded_buffer.h"
 

@@ -5,12 +5,12 @@
 #include <cmath>
 #include <functional>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/bounds.h"
 #include "reference/colour.h"
 #include "reference/expand.h"
 #include "reference/quad.h"
+#include "support/caller_memory.h"
 #include "support/compare.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"

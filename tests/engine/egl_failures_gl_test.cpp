@@ -4,9 +4,9 @@
 #include <memory>
 #include <ostream>
 
-#include "engine/caller_memory.h"
-#include "engine/egl_faults.h"
 #include "engine/engine_images.h"
+#include "support/caller_memory.h"
+#include "support/egl_faults.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"
 

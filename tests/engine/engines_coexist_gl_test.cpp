@@ -5,10 +5,10 @@
 #include <memory>
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "engine/engine_thread.h"
 #include "reference/face_record.h"
+#include "support/caller_memory.h"
 #include "support/pictures.h"
 
 namespace lumora::test {

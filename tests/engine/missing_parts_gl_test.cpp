@@ -8,9 +8,9 @@
 #include <set>
 #include <utility>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/face_record.h"
+#include "support/caller_memory.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"
 

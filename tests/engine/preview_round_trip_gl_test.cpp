@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <ostream>
 
-#include "convert/sp2yuvxs_model.h"
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/bounds.h"
 #include "reference/colour.h"
 #include "reference/expand.h"
+#include "reference/sp2yuvxs_model.h"
+#include "support/caller_memory.h"
 #include "support/pictures.h"
 
 namespace lumora::test {

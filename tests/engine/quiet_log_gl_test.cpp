@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
+#include "support/caller_memory.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"
 

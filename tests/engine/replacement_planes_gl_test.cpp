@@ -7,8 +7,8 @@
 #include <array>
 #include <functional>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
+#include "support/caller_memory.h"
 #include "support/meant_leaks.h"
 #include "support/pictures.h"
 

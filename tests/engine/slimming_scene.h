@@ -6,9 +6,9 @@
 
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "reference/engine_model.h"
+#include "support/caller_memory.h"
 
 namespace lumora::test {
 

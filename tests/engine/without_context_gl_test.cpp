@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "lumora/lumora.h"
+#include "support/caller_memory.h"
 #include "support/faces.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"

@@ -14,8 +14,8 @@
 #include <utility>
 
 #include "gl/cache_fixture.h"
-#include "gl/gl_faults.h"
 #include "lumora/gl/cache_file.h"
+#include "support/gl_faults.h"
 #include "support/next_function.h"
 
 namespace {

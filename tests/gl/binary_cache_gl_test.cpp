@@ -10,8 +10,8 @@
 #include <thread>
 
 #include "gl/cache_fixture.h"
-#include "gl/gl_faults.h"
 #include "lumora/platform/settings.h"
+#include "support/gl_faults.h"
 
 namespace lumora::test {
 namespace {

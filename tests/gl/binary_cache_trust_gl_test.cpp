@@ -12,8 +12,8 @@
 #include <string>
 
 #include "gl/cache_fixture.h"
-#include "gl/gl_faults.h"
 #include "lumora/programs/programs.h"
+#include "support/gl_faults.h"
 
 namespace lumora::test {
 namespace {

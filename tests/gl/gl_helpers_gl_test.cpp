@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "gl/gl_faults.h"
+#include "support/gl_faults.h"
 #include "support/gl_test.h"
 #include "support/log_capture.h"
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "gl/gl_faults.h"
+#include "support/gl_faults.h"
 #include "support/gl_test.h"
 #include "support/log_capture.h"
 

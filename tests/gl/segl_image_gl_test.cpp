@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "gl/gl_faults.h"
 #include "lumora/gl/gl_helpers.h"
 #include "lumora/gl/gl_program.h"
+#include "support/gl_faults.h"
 #include "support/gl_test.h"
 #include "support/log_capture.h"
 #include "support/pictures.h"

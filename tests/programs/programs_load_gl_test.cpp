@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "gl/cache_fixture.h"
-#include "gl/gl_faults.h"
 #include "programs/program_cases.h"
+#include "support/gl_faults.h"
 
 namespace lumora::test {
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "gl/gl_faults.h"
 #include "lumora/programs/programs.h"
 #include "programs/program_cases.h"
+#include "support/gl_faults.h"
 #include "support/gl_test.h"
 #include "support/log_capture.h"
 #include "support/scoped.h"

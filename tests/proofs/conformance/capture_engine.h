@@ -2,8 +2,8 @@
 #ifndef LUMORA_TESTS_CONFORMANCE_CAPTURE_ENGINE_H_
 #define LUMORA_TESTS_CONFORMANCE_CAPTURE_ENGINE_H_
 
-#include "engine/caller_memory.h"
 #include "proofs/conformance/operations.h"
+#include "support/caller_memory.h"
 
 namespace lumora::test {
 

@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "engine/caller_memory.h"
 #include "proofs/conformance/contract.h"
+#include "support/caller_memory.h"
 
 namespace lumora::test {
 namespace {

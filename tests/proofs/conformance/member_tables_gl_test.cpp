@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
+#include "support/caller_memory.h"
 #include "support/faces.h"
 
 namespace lumora::test {

@@ -2,8 +2,8 @@
 // nothing.
 #include <gtest/gtest.h>
 
-#include "engine/caller_memory.h"
 #include "proofs/conformance/operations.h"
+#include "support/caller_memory.h"
 #include "support/faces.h"
 
 namespace lumora::test {

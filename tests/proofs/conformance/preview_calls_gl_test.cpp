@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "engine/caller_memory.h"
 #include "proofs/conformance/preview_operations.h"
+#include "support/caller_memory.h"
 #include "support/scoped.h"
 
 namespace lumora::test {

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
-#include "engine/caller_memory.h"
 #include "lumora/convert/gpu_color_converter.h"
 #include "proofs/faults/fault_layer.h"
 #include "proofs/faults/fault_test.h"
+#include "support/caller_memory.h"
 
 namespace lumora::test {
 namespace {

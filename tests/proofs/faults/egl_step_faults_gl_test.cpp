@@ -5,12 +5,12 @@
 #include <map>
 #include <memory>
 
-#include "engine/caller_memory.h"
 #include "lumora/convert/gpu_color_converter.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/platform/display.h"
 #include "proofs/faults/fault_layer.h"
 #include "proofs/faults/fault_test.h"
+#include "support/caller_memory.h"
 #include "support/log_capture.h"
 
 namespace lumora::test {

@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "lumora/convert/gpu_color_converter.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/gl/segl_image.h"
 #include "lumora/platform/settings.h"
 #include "lumora/programs/colour_programs.h"
 #include "proofs/faults/allocation_faults.h"
+#include "support/caller_memory.h"
 #include "support/faces.h"
 #include "support/scoped.h"
 

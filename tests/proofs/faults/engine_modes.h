@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "engine/caller_memory.h"
 #include "lumora/engine/gpu_beauty_face.h"
 #include "proofs/faults/setup_model.h"
+#include "support/caller_memory.h"
 #include "support/log_capture.h"
 
 namespace lumora::test {

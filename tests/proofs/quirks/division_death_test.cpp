@@ -1,8 +1,8 @@
 // Sizes that the callers keep away from: the library divides by zero, where the processor minds.
 #include <gtest/gtest.h>
 
-#include "engine/caller_memory.h"
 #include "lumora/lumora.h"
+#include "support/caller_memory.h"
 
 namespace lumora::test {
 namespace {

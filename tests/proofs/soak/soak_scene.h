@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "engine/caller_memory.h"
 #include "engine/engine_images.h"
 #include "lumora/convert/gpu_color_converter.h"
+#include "support/caller_memory.h"
 #include "support/faces.h"
 #include "support/pictures.h"
 

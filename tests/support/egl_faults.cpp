@@ -1,4 +1,4 @@
-#include "engine/egl_faults.h"
+#include "support/egl_faults.h"
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>

@@ -1,4 +1,4 @@
-#include "convert/sp2yuvxs_model.h"
+#include "reference/sp2yuvxs_model.h"
 
 #include <algorithm>
 #include <cmath>

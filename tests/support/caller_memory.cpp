@@ -1,4 +1,4 @@
-#include "engine/caller_memory.h"
+#include "support/caller_memory.h"
 
 #include <algorithm>
 #include <sstream>

@@ -1,4 +1,4 @@
-#include "gl/gl_faults.h"
+#include "support/gl_faults.h"
 
 #include <EGL/eglext.h>
 #include <GLES2/gl2ext.h>
