@@ -162,12 +162,12 @@ TEST(PreviewRoundTrip, ALaterInitTakesFramesOfItsOwnSize) {
 }
 
 TEST(PreviewRoundTrip, PackingReadsTheImageThatItsNumberNames) {
-  constexpr int kWidth = 64;
-  constexpr int kHeight = 8;
+  constexpr int kNarrow = 64;
+  constexpr int kLow = 8;
   GPUBeautyFace engine;
-  engine.Init(kWidth, kHeight, kWidth, kHeight, nullptr, false);
+  engine.Init(kNarrow, kLow, kNarrow, kLow, nullptr, false);
   const auto fill = [](SEGLImage& image, uint8_t value) {
-    Image pixels(kWidth, kHeight);
+    Image pixels(kNarrow, kLow);
     pixels.fill(value, static_cast<uint8_t>(value + 1), static_cast<uint8_t>(value + 2), 255);
     SetPixels(image, pixels);
   };
@@ -181,9 +181,9 @@ TEST(PreviewRoundTrip, PackingReadsTheImageThatItsNumberNames) {
   for (const auto& row : kRows) {
     ASSERT_EQ(1, engine.DrawRGBtoYY(row.number));
     ASSERT_EQ(1, engine.DrawRGBtoUV(row.number));
-    CallerPlanes planes(kWidth, kHeight);
+    CallerPlanes planes(kNarrow, kLow);
     ASSERT_EQ(1, engine.MemcpyYUV(planes.luma(), planes.chroma()));
-    EXPECT_EQ(reference::Frame(kWidth, kHeight, row.luma, static_cast<uint8_t>(row.luma + 1),
+    EXPECT_EQ(reference::Frame(kNarrow, kLow, row.luma, static_cast<uint8_t>(row.luma + 1),
                                static_cast<uint8_t>(row.luma + 2))
                   .bytes,
               planes.bytes())

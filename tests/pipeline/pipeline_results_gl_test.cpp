@@ -15,10 +15,10 @@
 namespace lumora::test {
 namespace {
 
-constexpr std::pair<int, int> kSizes[] = {{64, 64}, {97, 133}, {160, 120}, {201, 99}};
+constexpr std::pair<int, int> kFrameSizes[] = {{64, 64}, {97, 133}, {160, 120}, {201, 99}};
 
 TEST_F(PipelineTest, SlimZeroIsAnExactCopyInEveryFormat) {
-  for (const auto& [width, height] : kSizes) {
+  for (const auto& [width, height] : kFrameSizes) {
     const Samples samples = NoiseSamples(width, height);
     for (const PixelFormat from : kAllFormats) {
       for (const PixelFormat to : kAllFormats) {
@@ -47,7 +47,7 @@ TEST_F(PipelineTest, AFrameWithoutFacesIsAnExactCopy) {
 }
 
 TEST_F(PipelineTest, ChangesPixelsInsideTheCircleOnlyInEveryFormat) {
-  for (const auto& [width, height] : kSizes) {
+  for (const auto& [width, height] : kFrameSizes) {
     const Samples samples = NoiseSamples(width, height);
     const std::vector<Face> faces = {FaceIn(width, height)};
     for (const PixelFormat from : kAllFormats) {

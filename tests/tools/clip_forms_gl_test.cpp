@@ -13,8 +13,8 @@
 namespace lumora::test {
 namespace {
 
-constexpr int kWidth = 96, kHeight = 72;
-constexpr size_t kLuma = kWidth * kHeight, kFrameBytes = kLuma * 3 / 2;
+constexpr int kSmallWidth = 96, kSmallHeight = 72;
+constexpr size_t kLuma = kSmallWidth * kSmallHeight, kSmallFrameBytes = kLuma * 3 / 2;
 const char* const kSize = "YUV4MPEG2 W96 H72";
 
 class ClipForms : public testing::Test {
@@ -30,14 +30,14 @@ class ClipForms : public testing::Test {
     return {bytes.begin(), bytes.end()};
   }
 
-  const Scene scene_ = MovingPortrait(kWidth, kHeight, 2);
+  const Scene scene_ = MovingPortrait(kSmallWidth, kSmallHeight, 2);
   const Folder folder_;
   const std::string faces_ = folder_.Put("faces.jsonl", scene_.faces);
 };
 
 TEST_F(ClipForms, TheParametersOfTheHeaderAndOfEveryFrameAreHandedOn) {
   const std::vector<std::string> how = {"--slim", "80"};
-  const Clip usual = PartsOf(Made(scene_.clip.Text(), how), kFrameBytes);
+  const Clip usual = PartsOf(Made(scene_.clip.Text(), how), kSmallFrameBytes);
   ASSERT_EQ(usual.frames.size(), 2u);
   EXPECT_NE(usual.frames[0], scene_.clip.frames[0]);
   const std::string header =
@@ -57,7 +57,8 @@ TEST_F(ClipForms, TheRangeIsThatOfTheHeaderUnlessTheUserKnowsBetter) {
   }
   const auto frames = [&](const std::string& stated, const std::string& range) {
     clip.header = kSize + stated;
-    return PartsOf(Made(clip.Text(), {"--whiten", "100", "--range", range}), kFrameBytes).frames;
+    return PartsOf(Made(clip.Text(), {"--whiten", "100", "--range", range}), kSmallFrameBytes)
+        .frames;
   };
   const auto full = frames(" XCOLORRANGE=FULL", "auto");
   const auto limited = frames(" XCOLORRANGE=LIMITED", "auto");

@@ -14,7 +14,7 @@
 namespace lumora::test {
 namespace {
 
-Face FaceAt(float x, float y, float eye_distance = 60) {
+Face FaceSeenAt(float x, float y, float eye_distance = 60) {
   return FaceFromEyes({x - eye_distance / 2, y}, {x + eye_distance / 2, y});
 }
 
@@ -24,7 +24,7 @@ float EyeX(const Face& face) {
 
 TEST(FaceTracker, TakesANewFaceAsItIs) {
   FaceTracker tracker;
-  const Face face = FaceAt(200, 150);
+  const Face face = FaceSeenAt(200, 150);
   const std::vector<Face> faces = tracker.Detected({face});
   ASSERT_EQ(faces.size(), 1u);
   EXPECT_FLOAT_EQ(EyeX(faces[0]), EyeX(face));
@@ -34,17 +34,17 @@ TEST(FaceTracker, TakesANewFaceAsItIs) {
 
 TEST(FaceTracker, MovesByAnEqualShareOfTheRestWithEveryFrame) {
   FaceTracker tracker({0.5f, 3, 0.6f});
-  tracker.Detected({FaceAt(200, 150)});
-  const float start = EyeX(FaceAt(200, 150));
-  EXPECT_NEAR(EyeX(tracker.Detected({FaceAt(216, 150)})[0]), start + 8, 0.01);
+  tracker.Detected({FaceSeenAt(200, 150)});
+  const float start = EyeX(FaceSeenAt(200, 150));
+  EXPECT_NEAR(EyeX(tracker.Detected({FaceSeenAt(216, 150)})[0]), start + 8, 0.01);
   EXPECT_NEAR(EyeX(tracker.Skipped()[0]), start + 12, 0.01);
   EXPECT_NEAR(EyeX(tracker.Skipped()[0]), start + 14, 0.01);
 }
 
 TEST(FaceTracker, WithoutSmoothingFollowsAtOnce) {
   FaceTracker tracker({0, 3, 0.6f});
-  tracker.Detected({FaceAt(200, 150)});
-  EXPECT_FLOAT_EQ(EyeX(tracker.Detected({FaceAt(216, 150)})[0]), EyeX(FaceAt(216, 150)));
+  tracker.Detected({FaceSeenAt(200, 150)});
+  EXPECT_FLOAT_EQ(EyeX(tracker.Detected({FaceSeenAt(216, 150)})[0]), EyeX(FaceSeenAt(216, 150)));
 }
 
 TEST(FaceTracker, CalmsATremblingDetector) {
@@ -52,9 +52,9 @@ TEST(FaceTracker, CalmsATremblingDetector) {
   std::normal_distribution<float> tremble(0, 4);
   FaceTracker tracker;
   double raw = 0, calm = 0;
-  const float wanted = EyeX(FaceAt(300, 200));
+  const float wanted = EyeX(FaceSeenAt(300, 200));
   for (int frame = 0; frame < 200; ++frame) {
-    const Face seen = FaceAt(300 + tremble(random), 200);
+    const Face seen = FaceSeenAt(300 + tremble(random), 200);
     const Face shown = tracker.Detected({seen})[0];
     if (frame < 10) continue;
     raw += std::pow(EyeX(seen) - wanted, 2);
@@ -65,18 +65,18 @@ TEST(FaceTracker, CalmsATremblingDetector) {
 
 TEST(FaceTracker, KeepsFacesThatBlinkAndDropsFacesThatAreGone) {
   FaceTracker tracker({0.5f, 2, 0.6f});
-  tracker.Detected({FaceAt(200, 150), FaceAt(500, 150)});
-  EXPECT_EQ(tracker.Detected({FaceAt(200, 150)}).size(), 2u);
-  EXPECT_EQ(tracker.Detected({FaceAt(200, 150)}).size(), 2u);
-  const std::vector<Face> left = tracker.Detected({FaceAt(200, 150)});
+  tracker.Detected({FaceSeenAt(200, 150), FaceSeenAt(500, 150)});
+  EXPECT_EQ(tracker.Detected({FaceSeenAt(200, 150)}).size(), 2u);
+  EXPECT_EQ(tracker.Detected({FaceSeenAt(200, 150)}).size(), 2u);
+  const std::vector<Face> left = tracker.Detected({FaceSeenAt(200, 150)});
   ASSERT_EQ(left.size(), 1u);
-  EXPECT_NEAR(EyeX(left[0]), EyeX(FaceAt(200, 150)), 0.01);
+  EXPECT_NEAR(EyeX(left[0]), EyeX(FaceSeenAt(200, 150)), 0.01);
 }
 
 TEST(FaceTracker, AFaceThatComesBackInTimeStartsItsPatienceAnew) {
   FaceTracker tracker({0.5f, 1, 0.6f});
   for (int round = 0; round < 4; ++round) {
-    EXPECT_EQ(tracker.Detected({FaceAt(200, 150)}).size(), 1u);
+    EXPECT_EQ(tracker.Detected({FaceSeenAt(200, 150)}).size(), 1u);
     EXPECT_EQ(tracker.Detected({}).size(), 1u);
   }
   EXPECT_EQ(tracker.Detected({}).size(), 0u);
@@ -84,30 +84,30 @@ TEST(FaceTracker, AFaceThatComesBackInTimeStartsItsPatienceAnew) {
 
 TEST(FaceTracker, SkippedFramesLoseNobody) {
   FaceTracker tracker({0.5f, 0, 0.6f});
-  tracker.Detected({FaceAt(200, 150)});
+  tracker.Detected({FaceSeenAt(200, 150)});
   for (int frame = 0; frame < 50; ++frame) EXPECT_EQ(tracker.Skipped().size(), 1u);
 }
 
 TEST(FaceTracker, TellsNeighboursApartWhateverTheirOrder) {
   FaceTracker tracker({0, 3, 0.6f});
-  tracker.Detected({FaceAt(200, 150), FaceAt(300, 150)});
-  const std::vector<Face> faces = tracker.Detected({FaceAt(306, 150), FaceAt(206, 150)});
+  tracker.Detected({FaceSeenAt(200, 150), FaceSeenAt(300, 150)});
+  const std::vector<Face> faces = tracker.Detected({FaceSeenAt(306, 150), FaceSeenAt(206, 150)});
   ASSERT_EQ(faces.size(), 2u);
-  EXPECT_FLOAT_EQ(EyeX(faces[0]), EyeX(FaceAt(206, 150)));
-  EXPECT_FLOAT_EQ(EyeX(faces[1]), EyeX(FaceAt(306, 150)));
+  EXPECT_FLOAT_EQ(EyeX(faces[0]), EyeX(FaceSeenAt(206, 150)));
+  EXPECT_FLOAT_EQ(EyeX(faces[1]), EyeX(FaceSeenAt(306, 150)));
 }
 
 TEST(FaceTracker, AFaceFarAwayIsAnotherOne) {
   FaceTracker tracker;
-  tracker.Detected({FaceAt(200, 150)});
-  const std::vector<Face> faces = tracker.Detected({FaceAt(600, 150)});
+  tracker.Detected({FaceSeenAt(200, 150)});
+  const std::vector<Face> faces = tracker.Detected({FaceSeenAt(600, 150)});
   ASSERT_EQ(faces.size(), 2u);
-  EXPECT_FLOAT_EQ(EyeX(faces[1]), EyeX(FaceAt(600, 150)));
+  EXPECT_FLOAT_EQ(EyeX(faces[1]), EyeX(FaceSeenAt(600, 150)));
 }
 
 TEST(FaceTracker, TurnsByTheShorterWay) {
   FaceTracker tracker({0.5f, 3, 0.6f});
-  Face face = FaceAt(200, 150);
+  Face face = FaceSeenAt(200, 150);
   face.roll_degrees = 170;
   tracker.Detected({face});
   face.roll_degrees = -170;
@@ -116,13 +116,13 @@ TEST(FaceTracker, TurnsByTheShorterWay) {
 
 TEST(FaceTracker, IgnoresFacesWithoutNumbers) {
   FaceTracker tracker;
-  Face broken = FaceAt(200, 150);
+  Face broken = FaceSeenAt(200, 150);
   broken.landmarks.chin.x = std::numeric_limits<float>::quiet_NaN();
   EXPECT_TRUE(tracker.Detected({broken}).empty());
 }
 
 TEST(FaceTracker, IgnoresFacesBeyondEveryFrame) {
-  Face known = FaceAt(200, 150);
+  Face known = FaceSeenAt(200, 150);
   const size_t count = NumbersOf(known).size();
   for (size_t i = 0; i < count; ++i) {
     FaceTracker tracker;
@@ -139,13 +139,13 @@ TEST(FaceTracker, IgnoresFacesBeyondEveryFrame) {
 
 TEST(FaceTracker, ForgetsEverybodyAfterACut) {
   FaceTracker tracker;
-  tracker.Detected({FaceAt(200, 150)});
+  tracker.Detected({FaceSeenAt(200, 150)});
   tracker.Reset();
   EXPECT_TRUE(tracker.Skipped().empty());
 }
 
 /// Every number of a face, always in the same order.
-std::vector<float> NumbersOf(const Face& face) {
+std::vector<float> BoxAndLandmarks(const Face& face) {
   std::vector<float> numbers = {face.box.x, face.box.y, face.box.width, face.box.height,
                                 face.roll_degrees};
   ForEachPoint(face.landmarks, [&numbers](const PointF& point) {
@@ -155,13 +155,13 @@ std::vector<float> NumbersOf(const Face& face) {
 }
 
 TEST(FaceTracker, EveryNumberOfAFaceMovesByTheSameShare) {
-  Face from = FaceAt(200, 150, 60), to = FaceFromEyes({178, 151}, {246, 160});
+  Face from = FaceSeenAt(200, 150, 60), to = FaceFromEyes({178, 151}, {246, 160});
   from.box = {110, 80, 160, 200};
   to.box = {118, 92, 168, 188};
   FaceTracker tracker({0.75f, 3, 0.6f});
   tracker.Detected({from});
-  const std::vector<float> before = NumbersOf(from), after = NumbersOf(to),
-                           shown = NumbersOf(tracker.Detected({to})[0]);
+  const std::vector<float> before = BoxAndLandmarks(from), after = BoxAndLandmarks(to),
+                           shown = BoxAndLandmarks(tracker.Detected({to})[0]);
   ASSERT_EQ(before.size(), 5u + 2 * 27);
   for (size_t i = 0; i < before.size(); ++i) {
     ASSERT_NE(before[i], after[i]) << "number " << i << " does not move, so nothing is proved";
@@ -171,10 +171,10 @@ TEST(FaceTracker, EveryNumberOfAFaceMovesByTheSameShare) {
 
 TEST(FaceTracker, AFaceThatMovesOnWithinItsReachStaysOneHoweverFarItIsShownBehind) {
   FaceTracker tracker({0.9f, 3, 0.6f});
-  const float side = std::max(FaceAt(0, 0).box.width, FaceAt(0, 0).box.height);
+  const float side = std::max(FaceSeenAt(0, 0).box.width, FaceSeenAt(0, 0).box.height);
   for (int i = 0; i < 20; ++i) {
     const std::vector<Face> faces =
-        tracker.Detected({FaceAt(200 + 0.55f * side * static_cast<float>(i), 150)});
+        tracker.Detected({FaceSeenAt(200 + 0.55f * side * static_cast<float>(i), 150)});
     ASSERT_EQ(faces.size(), 1u) << i;
   }
 }
@@ -183,7 +183,7 @@ TEST(FaceTracker, TheReachIsAShareOfTheLargerSideOfTheBox) {
   for (const RectF& box : {RectF{100, 100, 40, 120}, RectF{100, 100, 120, 40}}) {
     for (const PointF& move : {PointF{70, 0}, PointF{0, 70}, PointF{-70, 0}, PointF{50, -50}}) {
       FaceTracker tracker;  // 0.6 of 120 is 72
-      Face face = FaceAt(200, 150);
+      Face face = FaceSeenAt(200, 150);
       face.box = box;
       tracker.Detected({face});
       face.box.x += move.x;

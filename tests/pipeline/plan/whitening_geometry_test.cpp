@@ -12,8 +12,8 @@
 namespace lumora::test {
 namespace {
 
-constexpr int kWidth = 640;
-constexpr int kHeight = 480;
+constexpr int kFrameWidth = 640;
+constexpr int kFrameHeight = 480;
 constexpr double kRadians = 3.14159265358979323846 / 180;
 
 Face TurnedFace(float x, float y, float eye_distance, double roll_degrees) {
@@ -26,18 +26,18 @@ TEST(WhiteningEllipses, AreTheUnitCirclesOfTheEnginesMatrices) {
   std::mt19937 random(11);
   std::uniform_real_distribution<float> unit(0, 1);
   for (int i = 0; i < 200; ++i) {
-    const Face face = TurnedFace(unit(random) * kWidth, unit(random) * kHeight,
+    const Face face = TurnedFace(unit(random) * kFrameWidth, unit(random) * kFrameHeight,
                                  6 + 120 * unit(random), 360 * static_cast<double>(unit(random)));
     const FACE_INFO_t record = LandmarkRecord(face);
     const auto expected =
-        reference::MeasureFace(reference::FaceRecord::From(&record), 0, 0, 8, kWidth, kHeight,
-                               [](int, int) { return reference::HsiSample{}; });
+        reference::MeasureFace(reference::FaceRecord::From(&record), 0, 0, 8, kFrameWidth,
+                               kFrameHeight, [](int, int) { return reference::HsiSample{}; });
     const auto ellipses = WhiteningEllipses(face);
     for (size_t e = 0; e < ellipses.size(); ++e) {
       const Ellipse& ellipse = ellipses[e];
       const auto& matrix = expected.uniforms.ellipses[e];
       const auto position = [&matrix](double x, double y) {
-        const double u = x / kWidth, v = y / kHeight;
+        const double u = x / kFrameWidth, v = y / kFrameHeight;
         return std::hypot(static_cast<double>(matrix[0]) * u + static_cast<double>(matrix[3]) * v +
                               static_cast<double>(matrix[6]),
                           static_cast<double>(matrix[1]) * u + static_cast<double>(matrix[4]) * v +

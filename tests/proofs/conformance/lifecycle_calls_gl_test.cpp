@@ -33,7 +33,7 @@ const Programs kBlocks = {
     {&GPUBeautyFace::m_pProgYUV2HSI, "YUV2HSI", "YUV2HSI"},
     {&GPUBeautyFace::m_pProgHSI2YUV, "HSI2YUV", "HSI2YUV"}};
 
-Programs Preview(bool marks) {
+Programs PreviewPrograms(bool marks) {
   return {{&GPUBeautyFace::m_pProgRGBtoY, "RGBtoY", "RGBtoY"},
           {&GPUBeautyFace::m_pProgRGBtoUV, "RGBtoUV", "RGBtoUV"},
           {&GPUBeautyFace::m_pProgCheekSlimmer, "CheekSlimmer",
@@ -88,7 +88,7 @@ class LifecycleCalls : public testing::Test {
     }
     script += PackedTargetsMade();
     if (colour) script += loads(engine, kColour, cached);
-    return script + loads(engine, Preview(engine.m_bShowMask), cached) +
+    return script + loads(engine, PreviewPrograms(engine.m_bShowMask), cached) +
            EngineDebug("[CAMIN] Lumora 2012/05/17 Init-");
   }
 
@@ -100,7 +100,7 @@ class LifecycleCalls : public testing::Test {
 
   /// To be asked for before the release.
   static Script de_init(const GPUBeautyFace& engine) {
-    Programs programs = Preview(engine.m_bShowMask);
+    Programs programs = PreviewPrograms(engine.m_bShowMask);
     if (engine.m_bColorCvtMode) {
       programs.insert(programs.end(), {kColour[2], kColour[0], kColour[1]});
     }

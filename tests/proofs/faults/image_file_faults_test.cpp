@@ -13,7 +13,7 @@
 namespace lumora::test {
 namespace {
 
-constexpr char kTag[] = "EGLImageTest";
+constexpr char kImageTag[] = "EGLImageTest";
 
 class ImageFileFaults : public testing::Test {
  protected:
@@ -40,19 +40,19 @@ class ImageFileFaults : public testing::Test {
 };
 
 TEST_F(ImageFileFaults, OfLoad565AreTold) {
-  const LogLine cannot_open = Error(kTag, "Cannot open input RGB565 file....\n");
+  const LogLine cannot_open = Error(kImageTag, "Cannot open input RGB565 file....\n");
   unsigned short pixels[2] = {7, 7};
   const MeantLeaks leaks;  // the stream of a file that cannot be read stays open
   for (const Call call : {Call::Open, Call::Stat, Call::OpenStream}) {
     const FaultScope scope(Fault{call, 1});
     LogCapture log;
     EXPECT_EQ(0, Load565FromFile(path_.c_str(), pixels, 0));
-    EXPECT_TRUE(LogIs(log, {Error(kTag, "File is fail, fp: 0"), cannot_open}));
+    EXPECT_TRUE(LogIs(log, {Error(kImageTag, "File is fail, fp: 0"), cannot_open}));
   }
   const FaultScope scope(Fault{Call::ReadStream, 1});
   LogCapture log;
   EXPECT_EQ(0, Load565FromFile(path_.c_str(), pixels, 2));
-  EXPECT_TRUE(LogIs(log, {Error(kTag, "Cannot read input RGB565 file.\n")}));
+  EXPECT_TRUE(LogIs(log, {Error(kImageTag, "Cannot read input RGB565 file.\n")}));
   EXPECT_EQ(7, pixels[0]);
   EXPECT_EQ(1, scope.failed());
 }

@@ -19,7 +19,7 @@
 namespace lumora::test {
 namespace {
 
-constexpr int kHeight = 64;
+constexpr int kFrameHeight = 64;
 
 // Directories whose names are longer than a text without memory of its own.
 class Surroundings {
@@ -48,14 +48,14 @@ struct Frames {
 
   explicit Frames(int width_of_frames)
       : width(width_of_frames),
-        in(PixelFormat::NV21, width, kHeight),
-        out(PixelFormat::I420, width, kHeight),
+        in(PixelFormat::NV21, width, kFrameHeight),
+        out(PixelFormat::I420, width, kFrameHeight),
         images(ImageBytes() * 2, 0x5A) {
-    in.Fill(NoiseSamples(width, kHeight));
+    in.Fill(NoiseSamples(width, kFrameHeight));
   }
 
   ImageView Image(size_t number) {
-    return {images.data() + number * ImageBytes(), width, kHeight, 4, width * 4};
+    return {images.data() + number * ImageBytes(), width, kFrameHeight, 4, width * 4};
   }
 
   bool operator==(const Frames& other) const {
@@ -64,7 +64,7 @@ struct Frames {
   }
 
  private:
-  size_t ImageBytes() const { return static_cast<size_t>(width * kHeight * 4); }
+  size_t ImageBytes() const { return static_cast<size_t>(width * kFrameHeight * 4); }
 };
 
 struct Makers {
