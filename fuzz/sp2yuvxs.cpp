@@ -93,7 +93,7 @@ void Rows(const uint8_t* luma, const uint8_t* chroma, std::ptrdiff_t blocks, siz
   const size_t bytes = static_cast<size_t>(blocks * lumora::kBlockBytes);
   std::vector<uint8_t> expected(bytes);
   lumora::ExpandRowScalar(expected.data(), luma, chroma, blocks);
-  for (const lumora::Stores stores : {lumora::Stores::kCached, lumora::Stores::kStreaming}) {
+  for (const lumora::Stores stores : {lumora::Stores::Cached, lumora::Stores::Streaming}) {
     GuardedBuffer memory(bytes + shift);
     uint8_t* row = memory.data() + memory.size() - bytes;
     lumora::ExpandRow(row, luma, chroma, blocks, stores);
