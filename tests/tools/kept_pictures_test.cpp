@@ -22,17 +22,6 @@ using tools::FileFormat;
 using tools::Frame420;
 using tools::LoadedPicture;
 
-/// The mean difference of a sample.
-double MeanDifference(const cv::Mat& a, const cv::Mat& b) {
-  return cv::norm(a, b, cv::NORM_L1) / static_cast<double>(a.total()) / a.channels();
-}
-double MeanDifference(const tools::Image& a, const cv::Mat& b) {
-  return MeanDifference(tools::MatOf(a), b);
-}
-double MeanDifference(const tools::Image& a, const tools::Image& b) {
-  return MeanDifference(tools::MatOf(a), tools::MatOf(b));
-}
-
 bool HaveOneSize(const tools::Picture& a, const cv::Mat& b) {
   return a.size() == tools::Size{b.cols, b.rows};
 }

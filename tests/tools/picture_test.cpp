@@ -37,10 +37,6 @@ Image Noise(int columns, int rows) {
   return plane;
 }
 
-double MeanDifference(const Image& a, const Image& b) {
-  return cv::norm(MatOf(a), MatOf(b), cv::NORM_L1) / static_cast<double>(a.bytes().size());
-}
-
 int DivideUp(int value, int by) {
   return (value + by - 1) / by;
 }

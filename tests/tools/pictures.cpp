@@ -14,6 +14,7 @@
 #include <jpeglib.h>
 
 #include "tools/lumora/modules/drawing/portraits/portrait.h"
+#include "tools/lumora/modules/opencv.h"
 
 namespace lumora::test {
 namespace {
@@ -163,6 +164,18 @@ cv::Mat Landscape(int width, int height) {
     }
   }
   return picture;
+}
+
+double MeanDifference(const cv::Mat& a, const cv::Mat& b) {
+  return cv::norm(a, b, cv::NORM_L1) / static_cast<double>(a.total()) / a.channels();
+}
+
+double MeanDifference(const tools::Image& a, const cv::Mat& b) {
+  return MeanDifference(tools::MatOf(a), b);
+}
+
+double MeanDifference(const tools::Image& a, const tools::Image& b) {
+  return MeanDifference(tools::MatOf(a), tools::MatOf(b));
 }
 
 double LargestDifferenceOutside(const cv::Mat& a, const cv::Mat& b, cv::Point2d centre,

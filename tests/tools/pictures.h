@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/lumora/images/image.h"
+
 namespace lumora::test {
 
 using Bytes = std::vector<uint8_t>;
@@ -71,6 +73,11 @@ Sitter PortraitOf(int width, int height);
 
 /// A picture without any face.
 cv::Mat Landscape(int width, int height);
+
+/// The mean difference of a sample.
+double MeanDifference(const cv::Mat& a, const cv::Mat& b);
+double MeanDifference(const tools::Image& a, const cv::Mat& b);
+double MeanDifference(const tools::Image& a, const tools::Image& b);
 
 /// Largest difference of a channel, over pixels farther than `distance` from `centre`.
 double LargestDifferenceOutside(const cv::Mat& a, const cv::Mat& b, cv::Point2d centre,
