@@ -83,8 +83,8 @@ TEST(SkinMask, StaysInTheFrameForFacesAtEveryEdge) {
       const PixelRectangle& bounds = portrait.mask.bounds();
       EXPECT_GE(bounds.x, 0);
       EXPECT_GE(bounds.y, 0);
-      EXPECT_LE(bounds.x + bounds.width, kMaskWidth);
-      EXPECT_LE(bounds.y + bounds.height, kMaskHeight);
+      EXPECT_LE(bounds.x + bounds.width, kWidth);
+      EXPECT_LE(bounds.y + bounds.height, kHeight);
       for (const int number : {bounds.x, bounds.y, bounds.width, bounds.height}) {
         EXPECT_EQ(number % 2, 0);
       }
@@ -125,8 +125,8 @@ TEST(SkinMask, WeighsNothingOutsideTheEllipseThatIsTold) {
 TEST(SkinMask, WeighsEveryPixelOfTheEllipseButItsOutermostOnes) {
   const Portrait portrait({60, 150}, {310, 170});
   const PixelRectangle& bounds = portrait.mask.bounds();
-  for (int y = 0; y < kMaskHeight; ++y) {
-    for (int x = 0; x < kMaskWidth; ++x) {
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) {
       Ellipse inner = portrait.outer;
       inner.half_along *= 0.95f;
       inner.half_across *= 0.95f;
