@@ -6,7 +6,7 @@
 #include "lumora/geometry/frame_sizes.h"
 #include "lumora/geometry/warp.h"
 #include "pipeline/faces/face_bounds.h"
-#include "pipeline/faces/face_record.h"
+#include "pipeline/faces/landmark_record.h"
 #include "pipeline/faces/landmarks.h"
 #include "pipeline/support/angles.h"
 

@@ -1,5 +1,5 @@
 #include "pipeline/faces/face_bounds.h"
-#include "pipeline/faces/face_record.h"
+#include "pipeline/faces/landmark_record.h"
 #include "pipeline/plan/whitening_geometry.h"
 
 namespace lumora {

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <random>
 
-#include "pipeline/faces/face_record.h"
+#include "pipeline/faces/landmark_record.h"
 #include "reference/whitening_parameters.h"
 
 namespace lumora::test {

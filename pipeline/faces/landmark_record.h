@@ -1,6 +1,6 @@
 // The landmarks of a face in the record that the engine reads.
-#ifndef LUMORA_PIPELINE_FACES_FACE_RECORD_H_
-#define LUMORA_PIPELINE_FACES_FACE_RECORD_H_
+#ifndef LUMORA_PIPELINE_FACES_LANDMARK_RECORD_H_
+#define LUMORA_PIPELINE_FACES_LANDMARK_RECORD_H_
 
 #include "lumora/geometry/face_record.h"
 #include "lumora/pipeline/face.h"
@@ -12,4 +12,4 @@ FACE_INFO_t LandmarkRecord(const Face& face);
 
 }  // namespace lumora
 
-#endif  // LUMORA_PIPELINE_FACES_FACE_RECORD_H_
+#endif  // LUMORA_PIPELINE_FACES_LANDMARK_RECORD_H_

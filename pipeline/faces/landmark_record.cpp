@@ -1,4 +1,4 @@
-#include "pipeline/faces/face_record.h"
+#include "pipeline/faces/landmark_record.h"
 
 #include <cmath>
 
