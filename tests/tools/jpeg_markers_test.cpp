@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "tests/tools/pictures.h"
+#include "tools/lumora/picture/decode_picture.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/support/failure.h"
 

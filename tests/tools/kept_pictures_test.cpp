@@ -9,6 +9,7 @@
 #include "tests/tools/pictures.h"
 #include "tests/tools/stored_pictures.h"
 #include "tools/lumora/modules/opencv.h"
+#include "tools/lumora/picture/decode_picture.h"
 #include "tools/lumora/picture/metadata.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/png_chunks.h"
@@ -17,10 +18,10 @@
 namespace lumora::test {
 namespace {
 
+using tools::DecodedPicture;
 using tools::DecodePicture;
 using tools::FileFormat;
 using tools::Frame420;
-using tools::LoadedPicture;
 
 bool HaveOneSize(const tools::Picture& a, const cv::Mat& b) {
   return a.size() == tools::Size{b.cols, b.rows};
@@ -49,7 +50,7 @@ TEST(TurnedJpeg, EverySamplingComesOutUprightWithItsTablesTurned) {
                    std::to_string(orientation));
       const Bytes file =
           WithOrientation(JpegOf(Stored(upright, orientation), {across, down, 75}), orientation);
-      const LoadedPicture loaded = DecodePicture(file, "test");
+      const DecodedPicture loaded = DecodePicture(file, "test");
       EXPECT_LT(MeanDifference(loaded.picture->Bgr(), upright), 2);
       const Bytes written = loaded.picture->Encode(FileFormat::Jpeg);
       const cv::Mat after = Decode(written);
@@ -82,7 +83,7 @@ TEST(TurnedJpeg, AFrameAndItsMergedResultAreThoseOfTheUprightPicture) {
     for (const int orientation : {1, 3, 6, 7}) {
       SCOPED_TRACE(std::to_string(across) + "x" + std::to_string(down) + ", orientation " +
                    std::to_string(orientation));
-      const LoadedPicture loaded = DecodePicture(
+      const DecodedPicture loaded = DecodePicture(
           WithOrientation(JpegOf(Stored(upright, orientation), {across, down, 95}), orientation),
           "jpeg");
       const Frame420 before = loaded.picture->Frame();
@@ -118,11 +119,11 @@ TEST(TurnedPicture, PngsAndJpegsWithoutLumaComeOutUpright) {
   for (int orientation = 1; orientation <= 8; ++orientation) {
     SCOPED_TRACE(orientation);
     const cv::Mat stored = Stored(upright, orientation);
-    const LoadedPicture png = DecodePicture(WithOrientation(PngOf(stored), orientation), "png");
+    const DecodedPicture png = DecodePicture(WithOrientation(PngOf(stored), orientation), "png");
     EXPECT_EQ(png.orientation, orientation);
     ASSERT_TRUE(HaveOneSize(*png.picture, upright));
     EXPECT_EQ(cv::norm(tools::MatOf(png.picture->Bgr()), upright, cv::NORM_INF), 0);
-    const LoadedPicture jpeg =
+    const DecodedPicture jpeg =
         DecodePicture(WithOrientation(JpegOf(stored, rgb), orientation), "jpeg");
     ASSERT_TRUE(HaveOneSize(*jpeg.picture, upright));
     EXPECT_LT(MeanDifference(jpeg.picture->Bgr(), upright), 2);
@@ -201,7 +202,7 @@ Bytes PalettePng(uint32_t side) {
 
 TEST(PngOfAnyKind, ThePaletteAndItsTransparencyBecomePixels) {
   constexpr int kSide = 80;
-  const LoadedPicture loaded = DecodePicture(PalettePng(kSide), "test");
+  const DecodedPicture loaded = DecodePicture(PalettePng(kSide), "test");
   const cv::Mat after = Decode(loaded.picture->Encode(FileFormat::Png));
   ASSERT_EQ(after.type(), CV_8UC4);
   ASSERT_EQ(after.size(), cv::Size(kSide, kSide));
@@ -214,7 +215,7 @@ TEST(PngOfAnyKind, ThePaletteAndItsTransparencyBecomePixels) {
 TEST(PngOfAnyKind, SixteenBitsAreRoundedAlphaIncluded) {
   cv::Mat deep(40, 64, CV_16UC4);
   cv::RNG(3).fill(deep, cv::RNG::UNIFORM, 0, 65536);
-  const LoadedPicture loaded = DecodePicture(PngOf(deep), "test");
+  const DecodedPicture loaded = DecodePicture(PngOf(deep), "test");
   EXPECT_EQ(loaded.notes.size(), 1u);
   const cv::Mat after = Decode(loaded.picture->Encode(FileFormat::Png));
   ASSERT_EQ(after.type(), CV_8UC4);
@@ -264,7 +265,7 @@ TEST(ColourPicture, AChangeOfAnyPlaneAloneReachesThePixelsAndNoOthers) {
                                           std::tuple("Cb", &Frame420::cb, cv::Rect(10, 5, 4, 3)),
                                           std::tuple("Cr", &Frame420::cr, cv::Rect(10, 5, 4, 3))}) {
     SCOPED_TRACE(name);
-    const LoadedPicture loaded = DecodePicture(PngOf(original), "test");
+    const DecodedPicture loaded = DecodePicture(PngOf(original), "test");
     const Frame420 before = loaded.picture->Frame();
     loaded.picture->Merge(before, ChangedIn(before, plane, part));
     const cv::Mat after = tools::MatOf(loaded.picture->Bgr()).clone();

@@ -1,5 +1,6 @@
 // Pictures without the command around them: what a round trip keeps.
 #include "tools/lumora/picture/picture.h"
+#include "tools/lumora/picture/decode_picture.h"
 
 #include <gtest/gtest.h>
 
@@ -18,12 +19,12 @@ namespace lumora::test {
 namespace {
 
 using tools::ChromaTo420;
+using tools::DecodedPicture;
 using tools::DecodePicture;
 using tools::FileFormat;
 using tools::Frame420;
 using tools::Image;
 using tools::ImageOf;
-using tools::LoadedPicture;
 using tools::MatOf;
 using tools::MergeChroma;
 using tools::SampleArea;
@@ -184,7 +185,7 @@ TEST(Picture, MergingAnUnchangedFrameChangesNothing) {
   cv::cvtColor(portrait, rgba, cv::COLOR_BGR2BGRA);
   for (const Bytes& file : {PngOf(portrait), PngOf(gray), PngOf(rgba), JpegOf(portrait, {1, 1}),
                             JpegOf(portrait, {2, 2}), JpegOf(portrait, {1, 2, 90, true})}) {
-    LoadedPicture loaded = DecodePicture(file, "test");
+    DecodedPicture loaded = DecodePicture(file, "test");
     const Frame420 frame = loaded.picture->Frame();
     EXPECT_EQ(frame.y.size(), (tools::Size{204, 152}));
     EXPECT_EQ(frame.cb.size(), (tools::Size{102, 76}));

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "tools/lumora/images/image.h"
-#include "tools/lumora/picture/picture_metadata.h"
 #include "tools/lumora/picture/planes.h"
 #include "tools/lumora/support/files.h"
 
@@ -47,22 +46,6 @@ class Picture {
   /// JPEGs have quality 95.
   virtual Bytes Encode(FileFormat format) const = 0;
 };
-
-/// The picture of a file's content. `name` is used in messages. Throws Failure (Unreadable) unless
-/// it is a whole JPEG or PNG of at least kSmallestSide and at most kMostPixels.
-struct LoadedPicture {
-  std::unique_ptr<Picture> picture;
-  FileFormat format = FileFormat::Png;
-  int orientation = 1;  ///< EXIF's 1..8, as the file had it
-  PictureMetadata metadata;
-  Notes notes;
-};
-LoadedPicture DecodePicture(const Bytes& file, const std::string& name);
-
-/// The size that the header of a file states, of which `start` are the first bytes; 0 x 0 when they
-/// do not reach that far. Throws Failure (Unreadable) when DecodePicture would refuse the file for
-/// its kind or size.
-Size StatedSize(const Bytes& start, const std::string& name);
 
 /// The format that a file name's ending asks for. Throws Failure (Usage) for an unknown one.
 FileFormat FormatOfName(const std::string& path);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tools/lumora/picture/appetite.h"
+#include "tools/lumora/picture/decode_picture.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/support/files.h"
 
@@ -12,7 +13,7 @@ namespace lumora::tools {
 
 struct PictureFile {
   Bytes content;
-  LoadedPicture loaded;
+  DecodedPicture loaded;
 };
 
 /// Reads and decodes a picture. Throws Failure (Unreadable) as early as it can: a file that is not

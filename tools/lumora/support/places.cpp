@@ -7,7 +7,6 @@
 #include <tuple>
 
 #include "tools/lumora/support/failure.h"
-#include "tools/lumora/support/streams.h"
 
 namespace lumora::tools {
 namespace {

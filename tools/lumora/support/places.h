@@ -8,6 +8,9 @@
 
 namespace lumora::tools {
 
+/// In place of a path: standard input or output.
+inline constexpr char kStandardStream[] = "-";
+
 /// The place that a path means once symbolic links are followed, also those that lead to a file
 /// that does not exist yet.
 std::filesystem::path PlaceOf(const std::string& path);

@@ -8,9 +8,9 @@
 #include <optional>
 #include <string>
 
-namespace lumora::tools {
+#include "tools/lumora/support/places.h"
 
-inline constexpr char kStandardStream[] = "-";
+namespace lumora::tools {
 
 /// Both streams throw Failure, Unreadable on the way in and Failed on the way out, with a sentence
 /// that names the path.
