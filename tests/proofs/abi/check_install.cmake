@@ -50,3 +50,13 @@ foreach(header IN LISTS files)
     endif()
   endforeach()
 endforeach()
+
+if(TOOLS)
+  # The command, and the modules that it looks for beside the libraries.
+  install_component(Tools)
+  foreach(part bin/lumora lumora/face_finder\\.so lumora/drawing\\.so)
+    if(NOT files MATCHES "${part}(;|$)")
+      message(SEND_ERROR "component Tools lacks ${part}: ${files}")
+    endif()
+  endforeach()
+endif()
