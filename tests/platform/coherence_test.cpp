@@ -167,12 +167,16 @@ std::ostream& operator<<(std::ostream& out, const Circumstances& given) {
 void Prepare(Coherence& coherence, Memory& memory, const Circumstances& given) {
   if (given.watched) coherence.Watch();
   memory.changed = true;
-  if (given.trusted) ASSERT_TRUE(coherence.Overwrite(coherence.whole()));
+  if (given.trusted) {
+    ASSERT_TRUE(coherence.Overwrite(coherence.whole()));
+  }
   if (given.trusted && given.state == kSynced) {
     coherence.Drawn();
     ASSERT_TRUE(coherence.Read(coherence.whole()));
   }
-  if (given.state == kCpu) ASSERT_TRUE(coherence.Write(coherence.whole()));
+  if (given.state == kCpu) {
+    ASSERT_TRUE(coherence.Write(coherence.whole()));
+  }
   if (given.state == kGpu) coherence.Drawn();
   ASSERT_EQ(coherence.state(), given.state);
   memory.changed = given.changed;

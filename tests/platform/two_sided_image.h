@@ -33,13 +33,15 @@ struct TwoSidedImage final : platform::CoherentMemory {
   bool Overwrite() { return coherence.Overwrite(coherence.whole()); }
   bool Unlock() { return coherence.Released(coherence.whole()); }
 
+  static constexpr PixelRectangle kWhole{0, 0, 4, 2};
+
   int cpu = 0;
   int gpu = 0;
   int remembered = -1;
   int published = 0;
   int fetched = 0;
   bool reachable = true;  ///< false: the image's context is not current
-  platform::Coherence coherence{*this, {0, 0, 4, 2}};
+  platform::Coherence coherence{*this, kWhole};
   int truth = 0;  ///< content in an always-coherent memory
 };
 
