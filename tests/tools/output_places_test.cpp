@@ -156,6 +156,7 @@ TEST_F(Places, NamesMayBeAsLongAsTheFileSystemAllows) {
 }
 
 TEST_F(Places, ResultsAreWrittenWithoutProc) {
+  if (LUMORA_TEST_SANITIZERS != 0) GTEST_SKIP() << "sanitizers find the stack by /proc";
   if (!ProcCanBeHidden()) GTEST_SKIP() << "this process may not mount anything";
   Environment environment;
   environment.no_proc = true;
