@@ -29,7 +29,7 @@ class Picture {
 
   virtual Size size() const = 0;
 
-  /// The picture as the engine takes it.
+  /// The picture as the pipeline takes it.
   virtual Frame420 Frame() const = 0;
 
   /// Takes over those samples in which `after` differs from `before`, the frame from `Frame`. All

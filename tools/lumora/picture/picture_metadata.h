@@ -8,7 +8,7 @@
 
 namespace lumora::tools {
 
-/// Empty members are not there.
+/// Members that a file lacks are empty.
 struct PictureMetadata {
   Bytes exif;                         ///< a block in the form of a TIFF file
   Bytes xmp;                          ///< the packet

@@ -1,4 +1,5 @@
-// YUV planes: the 4:2:0 frame that the engine works on, and the way from other samplings and back.
+// YUV planes: the 4:2:0 frame that the pipeline works on, and the way from other samplings and
+// back.
 #ifndef LUMORA_TOOLS_PICTURE_PLANES_H_
 #define LUMORA_TOOLS_PICTURE_PLANES_H_
 

@@ -19,11 +19,11 @@ inline constexpr size_t kLargestText = size_t{16} << 20;  // and of a line of te
 /// "1 GiB", "16 MiB", or "1000 bytes".
 std::string Named(size_t bytes);
 
-/// The content of an input that has at most so many bytes. A file is not read when it is larger,
-/// and a stream no further than that. Throws Failure (Unreadable) naming it.
+/// The content of an input of at most `most` bytes. Throws Failure (Unreadable) for a larger one: a
+/// file is not read then, and a stream no further than that.
 Bytes ReadWhole(const std::string& path, size_t most);
 
-/// The same in two steps, for those who can tell from the beginning whether they want the rest.
+/// The same in two steps, for callers who decide by the first bytes whether they want the rest.
 class WholeInput {
  public:
   explicit WholeInput(const std::string& path);

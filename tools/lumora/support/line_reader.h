@@ -17,7 +17,7 @@ class LineReader {
   /// For messages: the path, or "standard input".
   const std::string& name() const { return input_.name(); }
 
-  /// The next line, without its end; nothing behind the last one. Throws Failure (Unreadable) for
+  /// The next line, without its end; nothing after the last one. Throws Failure (Unreadable) for
   /// a line of more than kLargestText bytes.
   std::optional<std::string> Next();
 

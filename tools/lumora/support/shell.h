@@ -7,10 +7,10 @@
 
 namespace lumora::tools {
 
-/// The words as a POSIX shell takes them for just these words.
+/// A line that a POSIX shell splits into exactly these words.
 std::string ShellLine(const std::vector<std::string>& words);
 
-/// A path that programs take neither for an option nor for an address: "./-a.mp4", "./a:b.mp4".
+/// The path in a form that no program takes for an option or an address: "./-a.mp4", "./a:b.mp4".
 /// "-" stays as it is.
 std::string PlainPath(const std::string& path);
 

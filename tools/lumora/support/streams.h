@@ -24,7 +24,7 @@ class InputStream {
   /// For messages: the path, or "standard input".
   const std::string& name() const { return name_; }
 
-  /// Fills `bytes` as far as the stream goes. Returns how many there were: fewer than `count` only
+  /// Reads up to `count` bytes. Returns how many it could read: fewer than `count` only
   /// at the end.
   size_t Read(uint8_t* bytes, size_t count);
 
