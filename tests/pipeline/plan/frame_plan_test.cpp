@@ -14,7 +14,7 @@
 namespace lumora::test {
 namespace {
 
-constexpr int kWidth = 640, kHeight = 480;
+constexpr int kPlanWidth = 640, kPlanHeight = 480;
 constexpr Look kBoth = {50, 60, 30};
 
 Face FaceAt(float x, float y) {
@@ -25,9 +25,9 @@ Face FaceAt(float x, float y) {
 class FramePlanTest : public ::testing::Test {
  protected:
   FramePlanTest() {
-    Samples samples = NoiseSamples(kWidth, kHeight);
+    Samples samples = NoiseSamples(kPlanWidth, kPlanHeight);
     for (size_t i = 0; i < samples.y.size(); ++i) {
-      samples.y[i] = i % kWidth < kWidth / 2 ? 100 : 180;
+      samples.y[i] = i % kPlanWidth < kPlanWidth / 2 ? 100 : 180;
     }
     std::fill(samples.cr.begin(), samples.cr.end(), uint8_t{150});
     std::fill(samples.cb.begin(), samples.cb.end(), uint8_t{110});
@@ -40,7 +40,7 @@ class FramePlanTest : public ::testing::Test {
     return plan;
   }
 
-  FrameMemory frame_{PixelFormat::I420, kWidth, kHeight};
+  FrameMemory frame_{PixelFormat::I420, kPlanWidth, kPlanHeight};
   // Dark, bright, dark, bright, and one that lies outside.
   const std::vector<Face> faces_ = {FaceAt(100, 150), FaceAt(400, 150), FaceAt(5000, 150),
                                     FaceAt(220, 330), FaceAt(520, 330)};
@@ -62,7 +62,7 @@ TEST_F(FramePlanTest, TakesTheFacesThatCanBeProcessedInTheirOrder) {
   for (size_t i = 0; i < 4; ++i) {
     const FacePlan& face = plan.faces[i];
     EXPECT_EQ(face.index, expected[i]);
-    const WarpCircle told = SlimmingCircle(faces_[expected[i]], kWidth, kHeight);
+    const WarpCircle told = SlimmingCircle(faces_[expected[i]], kPlanWidth, kPlanHeight);
     EXPECT_EQ(face.centre.x, told.centre.x);
     EXPECT_EQ(face.centre.y, told.centre.y);
     EXPECT_EQ(face.radius, static_cast<double>(told.radius));
