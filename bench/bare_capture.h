@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitening of one block of a capture in bare GL.
 #ifndef LUMORA_BENCH_BARE_CAPTURE_H_
 #define LUMORA_BENCH_BARE_CAPTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a good programmer would write against OpenGL ES directly: the anchor that the engine is
 // measured against. Same shader texts and same draws, and nothing around them.
 #ifndef LUMORA_BENCH_BARE_GL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/bare_preview.h"
 
 #include "lumora/convert/sp2yuvxs.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Slimming and whitening of preview frames in bare GL.
 #ifndef LUMORA_BENCH_BARE_PREVIEW_H_
 #define LUMORA_BENCH_BARE_PREVIEW_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitening of captures in block mode: what a block costs.
 #include <algorithm>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work that needs a process of its own: the program starts itself with --child=<name>.
 #ifndef LUMORA_BENCH_CHILDREN_H_
 #define LUMORA_BENCH_CHILDREN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames to texels on the CPU.
 #include <libyuv/convert_argb.h>
 #include <libyuv/planar_functions.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Between paired measurements and Google Benchmark: registration, counters, errors.
 #ifndef LUMORA_BENCH_COUNTERS_H_
 #define LUMORA_BENCH_COUNTERS_H_

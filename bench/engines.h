@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Engines on the measuring thread, beside bare contexts.
 #ifndef LUMORA_BENCH_ENGINES_H_
 #define LUMORA_BENCH_ENGINES_H_

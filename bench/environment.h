@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the measuring process runs in.
 #ifndef LUMORA_BENCH_ENVIRONMENT_H_
 #define LUMORA_BENCH_ENVIRONMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The families of benchmarks; each function registers one.
 #ifndef LUMORA_BENCH_FAMILIES_H_
 #define LUMORA_BENCH_FAMILIES_H_

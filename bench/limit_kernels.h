@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Kernels that move the bytes of an expansion and do nothing else: the limit that memory sets.
 #ifndef LUMORA_BENCH_LIMIT_KERNELS_H_
 #define LUMORA_BENCH_LIMIT_KERNELS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // bench_lumora: every figure is a ratio of two sides that are measured in turn in this process.
 // Takes the options of Google Benchmark; scripts/bench runs it and makes a table of it.
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Peak memory of a large capture, in a process of its own.
 #include <vector>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/opencv_slimming.h"
 
 #include <algorithm>

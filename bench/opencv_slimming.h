@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The slimming warp as a user of OpenCV would write it.
 #ifndef LUMORA_BENCH_OPENCV_SLIMMING_H_
 #define LUMORA_BENCH_OPENCV_SLIMMING_H_

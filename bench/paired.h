@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Paired measurement: the sides run in turn in one process, so that whatever else the machine does
 // falls on all of them, and ratios are taken round by round.
 #ifndef LUMORA_BENCH_PAIRED_H_

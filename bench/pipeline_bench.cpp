@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pipeline, frame in to frame out, over the engine alone.
 #include <algorithm>
 #include <cstring>

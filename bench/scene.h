@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is processed: frames and faces.
 #ifndef LUMORA_BENCH_SCENE_H_
 #define LUMORA_BENCH_SCENE_H_

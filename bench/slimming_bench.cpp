@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Slimming of preview frames: against bare GL, against full quads, against OpenCV, and its
 // read-back.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Times of single steps, each with a glFinish at its end. There is nothing to compare them with:
 // they tell what bounds a chain on the machine at hand.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From nothing to programs and to the first frame, each time in a process of its own.
 #include <cstdint>
 #include <filesystem>

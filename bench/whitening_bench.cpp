@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitening of preview frames: against bare GL and against full quads.
 #include <cstring>
 

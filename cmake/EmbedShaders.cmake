@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Turns shader files into C++ constants.
 #
 #   cmake -DOUTPUT=<file.cpp> -DHEADER=<file.h> -DEDITION=<file.h> -DVERSION=<library's version>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What both shared libraries share: which names they export, how their segments are aligned, and the
 # description of their types that the tests read.
 

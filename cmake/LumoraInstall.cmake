@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # CMake package and pkg-config files: find_package(Lumora) gives Lumora::Lumora and, where built,
 # Lumora::Pipeline; pkg-config knows lumora and lumora-pipeline.
 #

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Options, warnings and sanitizers that every target of the project shares.
 
 if(ANDROID)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Slims the faces of one NV21 frame in place.
 #include <cstdint>
 #include <cstdio>

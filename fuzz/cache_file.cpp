@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files of the program binary cache and what vouches for them. Most inputs change what this driver
 // and the library made themselves. Whatever is not theirs to the last byte stays away from the
 // driver: it is told as refused, and the program is compiled.

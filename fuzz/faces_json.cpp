@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces handed in as JSON, on to the engine's records.
 #include "tools/lumora/faces/faces_json.h"
 

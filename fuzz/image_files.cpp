@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // TGA and RGB565 files, and the images made in their place.
 #include <algorithm>
 #include <cstdio>

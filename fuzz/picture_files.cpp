@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Picture files before and around their decoders: PNG chunks, JPEG planes and blocks, metadata.
 #include <cstdint>
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces, looks and frame views of any kind into the pipeline.
 #include <cstring>
 #include <limits>

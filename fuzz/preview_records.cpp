@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face records and numbers of any kind into every call on preview frames.
 #include <algorithm>
 #include <memory>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Replays the seeds of a fuzz target: cmake -DPROGRAM=... -DSEEDS=... -DSCRATCH=... -P replay.cmake
 # The target gets an empty folder for its temporary files and has to leave it so.
 file(REMOVE_RECURSE "${SCRATCH}")

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes the seeds of the fuzz targets to fuzz/corpus/<target>/. They reach every branch that a target
 chooses by its input, and every finding that was fixed; how a target reads its bytes is told by its source."""
 

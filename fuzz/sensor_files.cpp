@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The files that name a camera's sensor and tell its lens coefficients.
 #include <algorithm>
 #include <iterator>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frame expansion of any geometry, each plane in memory of exactly the bytes that it may touch:
 // every vector unit, the plain form and the model must agree byte for byte.
 #include "lumora/convert/sp2yuvxs.h"

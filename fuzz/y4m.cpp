@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Y4M clips: header, frames, and what is written of them.
 #include "tools/lumora/video/y4m.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The export macros of libLumora: what carries neither is hidden, unless it is a member of an
 // exported class.
 #ifndef LUMORA_EXPORT_H_

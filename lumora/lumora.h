@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // libLumora: GPU face effects for camera frames. This header brings in everything that is exported.
 #ifndef LUMORA_LUMORA_H_
 #define LUMORA_LUMORA_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checks that come before any work on a request.
 #ifndef LUMORA_PIPELINE_REQUEST_CHECK_H_
 #define LUMORA_PIPELINE_REQUEST_CHECK_H_

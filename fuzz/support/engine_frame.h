@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A caller's frame as engine targets hand it over.
 #ifndef LUMORA_FUZZ_SUPPORT_ENGINE_FRAME_H_
 #define LUMORA_FUZZ_SUPPORT_ENGINE_FRAME_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files for readers that take a path.
 #ifndef LUMORA_FUZZ_SUPPORT_FILES_H_
 #define LUMORA_FUZZ_SUPPORT_FILES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bytes of a fuzz input, read as values. Past its end everything is zero, so any input will do.
 #ifndef LUMORA_FUZZ_SUPPORT_INPUT_H_
 #define LUMORA_FUZZ_SUPPORT_INPUT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face records out of fuzz inputs.
 #ifndef LUMORA_FUZZ_SUPPORT_RECORDS_H_
 #define LUMORA_FUZZ_SUPPORT_RECORDS_H_

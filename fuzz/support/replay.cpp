@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a fuzz target on files and on all files of folders, in the order of their names.
 #include <algorithm>
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a fuzz target demands of the code under test, apart from what sanitizers watch.
 #ifndef LUMORA_FUZZ_SUPPORT_REQUIRE_H_
 #define LUMORA_FUZZ_SUPPORT_REQUIRE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The platform log of fuzz targets. Every line is formatted, so that its arguments are read, and
 // dropped. LUMORA_FUZZ_LOG=1 prints them, for looking into a finding.
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Life and set-up of the colour converter; its passes are in gpu_color_converter_passes.cpp.
 #include "lumora/convert/gpu_color_converter.h"
 

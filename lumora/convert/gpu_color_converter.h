@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // YUV frames to RGB and HSI images on the GPU.
 #ifndef LUMORA_CONVERT_GPU_COLOR_CONVERTER_H_
 #define LUMORA_CONVERT_GPU_COLOR_CONVERTER_H_

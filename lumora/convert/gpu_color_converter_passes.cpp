@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two passes of the colour converter.
 #include "lumora/convert/gpu_color_converter.h"
 #include "lumora/gl/cache_clean.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The CPU side of the colour conversions. Paths are relative to lumora/.
 find_package(hwy REQUIRED)
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Expansion of semi-planar YUV 4:2:0 frames into four-byte texels, on the CPU.
 //
 // A camera frame is a plane of luma bytes and a plane of chroma pairs at half resolution in both

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The definition of the texel expansion in plain C++.
 #ifndef LUMORA_CONVERT_SP2YUVXS_SCALAR_H_
 #define LUMORA_CONVERT_SP2YUVXS_SCALAR_H_

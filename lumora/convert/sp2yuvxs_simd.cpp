@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/convert/sp2yuvxs_simd.h"
 
 #include "lumora/convert/sp2yuvxs_scalar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The texel expansion on the best vector unit of the processor at hand.
 #ifndef LUMORA_CONVERT_SP2YUVXS_SIMD_H_
 #define LUMORA_CONVERT_SP2YUVXS_SIMD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Blocks of a capture: copies between block and frame, and the loop that brings the processed
 // blocks back to the caller's planes.
 #include <algorithm>

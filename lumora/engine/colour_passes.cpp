@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Colour conversion and packing: the passes that every effect shares.
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/engine/internal/packed_targets.h"

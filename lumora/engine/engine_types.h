@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values that the beauty engine takes and keeps.
 #ifndef LUMORA_ENGINE_ENGINE_TYPES_H_
 #define LUMORA_ENGINE_ENGINE_TYPES_H_

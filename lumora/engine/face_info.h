@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The caller's record of one detected face: FACE_INFO_t and fpf_point.
 #ifndef LUMORA_ENGINE_FACE_INFO_H_
 #define LUMORA_ENGINE_FACE_INFO_H_

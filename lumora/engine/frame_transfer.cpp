@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames between the caller's memory and the engine's images.
 #include <cstddef>
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The beauty engine: face effects on camera frames, on the GPU.
 #ifndef LUMORA_ENGINE_GPU_BEAUTY_FACE_H_
 #define LUMORA_ENGINE_GPU_BEAUTY_FACE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Construction and destruction of the engine, set-up and release of its two paths.
 #include <cstdlib>
 #include <initializer_list>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lens and perspective rectification of preview frames.
 #include <algorithm>
 

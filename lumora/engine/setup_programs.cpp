@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's shader programs, made and loaded in a fixed order up to the first that fails.
 #include <new>
 

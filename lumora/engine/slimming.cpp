@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face slimming of preview frames.
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/engine/internal/limited_pass.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face slimming of captures, block by block.
 #include <algorithm>
 #include <optional>

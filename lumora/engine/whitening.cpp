@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face whitening: measuring a face, and the whole-frame passes.
 #include <algorithm>
 #include <cstdint>

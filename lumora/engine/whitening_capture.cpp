@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face whitening of captures, block by block.
 #include <algorithm>
 

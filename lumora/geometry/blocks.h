@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The blocks that a capture processes for one face.
 #ifndef LUMORA_GEOMETRY_BLOCKS_H_
 #define LUMORA_GEOMETRY_BLOCKS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which pixels of an image a pass can change, from the uniforms that it draws with: plain geometry,
 // no GL. Elsewhere such a pass writes every pixel just as it reads it, so that it need not be drawn
 // there. Where that cannot be told for certain the answer is the whole image.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The caller's record of one detected face.
 #ifndef LUMORA_GEOMETRY_FACE_RECORD_H_
 #define LUMORA_GEOMETRY_FACE_RECORD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes that follow from a frame's size.
 #ifndef LUMORA_GEOMETRY_FRAME_SIZES_H_
 #define LUMORA_GEOMETRY_FRAME_SIZES_H_

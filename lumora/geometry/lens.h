@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The radial lens polynomial k0 + k1 s + k2 s^2 + k3 s^3, s the squared distance from the centre of
 // a unit square whose corners lie at distance 1.
 #ifndef LUMORA_GEOMETRY_LENS_H_

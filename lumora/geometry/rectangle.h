@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rectangles of whole pixels.
 #ifndef LUMORA_GEOMETRY_RECTANGLE_H_
 #define LUMORA_GEOMETRY_RECTANGLE_H_

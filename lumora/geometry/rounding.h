@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rounding up to whole steps, and numbers as an int.
 #ifndef LUMORA_GEOMETRY_ROUNDING_H_
 #define LUMORA_GEOMETRY_ROUNDING_H_

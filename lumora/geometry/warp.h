@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The slimming warp: from face measures to what the shaders draw with. Plain arithmetic, no GL.
 #ifndef LUMORA_GEOMETRY_WARP_H_
 #define LUMORA_GEOMETRY_WARP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From a face record and the frame's colours to the whitening effect: plain arithmetic, no GL.
 #ifndef LUMORA_GEOMETRY_WHITENING_H_
 #define LUMORA_GEOMETRY_WHITENING_H_

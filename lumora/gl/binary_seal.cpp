@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/gl/binary_seal.h"
 
 #include <cinttypes>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What vouches for a program binary on disk.
 //
 // A driver takes its binaries on trust: damaged ones have aborted processes, and one that was made

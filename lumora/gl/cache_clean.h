@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The allocator's cache clean, as the engines offer it.
 #ifndef LUMORA_GL_CACHE_CLEAN_H_
 #define LUMORA_GL_CACHE_CLEAN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The files of the program binary cache, as bytes on disk.
 //
 // Beside each file lies its seal, a few words under the same name with kSealSuffix, which say what

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The directory of a cache file, held open so that nobody can put another in its place.
 #ifndef LUMORA_GL_CACHE_FOLDER_H_
 #define LUMORA_GL_CACHE_FOLDER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The YUV-to-RGB matrix.
 #ifndef LUMORA_GL_COLOUR_MATRIX_H_
 #define LUMORA_GL_COLOUR_MATRIX_H_

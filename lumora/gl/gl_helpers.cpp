@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exported helpers. Nothing in the library calls them: an application may well have functions
 // of its own with such names, and then these give way to them.
 #include "lumora/gl/gl_helpers.h"

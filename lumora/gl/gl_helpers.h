@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Free functions that every part of the library uses to talk to OpenGL ES 2.0 and to the log.
 //
 // Context: every function but LogLine, LocIsValid and GenTexture needs the library's context

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Base of all shader programs: locations, input textures, draws, and the program binary cache.
 #ifndef LUMORA_GL_GL_PROGRAM_H_
 #define LUMORA_GL_GL_PROGRAM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program binary cache of GLProgram: a file is the 32-bit binary format in the machine's byte
 // order, then the driver's bytes. The driver gets to see no bytes but those that it gave itself:
 // the file's seal tells.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What every part of the library does with OpenGL ES 2.0 and the log: the bodies of the exported
 // helpers (gl_helpers.h says what each does), under names that no application has. The library
 // calls these, so that an application's own loadShader or checkGlError stays out of it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/gl/image_files.h"
 
 #include <cstddef>

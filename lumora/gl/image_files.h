@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image files and test patterns for exercising the GPU paths without a camera.
 //
 // RGB565 pixels are unsigned 16-bit: red in bits 15 .. 11, green in 10 .. 5, blue in 4 .. 0.

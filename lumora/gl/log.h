@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Logging for the library's own sources.
 //
 // A source file declares its tag once, at the top, and every log site is a priority and the exact

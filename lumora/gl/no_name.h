@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The name of no GL object.
 #ifndef LUMORA_GL_NO_NAME_H_
 #define LUMORA_GL_NO_NAME_H_

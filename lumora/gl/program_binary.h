@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs to and from the files of the binary cache. GLProgram's own SaveBinary and LoadBinary are
 // these without the texts.
 #ifndef LUMORA_GL_PROGRAM_BINARY_H_

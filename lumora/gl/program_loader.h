@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a shader program describes itself, and the one Load body that all of them share.
 #ifndef LUMORA_GL_PROGRAM_LOADER_H_
 #define LUMORA_GL_PROGRAM_LOADER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/gl/quad.h"
 
 #include "lumora/platform/gl_api.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The full-screen quad that every draw of the library is.
 #ifndef LUMORA_GL_QUAD_H_
 #define LUMORA_GL_QUAD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An RGBA image that the CPU and the GPU share.
 #ifndef LUMORA_GL_SEGL_IMAGE_H_
 #define LUMORA_GL_SEGL_IMAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/gl/step_timer.h"
 
 #include "lumora/gl/step_times.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Times a step into the timing globals.
 #ifndef LUMORA_GL_STEP_TIMER_H_
 #define LUMORA_GL_STEP_TIMER_H_

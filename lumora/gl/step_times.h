@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the last measured step took.
 #ifndef LUMORA_GL_STEP_TIMES_H_
 #define LUMORA_GL_STEP_TIMES_H_

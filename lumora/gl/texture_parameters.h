@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Wrap and filter of the texture that is bound to GL_TEXTURE_2D.
 #ifndef LUMORA_GL_TEXTURE_PARAMETERS_H_
 #define LUMORA_GL_TEXTURE_PARAMETERS_H_

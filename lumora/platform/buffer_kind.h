@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kinds of memory that CPU and GPU can share.
 #ifndef LUMORA_PLATFORM_BUFFER_KIND_H_
 #define LUMORA_PLATFORM_BUFFER_KIND_H_

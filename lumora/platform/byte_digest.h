@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A short fingerprint of bytes and texts, strong enough to notice any damage.
 #ifndef LUMORA_PLATFORM_BYTE_DIGEST_H_
 #define LUMORA_PLATFORM_BYTE_DIGEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers in files mean the same whatever language the host program speaks.
 #ifndef LUMORA_PLATFORM_C_LOCALE_H_
 #define LUMORA_PLATFORM_C_LOCALE_H_

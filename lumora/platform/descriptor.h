@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Open files and directories that close themselves, and who may have written them.
 #ifndef LUMORA_PLATFORM_DESCRIPTOR_H_
 #define LUMORA_PLATFORM_DESCRIPTOR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // EGL display and configuration, in EGL's own shape, with the fall-backs a platform needs.
 //
 // The engines call these four functions where they would call EGL, so their steps read the same

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/platform/driver_digest.h"
 
 #include "lumora/platform/edition.h"

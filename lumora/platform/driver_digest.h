@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a program binary belongs to.
 #ifndef LUMORA_PLATFORM_DRIVER_DIGEST_H_
 #define LUMORA_PLATFORM_DRIVER_DIGEST_H_

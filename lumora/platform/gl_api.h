@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one place that brings in EGL and OpenGL ES: the linked entry points by their headers, those
 // of extensions by eglGetProcAddress, looked up once. An entry point that the driver lacks is null,
 // but a present one proves nothing: dispatch libraries hand out stubs, so ask the extension string

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The memory allocator's controller: finds the allocator of a set of flags and cleans caches by it.
 #ifndef LUMORA_PLATFORM_GRALLOC_H_
 #define LUMORA_PLATFORM_GRALLOC_H_

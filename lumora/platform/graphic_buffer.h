@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image memory that is at once CPU-addressable and a GL texture.
 #ifndef LUMORA_PLATFORM_GRAPHIC_BUFFER_H_
 #define LUMORA_PLATFORM_GRAPHIC_BUFFER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects that outlive all others.
 #ifndef LUMORA_PLATFORM_IMMORTAL_H_
 #define LUMORA_PLATFORM_IMMORTAL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The platform log and its level masks.
 #ifndef LUMORA_PLATFORM_LOG_H_
 #define LUMORA_PLATFORM_LOG_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/platform/offscreen_context.h"
 
 #include "lumora/platform/display.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Off-screen contexts of the library's own: a 1 x 1 pbuffer, OpenGL ES 2. Nobody else makes any.
 #ifndef LUMORA_PLATFORM_OFFSCREEN_CONTEXT_H_
 #define LUMORA_PLATFORM_OFFSCREEN_CONTEXT_H_

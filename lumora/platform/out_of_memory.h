@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that is short, inside the platform layer.
 //
 // The core is built without exceptions, and what operator new throws would pass its functions by

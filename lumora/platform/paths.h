@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Places that differ between the platform bodies. For settings.cpp, which knows what was chosen:
 // all of these may throw std::bad_alloc.
 #ifndef LUMORA_PLATFORM_PATHS_H_

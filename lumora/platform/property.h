@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Properties of the running system.
 #ifndef LUMORA_PLATFORM_PROPERTY_H_
 #define LUMORA_PLATFORM_PROPERTY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counted references for objects that several owners hold, such as graphic buffers.
 //
 // These are the library's own stand-ins for the platform classes of similar names. They live in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files that others name: whatever lies there, opening and reading it ends at once.
 #ifndef LUMORA_PLATFORM_REGULAR_FILE_H_
 #define LUMORA_PLATFORM_REGULAR_FILE_H_

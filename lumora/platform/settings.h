@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Settings of the library: the program cache directory, the system root, and with them the
 // properties of the running system. Everything is read when needed, never at load.
 #ifndef LUMORA_PLATFORM_SETTINGS_H_

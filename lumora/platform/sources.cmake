@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Sources and libraries of the platform seam, for the body that LUMORA_PLATFORM names.
 #   lumora_platform_sources    paths relative to the folder of the library's CMakeLists.txt
 #   lumora_platform_libraries  what the body links to

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/programs/cheek_slimmer_programs.h"
 
 #include "lumora/gl/gl_steps.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The face slimming warp. See programs.h for the family.
 #ifndef LUMORA_PROGRAMS_CHEEK_SLIMMER_PROGRAMS_H_
 #define LUMORA_PROGRAMS_CHEEK_SLIMMER_PROGRAMS_H_

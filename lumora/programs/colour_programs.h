@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Colour conversion and packing of whole frames. See programs.h for the family.
 #ifndef LUMORA_PROGRAMS_COLOUR_PROGRAMS_H_
 #define LUMORA_PROGRAMS_COLOUR_PROGRAMS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face whitening on HSI images. See programs.h for the family.
 #ifndef LUMORA_PROGRAMS_FACE_WHITENING_PROGRAMS_H_
 #define LUMORA_PROGRAMS_FACE_WHITENING_PROGRAMS_H_

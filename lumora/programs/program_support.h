@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the program classes share among themselves.
 #ifndef LUMORA_PROGRAMS_PROGRAM_SUPPORT_H_
 #define LUMORA_PROGRAMS_PROGRAM_SUPPORT_H_

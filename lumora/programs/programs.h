@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The family of shader programs.
 // clang-format off
 //

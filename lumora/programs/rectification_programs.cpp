@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/programs/rectification_programs.h"
 
 #include "lumora/gl/gl_steps.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lens and perspective rectification of whole frames. See programs.h for the family.
 #ifndef LUMORA_PROGRAMS_RECTIFICATION_PROGRAMS_H_
 #define LUMORA_PROGRAMS_RECTIFICATION_PROGRAMS_H_

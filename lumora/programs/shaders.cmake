@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The shader texts: constant name and file; "outline" builds the variant that paints diagnostic marks.
 set(lumora_shaders
   kPassThroughVert:pass_through.vert

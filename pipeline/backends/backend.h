@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands behind the pipeline and its converter: a plan goes in, planes change. Nothing above
 // knows which body works.
 #ifndef LUMORA_PIPELINE_BACKENDS_BACKEND_H_

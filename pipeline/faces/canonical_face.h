@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The face that stands in for one of which only the eyes are known.
 #ifndef LUMORA_PIPELINE_FACES_CANONICAL_FACE_H_
 #define LUMORA_PIPELINE_FACES_CANONICAL_FACE_H_

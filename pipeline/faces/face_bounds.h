@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How large the numbers of faces may be.
 #ifndef LUMORA_PIPELINE_FACES_FACE_BOUNDS_H_
 #define LUMORA_PIPELINE_FACES_FACE_BOUNDS_H_

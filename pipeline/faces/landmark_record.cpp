@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pipeline/faces/landmark_record.h"
 
 #include <cmath>

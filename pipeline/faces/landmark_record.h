@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The landmarks of a face in the record that the engine reads.
 #ifndef LUMORA_PIPELINE_FACES_LANDMARK_RECORD_H_
 #define LUMORA_PIPELINE_FACES_LANDMARK_RECORD_H_

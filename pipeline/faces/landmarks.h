@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small operations on points and on all landmarks of a face at once.
 #ifndef LUMORA_PIPELINE_FACES_LANDMARKS_H_
 #define LUMORA_PIPELINE_FACES_LANDMARKS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checks of frames and images that come before any work.
 #ifndef LUMORA_PIPELINE_FRAMES_FRAME_CHECK_H_
 #define LUMORA_PIPELINE_FRAMES_FRAME_CHECK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Moving samples between the caller's planes and the engine's frame.
 #ifndef LUMORA_PIPELINE_FRAMES_FRAME_COPY_H_
 #define LUMORA_PIPELINE_FRAMES_FRAME_COPY_H_

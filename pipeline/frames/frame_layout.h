@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What sizes and formats say about frames and their planes.
 #ifndef LUMORA_PIPELINE_FRAMES_FRAME_LAYOUT_H_
 #define LUMORA_PIPELINE_FRAMES_FRAME_LAYOUT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Single samples of frames of any format.
 #ifndef LUMORA_PIPELINE_FRAMES_FRAME_SAMPLE_H_
 #define LUMORA_PIPELINE_FRAMES_FRAME_SAMPLE_H_

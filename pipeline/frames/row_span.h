@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pixels of a row that belong to a shape.
 #ifndef LUMORA_PIPELINE_FRAMES_ROW_SPAN_H_
 #define LUMORA_PIPELINE_FRAMES_ROW_SPAN_H_

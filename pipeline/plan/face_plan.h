@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What slimming does to one face, and what it is known by.
 #ifndef LUMORA_PIPELINE_PLAN_FACE_PLAN_H_
 #define LUMORA_PIPELINE_PLAN_FACE_PLAN_H_

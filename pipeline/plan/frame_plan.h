@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a look does to the faces of a frame: computed once, carried to whoever draws it.
 #ifndef LUMORA_PIPELINE_PLAN_FRAME_PLAN_H_
 #define LUMORA_PIPELINE_PLAN_FRAME_PLAN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How much of the engine's whitening each pixel of a face takes.
 #ifndef LUMORA_PIPELINE_PLAN_SKIN_MASK_H_
 #define LUMORA_PIPELINE_PLAN_SKIN_MASK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pipeline/plan/warp_geometry.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The slimming warp of a face: where it lies and how strong it is, for both of the engine's chains.
 #ifndef LUMORA_PIPELINE_PLAN_WARP_GEOMETRY_H_
 #define LUMORA_PIPELINE_PLAN_WARP_GEOMETRY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pipeline/faces/face_bounds.h"
 #include "pipeline/faces/landmark_record.h"
 #include "pipeline/plan/whitening_geometry.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where whitening acts on a face: the engine's arithmetic on face records, for use outside of it.
 #ifndef LUMORA_PIPELINE_PLAN_WHITENING_GEOMETRY_H_
 #define LUMORA_PIPELINE_PLAN_WHITENING_GEOMETRY_H_

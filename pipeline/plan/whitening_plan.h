@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What whitening is to do with each face of a frame.
 #ifndef LUMORA_PIPELINE_PLAN_WHITENING_PLAN_H_
 #define LUMORA_PIPELINE_PLAN_WHITENING_PLAN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Angles in degrees and radians.
 #ifndef LUMORA_PIPELINE_SUPPORT_ANGLES_H_
 #define LUMORA_PIPELINE_SUPPORT_ANGLES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Making a Status that says what went wrong.
 #ifndef LUMORA_PIPELINE_SUPPORT_FAILURE_H_
 #define LUMORA_PIPELINE_SUPPORT_FAILURE_H_

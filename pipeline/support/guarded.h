@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keeping exceptions inside the library.
 #ifndef LUMORA_PIPELINE_SUPPORT_GUARDED_H_
 #define LUMORA_PIPELINE_SUPPORT_GUARDED_H_

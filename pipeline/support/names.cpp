@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/pipeline/chain.h"
 #include "lumora/pipeline/device.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How large the numbers of callers may be, so that all that is computed from them stays a number.
 #ifndef LUMORA_PIPELINE_SUPPORT_NUMBER_BOUNDS_H_
 #define LUMORA_PIPELINE_SUPPORT_NUMBER_BOUNDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reports of calls, in memory that serves again and again.
 #ifndef LUMORA_PIPELINE_SUPPORT_REPORTED_H_
 #define LUMORA_PIPELINE_SUPPORT_REPORTED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A thread that does what it is told, one thing after another.
 #ifndef LUMORA_PIPELINE_SUPPORT_SERIAL_THREAD_H_
 #define LUMORA_PIPELINE_SUPPORT_SERIAL_THREAD_H_

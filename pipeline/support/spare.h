@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Things that every call needs for a while, without asking for their memory each time.
 #ifndef LUMORA_PIPELINE_SUPPORT_SPARE_H_
 #define LUMORA_PIPELINE_SUPPORT_SPARE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Measuring time.
 #ifndef LUMORA_PIPELINE_SUPPORT_STOPWATCH_H_
 #define LUMORA_PIPELINE_SUPPORT_STOPWATCH_H_

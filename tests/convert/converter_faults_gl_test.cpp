@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The colour converter with a driver that fails.
 #include <gtest/gtest.h>
 

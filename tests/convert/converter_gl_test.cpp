@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The colour converter: its life, its log, and its two images.
 #include "lumora/convert/gpu_color_converter.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/convert/sp2yuvxs.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copies between blocks and whole frames.
 #include <gtest/gtest.h>
 

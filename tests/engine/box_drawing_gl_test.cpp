@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Passes that draw only what they can change against the same passes drawn whole: nothing that a
 // caller can look at afterwards may tell the two apart.
 #include <gtest/gtest.h>

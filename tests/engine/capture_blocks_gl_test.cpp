@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The block loop of captures: faces of an HSI picture brought back to the caller's planes.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A capture in block mode, and what a caller holds of it.
 #ifndef LUMORA_TESTS_EFFECTS_CAPTURE_SCENE_H_
 #define LUMORA_TESTS_EFFECTS_CAPTURE_SCENE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The colour-convert mode of previews: YUV to RGB, RGB to HSI, HSI to YUV.
 #include <gtest/gtest.h>
 

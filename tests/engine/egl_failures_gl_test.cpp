@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Engines whose context cannot be made.
 #include <gtest/gtest.h>
 

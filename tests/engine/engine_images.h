@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Looking into an engine's images, and filling them.
 #ifndef LUMORA_TESTS_ENGINE_ENGINE_IMAGES_H_
 #define LUMORA_TESTS_ENGINE_ENGINE_IMAGES_H_

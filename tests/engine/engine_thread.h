@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A thread with an engine of its own.
 #ifndef LUMORA_TESTS_ENGINE_ENGINE_THREAD_H_
 #define LUMORA_TESTS_ENGINE_ENGINE_THREAD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two engines in one process.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face records in which any number may stand anywhere, given to every operation that takes one.
 // Nothing may fault, and nothing outside the caller's frame may be touched; sanitizer builds watch
 // the rest.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sensor and parameter files of a lens, in every shape that they may have.
 #include "lumora/engine/internal/lens_files.h"
 

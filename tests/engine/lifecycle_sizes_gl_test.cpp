@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes, textures and packer offsets of each set-up.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An engine's members before, between and after set-ups.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an engine prints through its life, in exactly this order.
 #include <gtest/gtest.h>
 

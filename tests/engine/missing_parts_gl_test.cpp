@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Engines that lack a program or an image: before a set-up, or because making it failed. Operations
 // that need the part do nothing, say so and return 0.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames that go through the engine without an effect.
 #include <gtest/gtest.h>
 

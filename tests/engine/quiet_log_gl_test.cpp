@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An engine whose tags have DEBUG switched off. One executable: each file asks for its levels once.
 #include <gtest/gtest.h>
 

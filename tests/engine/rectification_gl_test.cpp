@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rectified preview frames, whole, against the model.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Destinations that the caller does not name. One executable: the first frame of the process sets
 // the size of all replacement planes.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an engine is set up for, as told from its members.
 #include "lumora/engine/internal/set_up.h"
 

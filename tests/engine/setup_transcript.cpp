@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "engine/setup_transcript.h"
 
 #include <GLES2/gl2ext.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the set-up of an engine prints, line by line.
 #ifndef LUMORA_TESTS_ENGINE_SETUP_TRANSCRIPT_H_
 #define LUMORA_TESTS_ENGINE_SETUP_TRANSCRIPT_H_

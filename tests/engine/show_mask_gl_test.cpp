@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The property that selects the shader variants with diagnostic marks.
 #include <gtest/gtest.h>
 

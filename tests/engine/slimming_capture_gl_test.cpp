@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Slimmed captures: from the capture's planes, and from the HSI store that whitening leaves.
 #include <gtest/gtest.h>
 

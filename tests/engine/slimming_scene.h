@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One engine and its model, slimming the same frames.
 #ifndef LUMORA_TESTS_ENGINE_SLIMMING_SCENE_H_
 #define LUMORA_TESTS_ENGINE_SLIMMING_SCENE_H_

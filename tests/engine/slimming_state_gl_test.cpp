@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What slimming keeps from face to face, what it prints, and what it refuses.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitened captures: the store of the whole frame, and the blocks that come back to the caller.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitened preview frames: the colour-convert chain, pass by pass and end to end.
 //
 // Each pass is checked against the model's answer to the picture that the pass before it really

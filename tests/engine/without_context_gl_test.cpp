@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an engine answers while its context is not current: the GPU's newer pixels cannot be had.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which blocks a capture processes, against counting in whole numbers.
 #include "lumora/geometry/blocks.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The areas against every pixel of small images: none that a pass can change lies outside, and they
 // are not larger than they have to be.
 #include "lumora/geometry/changed_area.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The face record: what lies at which byte.
 #include "lumora/geometry/face_record.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes that follow from a frame's size.
 #include "lumora/geometry/frame_sizes.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lens polynomial that moves quad corners inward.
 #include "lumora/geometry/lens.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rectangles of whole pixels.
 #include "lumora/geometry/rectangle.h"
 

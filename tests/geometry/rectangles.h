@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rectangles in expectations.
 #ifndef LUMORA_TESTS_GEOMETRY_RECTANGLES_H_
 #define LUMORA_TESTS_GEOMETRY_RECTANGLES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rounding up, and numbers as an int.
 #include "lumora/geometry/rounding.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From face measures to the slimming warp.
 #include "lumora/geometry/warp.h"
 

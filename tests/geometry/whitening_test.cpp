@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From landmarks and colours to ellipses and shifts.
 #include "lumora/geometry/whitening.h"
 

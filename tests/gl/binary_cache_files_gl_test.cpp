@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cache files that are not what they should be: each is told, compiled around and replaced, and the
 // driver never sees one.
 #include <fcntl.h>

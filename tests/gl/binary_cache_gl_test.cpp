@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program binary cache in good order: what it writes and reads, where, and when not at all.
 #include <gmock/gmock.h>
 #include <sys/resource.h>

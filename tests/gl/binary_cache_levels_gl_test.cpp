@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The default cache directory: a level for each library and driver, and what becomes of old ones.
 #include <gmock/gmock.h>
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library shows the driver: only what the driver gave it, whole, for the same shader
 // texts, from a place where nobody else writes.
 #include <fcntl.h>

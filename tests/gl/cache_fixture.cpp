@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "gl/cache_fixture.h"
 
 #include <EGL/egl.h>

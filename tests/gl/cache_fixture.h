@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A cache directory of the test's own, and the log lines that its uses make.
 #ifndef LUMORA_TESTS_GL_CACHE_FIXTURE_H_
 #define LUMORA_TESTS_GL_CACHE_FIXTURE_H_

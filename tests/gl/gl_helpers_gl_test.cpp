@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The free GL functions: what they answer, what they tell the log, and what they leave in GL.
 #include "lumora/gl/gl_helpers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The base of all shader programs, without its cache.
 #include "lumora/gl/gl_program.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one header that brings in everything: each exported function is declared and can be linked.
 // That every public header compiles alone is proved by building this executable.
 #include <gtest/gtest.h>

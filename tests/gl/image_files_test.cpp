@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image files and test patterns.
 #include "lumora/gl/image_files.h"
 

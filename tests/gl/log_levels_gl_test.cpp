@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Level masks: asked for late, once a file, and heeded at every log site.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The writable texture coordinates that all passes of a thread share.
 #include <gtest/gtest.h>
 

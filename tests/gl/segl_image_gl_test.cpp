@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Images that CPU and GPU share.
 #include "lumora/gl/segl_image.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames to RGB and HSI images.
 #include "lumora/pipeline/converter.h"
 

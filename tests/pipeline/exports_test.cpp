@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shared library on its own: everything that the headers declare can be linked.
 #include <gtest/gtest.h>
 

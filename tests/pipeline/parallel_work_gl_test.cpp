@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work of every kind at the same time, each on a thread with a pipeline of its own.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A pipeline for tests to use, with frames and faces that suit it.
 #ifndef LUMORA_TESTS_PIPELINE_PIPELINE_FIXTURE_H_
 #define LUMORA_TESTS_PIPELINE_PIPELINE_FIXTURE_H_

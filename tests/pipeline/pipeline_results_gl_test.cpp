@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the pipeline makes of frames, on whatever display there is.
 #include <gtest/gtest.h>
 

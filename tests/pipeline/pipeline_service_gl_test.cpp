@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the pipeline serves: failures, reports, threads, several pipelines.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

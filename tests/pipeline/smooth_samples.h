@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames that bilinear sampling and rounding change by little.
 #ifndef LUMORA_TESTS_PIPELINE_SMOOTH_SAMPLES_H_
 #define LUMORA_TESTS_PIPELINE_SMOOTH_SAMPLES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A frame like the one before it needs no memory that the one before did not have, neither on the
 // caller's thread nor on the pipeline's.
 #include <gtest/gtest.h>

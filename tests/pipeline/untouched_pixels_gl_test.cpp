@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What lies outside of the circles and ellipses that are told keeps every sample, whatever the
 // faces.
 #include <gtest/gtest.h>

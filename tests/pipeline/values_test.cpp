@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The small values of the public headers: faces in spans, lenses of two kinds, names.
 #include <gtest/gtest.h>
 

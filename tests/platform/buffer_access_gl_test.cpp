@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The CPU's scoped uses of a buffer's pixels.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pixels that go straight between a buffer and memory of the caller's, and frames that replace what
 // the GPU has drawn.
 #include <gtest/gtest.h>

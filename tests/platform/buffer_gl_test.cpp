@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes on their way between CPU and GPU, for every kind of buffer.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which side of a buffer is newer, with real draws; and what transfers leave alone.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The digest that vouches for cache files, against the published values.
 #include "lumora/platform/byte_digest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an ordinary OpenGL ES application has: functions and classes of its own whose names, by
 // chance, are those of the library's. None of them does what the library's does.
 #include "platform/clashing_names.h"

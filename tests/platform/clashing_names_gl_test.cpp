@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library in an application that has functions of the same names: each keeps to its own.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The coherence rule in any order of operations, against a memory that is always coherent.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The coherence rule in the engine's orders of calls, against a memory that is always coherent:
 // whoever writes, everybody sees it.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The coherence rule, event by event: what is asked of the memory, what comes of its failures.
 #include "lumora/platform/buffer/coherence.h"
 

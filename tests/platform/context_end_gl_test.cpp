@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The end of an engine's context: drivers unmap shared memory with it, also under draws that run.
 #include <GLES2/gl2.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptors, the entries of directories that are held open, and regular files.
 #include "lumora/platform/descriptor.h"
 

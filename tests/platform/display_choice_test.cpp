@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which display is chosen on machines that offer several, and how the others are left: with an EGL
 // of the test's own.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Displays that several engines and the application share.
 #include "lumora/platform/display.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "faulty_driver.h"
 
 #include <EGL/egl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A GL driver that does one thing wrong. The functions of GL that it concerns are defined by the
 // test program, and pass their calls on.
 #ifndef LUMORA_TESTS_PLATFORM_FAULTY_DRIVER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fresh memory reads as zeros, whatever its file tells, and stays untouched where it is zero.
 #include "lumora/platform/linux/fresh_memory.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A host program's own log and mask functions take the place of the shared library's.
 #include <gtest/gtest.h>
 

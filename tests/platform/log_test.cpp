@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's lines and the host program's, which share the platform's log.
 #include <gtest/gtest.h>
 

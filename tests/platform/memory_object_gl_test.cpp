@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that the driver imports: waiting for it, frames that prove it, and drivers that refuse it.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Layout and fingerprints of image memory, and buffers where there is no GL context at all.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

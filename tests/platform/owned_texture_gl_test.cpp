@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Textures that end with their owner, and only those.
 #include "lumora/platform/linux/owned_texture.h"
 

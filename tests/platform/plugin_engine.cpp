@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plug-in of some application: it slims a frame with an engine of its own.
 #include <cstdint>
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Plug-ins that come and go, and the library with them.
 #include <dlfcn.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plug-in of some application: it asks a pipeline of its own what it works with.
 #include "lumora/pipeline/pipeline.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Properties, level masks and paths as the environment sets them.
 #include "lumora/platform/settings.h"
 

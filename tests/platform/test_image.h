@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A graphic buffer with its EGL image, texture and framebuffer, as the library's images have them.
 #ifndef LUMORA_TESTS_PLATFORM_TEST_IMAGE_H_
 #define LUMORA_TESTS_PLATFORM_TEST_IMAGE_H_

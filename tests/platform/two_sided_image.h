@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An image whose two sides are numbers, to see who reads an old picture.
 #ifndef LUMORA_TESTS_PLATFORM_TWO_SIDED_IMAGE_H_
 #define LUMORA_TESTS_PLATFORM_TWO_SIDED_IMAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The colour programs, pixel by pixel.
 //
 // Arithmetic in these shaders is mediump, on some drivers half floats (11 bits): an 8-bit result

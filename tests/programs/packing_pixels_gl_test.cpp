@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The packing programs: copies of bytes, so every one has to be exact.
 #include <algorithm>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What all tests of drawn pixels share: a context, and programs that leave no cache behind.
 #ifndef LUMORA_TESTS_PROGRAMS_PIXEL_TEST_H_
 #define LUMORA_TESTS_PROGRAMS_PIXEL_TEST_H_

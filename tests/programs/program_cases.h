@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every program class with each of its variants, as a table: how to make it and what Load does.
 #ifndef LUMORA_TESTS_PROGRAMS_PROGRAM_CASES_H_
 #define LUMORA_TESTS_PROGRAMS_PROGRAM_CASES_H_

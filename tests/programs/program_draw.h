@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Drawing with the library's programs, and the pictures to draw from.
 #ifndef LUMORA_TESTS_PROGRAMS_PROGRAM_DRAW_H_
 #define LUMORA_TESTS_PROGRAMS_PROGRAM_DRAW_H_

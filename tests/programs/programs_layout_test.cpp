@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The members that each program class adds lie behind the base's, in a fixed order without gaps
 // but those of alignment: other code writes them in place.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loading each of the programs: from source and from the cache, line by line, location by location.
 #include <gmock/gmock.h>
 

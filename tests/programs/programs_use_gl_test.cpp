@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What Use binds and uploads, and what it tells.
 #include <GLES2/gl2.h>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rectification programs, pixel by pixel.
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a draw may give where the last bits of the driver's arithmetic decide.
 //
 // A warp samples its input at computed places. Where such a place lies within kSlack of the border

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shader texts that the build composes, against whole texts. Blanks and line ends carry no
 // meaning; everything else does, the order of operations included.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The slimming warps, pixel by pixel.
 #include <cmath>
 #include <random>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whitening programs, pixel by pixel.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures of which only a range is known.
 //
 // The exact result of a warp cannot be foretold where a sample falls on the border of two texels:

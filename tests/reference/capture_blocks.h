@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How captures are cut into blocks, and what a block's packed targets hold.
 #ifndef LUMORA_REFERENCE_CAPTURE_BLOCKS_H_
 #define LUMORA_REFERENCE_CAPTURE_BLOCKS_H_

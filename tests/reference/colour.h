@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Colour spaces and the packing of results, as the colour programs compute them.
 //
 // A YUV texel is (Y, Cr, Cb, 1), chroma offset by one half. An HSI texel is the hexcone model:

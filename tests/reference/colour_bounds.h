@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Colour conversions of values that are known up to a small error, as ranges.
 //
 // Drivers may compute colours with half-precision numbers, and a result that falls on the border of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole preview frames: what the engine's entry points give back, pass after pass.
 //
 // Every pass stores 8 bits. How the input and the work images are sampled changes over time: the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole frames: cases whose result is known without a GPU.
 #include <gtest/gtest.h>
 

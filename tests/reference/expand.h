@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames to YUV texels and back, for regular sizes (width a multiple of 16, even height).
 #ifndef LUMORA_REFERENCE_EXPAND_H_
 #define LUMORA_REFERENCE_EXPAND_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A face record as bytes: 924 of them, every field by its offset. Independent of the library's
 // type, so that the two check each other.
 #ifndef LUMORA_REFERENCE_FACE_RECORD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A semi-planar YUV 4:2:0 frame, tightly packed: luma rows, then rows of chroma pairs, Cr first.
 #ifndef LUMORA_REFERENCE_FRAME_H_
 #define LUMORA_REFERENCE_FRAME_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures of the reference model: 8-bit RGBA stores, and what a texture unit makes of them.
 //
 // Row 0 of a store is the row at texture coordinate t = 0: the first row in memory, the one that

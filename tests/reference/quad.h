@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The full-screen quad: how a draw turns texture coordinates into fragments.
 #ifndef LUMORA_REFERENCE_QUAD_H_
 #define LUMORA_REFERENCE_QUAD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rectification programs: four-corner remap and radial polynomial, with their parameters.
 #ifndef LUMORA_REFERENCE_RECTIFICATION_H_
 #define LUMORA_REFERENCE_RECTIFICATION_H_

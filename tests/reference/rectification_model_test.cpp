@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Remaps against values worked out by hand.
 #include <gtest/gtest.h>
 

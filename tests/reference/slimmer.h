@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The slimming warp and its three programs.
 #ifndef LUMORA_REFERENCE_SLIMMER_H_
 #define LUMORA_REFERENCE_SLIMMER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The warp and its parameters against values worked out by hand.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Slimmed captures, block after block.
 #ifndef LUMORA_REFERENCE_SLIMMING_CAPTURE_H_
 #define LUMORA_REFERENCE_SLIMMING_CAPTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "reference/sp2yuvxs_model.h"
 
 #include <algorithm>

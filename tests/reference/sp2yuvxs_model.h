@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A slow model of sp2yuvxs() that follows its row arithmetic one byte at a time.
 #ifndef TESTS_CONVERT_SP2YUVXS_MODEL_H_
 #define TESTS_CONVERT_SP2YUVXS_MODEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From a face to the uniforms of the slimming warp.
 #ifndef LUMORA_REFERENCE_WARP_PARAMETERS_H_
 #define LUMORA_REFERENCE_WARP_PARAMETERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whitening programs: a lift of intensity and saturation inside an ellipse.
 #ifndef LUMORA_REFERENCE_WHITENING_H_
 #define LUMORA_REFERENCE_WHITENING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitened texels as ranges: near the line of an ellipse the last bits of the driver's arithmetic
 // decide on which side a pixel lies.
 #ifndef LUMORA_REFERENCE_WHITENING_BOUNDS_H_

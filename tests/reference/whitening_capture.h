@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitened captures: the store of the whole frame, block after block.
 #ifndef LUMORA_REFERENCE_WHITENING_CAPTURE_H_
 #define LUMORA_REFERENCE_WHITENING_CAPTURE_H_

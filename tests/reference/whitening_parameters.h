@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From a face and its pixels to the uniforms of the whitening programs.
 #ifndef LUMORA_REFERENCE_WHITENING_PARAMETERS_H_
 #define LUMORA_REFERENCE_WHITENING_PARAMETERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counting what asks for memory.
 //
 // The executable defines the allocating operators in place of the library's, and counts what its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counted allocations.
 #include "support/allocation_count.h"
 

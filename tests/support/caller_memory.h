@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The caller's side of the engine: frames in memory whose ends cannot be crossed unnoticed.
 #ifndef LUMORA_TESTS_ENGINE_CALLER_MEMORY_H_
 #define LUMORA_TESTS_ENGINE_CALLER_MEMORY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A locale whose decimal point is a comma, made on the spot: no machine needs to have one
 // installed.
 #ifndef LUMORA_TESTS_SUPPORT_COMMA_LOCALE_H_

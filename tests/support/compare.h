@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Comparing pictures, with failures that one can look at.
 //
 //   EXPECT_TRUE(SameImage(expected, actual, Compare().within(1)));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The driver's extension functions that the library asks for by name, for files that stand before
 // eglGetProcAddress.
 #ifndef LUMORA_TESTS_SUPPORT_DRIVER_EXTENSIONS_H_

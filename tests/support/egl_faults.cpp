@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "support/egl_faults.h"
 
 #include <EGL/egl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // EGL calls that fail on purpose.
 //
 // The executable defines these functions in place of the driver's; as long as no fault is asked for

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face records for whitening and slimming.
 #ifndef LUMORA_TESTS_EFFECTS_FACES_H_
 #define LUMORA_TESTS_EFFECTS_FACES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A library that asks for memory, as a driver does.
 #ifndef LUMORA_TESTS_SUPPORT_FOREIGN_ALLOCATION_H_
 #define LUMORA_TESTS_SUPPORT_FOREIGN_ALLOCATION_H_

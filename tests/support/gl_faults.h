@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A GL driver that misbehaves on request, and what the library asked of it.
 //
 // Link `lumora_gl_faults` (an object library): the executable then defines the GL and EGL functions

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small owners of GL objects and ways to look at GL state. Link `lumora_gl_support`; it works in
 // any current context, an engine's as well. All calls need a current context on the thread.
 #ifndef LUMORA_TESTS_SUPPORT_GL_OBJECTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The GL helpers, and the sampler model against the driver's samplers.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "support/gl_test.h"
 
 #include <cstdio>

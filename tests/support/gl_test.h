@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A GL context for tests of single parts. Link `lumora_gl_fixture`, which brings in the library as
 // the static `lumora_internal`; such an executable must not link the shared library too.
 // Tests that own an engine need no fixture: the engine makes its own context.

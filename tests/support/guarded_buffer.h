@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory whose ends cannot be crossed unnoticed.
 #ifndef LUMORA_TESTS_SUPPORT_GUARDED_BUFFER_H_
 #define LUMORA_TESTS_SUPPORT_GUARDED_BUFFER_H_

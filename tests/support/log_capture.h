@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The platform log, caught line by line.
 //
 // Link `lumora_log_capture` (an object library): it puts `__android_log_print`,

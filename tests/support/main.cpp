@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The entry point of test executables that bring none of their own.
 #include <gmock/gmock.h>
 

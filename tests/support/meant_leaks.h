@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that is left to nobody on purpose.
 #ifndef LUMORA_TESTS_SUPPORT_MEANT_LEAKS_H_
 #define LUMORA_TESTS_SUPPORT_MEANT_LEAKS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // For files that define functions of libraries in a test program, and pass calls on.
 #ifndef LUMORA_TESTS_SUPPORT_NEXT_FUNCTION_H_
 #define LUMORA_TESTS_SUPPORT_NEXT_FUNCTION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures on disk, for looking at failures.
 #ifndef LUMORA_TESTS_SUPPORT_PICTURE_FILES_H_
 #define LUMORA_TESTS_SUPPORT_PICTURE_FILES_H_

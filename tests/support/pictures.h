@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames and images to test with. Everything random comes from a seed, so every run sees the same.
 #ifndef LUMORA_TESTS_SUPPORT_PICTURES_H_
 #define LUMORA_TESTS_SUPPORT_PICTURES_H_

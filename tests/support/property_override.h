@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // System properties that tests set. Link `lumora_property_override` (an object library): it puts
 // `__system_property_get` into the test executable, in place of the library's own.
 #ifndef LUMORA_TESTS_SUPPORT_PROPERTY_OVERRIDE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Surroundings that a test changes and gives back: environment variables and directories.
 #ifndef LUMORA_TESTS_SUPPORT_SCOPED_H_
 #define LUMORA_TESTS_SUPPORT_SCOPED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inputs that ask for more than they should get: endless, oversized, or small files of huge
 // pictures.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whatever is wrong with the input or the command line is said in one line, by an exit code of its
 // kind, and leaves no file behind.
 #include <gmock/gmock.h>

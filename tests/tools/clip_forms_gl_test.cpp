@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What of a clip is handed on as it is, and what --range says against its header.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of video that need no display.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Y4M clips for the tests of the command.
 #ifndef LUMORA_TESTS_TOOLS_CLIPS_H_
 #define LUMORA_TESTS_TOOLS_CLIPS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Clips in containers: how they are recognised, and the command lines that are shown for them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where Mesa's shader cache has a place, and what is done where it has none.
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tools/lumora/faces/faces_json.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Our arithmetic of images against OpenCV's, sample by sample.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a picture keeps on its way through the command, whichever kind of file it comes in.
 #include <gtest/gtest.h>
 #include <zlib.h>

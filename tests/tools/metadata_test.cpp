@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Metadata byte by byte: what changes, what stays, and what hostile blocks cannot do.
 #include "tools/lumora/picture/metadata.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a result leaves out, and what the command line asks for in vain, is told.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

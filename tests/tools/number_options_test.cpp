@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Options that take numbers, against a model made of a pattern and the digits' sum.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where results go: never over an input or another result, and under every name that the file
 // system allows.
 #include <gmock/gmock.h>

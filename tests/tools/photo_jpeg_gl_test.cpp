@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JPEG pictures through the command: what moves, and what stays exactly as it was.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora photo: whitening and slimming in one run, at any size, for any number of faces.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PNG pictures, standard streams, reports and side pictures of the command.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

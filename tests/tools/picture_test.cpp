@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures without the command around them: what a round trip keeps.
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/decode_picture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures and files for the tests of the command.
 #ifndef LUMORA_TESTS_TOOLS_PICTURES_H_
 #define LUMORA_TESTS_TOOLS_PICTURES_H_

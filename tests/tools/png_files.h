@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PNG files of every kind, and damaged ones whose checksums are right.
 #ifndef LUMORA_TESTS_TOOLS_PNG_FILES_H_
 #define LUMORA_TESTS_TOOLS_PNG_FILES_H_

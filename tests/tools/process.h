@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command as users run it: a process with arguments, input, output and exit code.
 #ifndef LUMORA_TESTS_TOOLS_PROCESS_H_
 #define LUMORA_TESTS_TOOLS_PROCESS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora rectify and lumora convert as users run them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

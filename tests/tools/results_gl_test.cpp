@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Results beside the picture itself, and what becomes of results that cannot be written whole.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

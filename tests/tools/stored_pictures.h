@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Picture files as cameras store them: turned, and with metadata.
 #ifndef LUMORA_TESTS_TOOLS_STORED_PICTURES_H_
 #define LUMORA_TESTS_TOOLS_STORED_PICTURES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // To be loaded before a driver: images of more than 200 rows do not get the memory that they
 // import, but memory of their own.
 #include <EGL/egl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A clip of a moving portrait, and the command that is run on clips.
 #ifndef LUMORA_TESTS_TOOLS_VIDEO_CLIP_H_
 #define LUMORA_TESTS_TOOLS_VIDEO_CLIP_H_

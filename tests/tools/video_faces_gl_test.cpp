@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where lumora video takes faces from, and what it says where there are none.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora video as users run it: from files and through pipes.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

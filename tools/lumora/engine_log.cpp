@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's log, as the command shows it: on standard error, and only when LUMORA_LOG (debug,
 // info or error) asks for it. What matters to the user comes as the pipeline's own sentence; the
 // engine's errors include such harmless ones as a program cache that is still empty. The library

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora: face effects on pictures and clips, on the command line.
 #include <CLI/CLI.hpp>
 #include <algorithm>

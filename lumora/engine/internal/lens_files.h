@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The files that tell a camera's lens coefficients.
 #ifndef LUMORA_ENGINE_INTERNAL_LENS_FILES_H_
 #define LUMORA_ENGINE_INTERNAL_LENS_FILES_H_

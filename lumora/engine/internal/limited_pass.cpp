@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/engine/internal/limited_pass.h"
 
 #include "lumora/engine/internal/set_up.h"

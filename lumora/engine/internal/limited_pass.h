@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Drawing only the part of an image that a pass can change.
 #ifndef LUMORA_ENGINE_INTERNAL_LIMITED_PASS_H_
 #define LUMORA_ENGINE_INTERNAL_LIMITED_PASS_H_

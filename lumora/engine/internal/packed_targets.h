@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The packed targets: images whose bytes are the planes of a frame.
 #ifndef LUMORA_ENGINE_INTERNAL_PACKED_TARGETS_H_
 #define LUMORA_ENGINE_INTERNAL_PACKED_TARGETS_H_

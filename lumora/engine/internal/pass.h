@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One drawing pass of the engine, as named fields.
 #ifndef LUMORA_ENGINE_INTERNAL_PASS_H_
 #define LUMORA_ENGINE_INTERNAL_PASS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the effects on preview frames share: their beginning and their end.
 #ifndef LUMORA_ENGINE_INTERNAL_PREVIEW_FRAME_H_
 #define LUMORA_ENGINE_INTERNAL_PREVIEW_FRAME_H_

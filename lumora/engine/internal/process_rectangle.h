@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rectangle of blocks of one face, as a member of the engine and as a value.
 #ifndef LUMORA_ENGINE_INTERNAL_PROCESS_RECTANGLE_H_
 #define LUMORA_ENGINE_INTERNAL_PROCESS_RECTANGLE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an engine is set up for.
 #ifndef LUMORA_ENGINE_INTERNAL_SET_UP_H_
 #define LUMORA_ENGINE_INTERNAL_SET_UP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's images, each with the framebuffer that draws into it.
 #ifndef LUMORA_ENGINE_INTERNAL_TARGET_H_
 #define LUMORA_ENGINE_INTERNAL_TARGET_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The store of a whole capture, whichever memory it is in.
 #ifndef LUMORA_ENGINE_INTERNAL_WHOLE_FRAME_STORE_H_
 #define LUMORA_ENGINE_INTERNAL_WHOLE_FRAME_STORE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kinds of memory behind a graphic buffer, as each platform body provides them.
 #ifndef LUMORA_PLATFORM_BUFFER_BUFFER_BACKING_H_
 #define LUMORA_PLATFORM_BUFFER_BUFFER_BACKING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes of a graphic buffer's rows and memory.
 #ifndef LUMORA_PLATFORM_BUFFER_BUFFER_GEOMETRY_H_
 #define LUMORA_PLATFORM_BUFFER_BUFFER_GEOMETRY_H_

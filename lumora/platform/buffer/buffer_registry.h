@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process's live graphic buffers, found by the address of their memory or by their texture.
 #ifndef LUMORA_PLATFORM_BUFFER_BUFFER_REGISTRY_H_
 #define LUMORA_PLATFORM_BUFFER_BUFFER_REGISTRY_H_

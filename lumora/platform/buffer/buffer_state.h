@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a graphic buffer is made of: its memory, and which side of it is newer.
 #ifndef LUMORA_PLATFORM_BUFFER_BUFFER_STATE_H_
 #define LUMORA_PLATFORM_BUFFER_BUFFER_STATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which side of a shared image is newer, the CPU's or the GPU's, and when bytes have to move.
 //
 // Pure logic without GL, and the only way to an image's pixels. One Coherence accompanies one

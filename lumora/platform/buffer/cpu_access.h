@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The CPU's way to a graphic buffer's pixels.
 #ifndef LUMORA_PLATFORM_BUFFER_CPU_ACCESS_H_
 #define LUMORA_PLATFORM_BUFFER_CPU_ACCESS_H_

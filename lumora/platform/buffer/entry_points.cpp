@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What programs call of a graphic buffer, over its state.
 #include "lumora/platform/graphic_buffer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A short fingerprint of an image's pixels, to notice whether they were written.
 #ifndef LUMORA_PLATFORM_BUFFER_PIXEL_DIGEST_H_
 #define LUMORA_PLATFORM_BUFFER_PIXEL_DIGEST_H_

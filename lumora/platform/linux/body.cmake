@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The Linux body of the platform seam.
 
 list(APPEND lumora_platform_sources

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The levels of the default cache directory: one for each library and driver, so that an upgrade of
 // either starts with an empty cache and several may be in use at once.
 #ifndef LUMORA_PLATFORM_LINUX_CACHE_LEVELS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Zeroes in memory that a driver has just given, without touching every page of it.
 #ifndef LUMORA_PLATFORM_LINUX_FRESH_MEMORY_H_
 #define LUMORA_PLATFORM_LINUX_FRESH_MEMORY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library, or a test of it, knows of the platform's liblog beyond printing.
 #ifndef LUMORA_PLATFORM_LINUX_LIBLOG_H_
 #define LUMORA_PLATFORM_LINUX_LIBLOG_H_

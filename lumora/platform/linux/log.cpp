@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What of the library's log is printed: LUMORA_LOG decides for the library's lines alone, so that
 // those of the host program, which share the platform's liblog, stay as they are.
 #include "lumora/platform/log.h"

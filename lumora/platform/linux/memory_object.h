@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Images in one memory for CPU and GPU: Vulkan memory, imported by GL_EXT_memory_object_fd.
 #ifndef LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_H_
 #define LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_H_

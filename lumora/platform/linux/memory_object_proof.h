@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Proof that images in imported memory really are one memory for CPU and GPU here.
 #ifndef LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_PROOF_H_
 #define LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_PROOF_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/platform/linux/memory_object_rehearsal.h"
 
 #include <algorithm>

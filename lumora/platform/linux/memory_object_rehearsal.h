@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A frame's way through images in imported memory, as the engine goes it.
 #ifndef LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_REHEARSAL_H_
 #define LUMORA_PLATFORM_LINUX_MEMORY_OBJECT_REHEARSAL_H_

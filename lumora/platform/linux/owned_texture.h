@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // GL names that belong to one context and must never be mistaken for another's.
 #ifndef LUMORA_PLATFORM_LINUX_OWNED_TEXTURE_H_
 #define LUMORA_PLATFORM_LINUX_OWNED_TEXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The least that a display must offer to be drawn with.
 #ifndef LUMORA_PLATFORM_LINUX_PBUFFER_CONFIG_H_
 #define LUMORA_PLATFORM_LINUX_PBUFFER_CONFIG_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copies between CPU memory and a texture that leave no trace in the context's state.
 #ifndef LUMORA_PLATFORM_LINUX_PIXEL_TRANSFER_H_
 #define LUMORA_PLATFORM_LINUX_PIXEL_TRANSFER_H_

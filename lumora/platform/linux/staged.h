@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Staged images: private CPU memory and a texture, kept equal by copies.
 #ifndef LUMORA_PLATFORM_LINUX_STAGED_H_
 #define LUMORA_PLATFORM_LINUX_STAGED_H_

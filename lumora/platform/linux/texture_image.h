@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // EGL images over textures, and what a texture can hold.
 #ifndef LUMORA_PLATFORM_LINUX_TEXTURE_IMAGE_H_
 #define LUMORA_PLATFORM_LINUX_TEXTURE_IMAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Vulkan loader and a device opened by it.
 #ifndef LUMORA_PLATFORM_LINUX_VULKAN_LOADER_H_
 #define LUMORA_PLATFORM_LINUX_VULKAN_LOADER_H_

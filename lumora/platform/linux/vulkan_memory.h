@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CPU-visible memory of a Vulkan device that OpenGL ES can import: the device that GL itself draws
 // with, found by its identifiers. The Vulkan loader is opened at run time; without it there is
 // none.

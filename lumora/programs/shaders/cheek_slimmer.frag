@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face slimming of a whole frame.
 //   s_texture0  the frame
 //   output      the frame, warped

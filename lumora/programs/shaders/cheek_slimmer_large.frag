@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face slimming of one block of a capture whose planes are two textures.
 //   s_texture0        luma plane (luminance)
 //   s_texture1        chroma plane (Cr in red, Cb in alpha)

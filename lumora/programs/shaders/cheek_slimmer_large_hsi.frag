@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Face slimming of one block of a capture that is an HSI image.
 //   s_texture0        HSI image of the frame
 //   s_texture1        declared, never read

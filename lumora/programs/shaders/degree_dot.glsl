@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Outline variant: a red dot whose place shows the degree setting.
   vec2 debugcenterCoord;
   float dist_center;

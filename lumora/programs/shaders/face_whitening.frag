@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitens one face of a whole frame.
 //   s_texture0  HSI image of the frame
 //   output      H, S, I, mask

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitens one face in one block of a capture; pixels that an earlier face whitened keep their value.
 //   s_texture0          HSI image of the block
 //   s_texture1          previous result of the block; alpha 0 where nothing was whitened

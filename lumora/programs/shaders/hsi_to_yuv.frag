@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // HSI to YUV.
 //   s_texture0  HSI image; its alpha is not read
 //   output      Y, Cr, Cb, 1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // HSI to full-range YUV: the fully saturated colour of the hue, then saturation and intensity, then the
 // BT.601 rows. The unit fourth component carries the chroma offsets.
   RGB.r = abs(HSI.r * 6.0 - 3.0) - 1.0;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Passes the quad and its texture coordinates on.
 attribute vec4 a_vertexCoord;
 attribute vec2 a_textureCoord;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Passes the quad and its texture coordinates on, under the varying's name in the effect shaders.
 attribute vec4 a_vertexCoord;
 attribute vec2 a_textureCoord;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bilinear, not projective: only the quad's edges are sure to stay straight.
   vec2 sampleCoordH1, sampleCoordH2, sampleCoord;
   sampleCoordH1 = mix(g_quad0,g_quad2, v_texCoord.yy);

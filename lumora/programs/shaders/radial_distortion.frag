@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Corrects radial lens distortion by a polynomial in the squared distance from the image centre; the
 // frame's corners lie at radius 1.
 //   s_texture0  the frame

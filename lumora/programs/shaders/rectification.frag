@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Maps the frame onto a quadrilateral of the input.
 //   s_texture0  the frame
 precision highp float;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RGB to HSI.
 //   s_texture0  RGB image
 //   output      H, S, I, 0: no pixel is whitened yet

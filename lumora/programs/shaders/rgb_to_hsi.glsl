@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hexcone model: I = max, S = (max - min) / max, H by the channel that holds the maximum; red wins over
 // green and green over blue. Grey has hue and saturation 0.
   max_c = max( RGB.r, max(RGB.g, RGB.b));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RGB to HSI for images that are read by the CPU: the colour converter's own variant.
 //   s_texture0  RGB image
 //   output      H, S, I, 1

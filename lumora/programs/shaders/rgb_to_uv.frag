@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Packs the chroma of two pixel pairs into one texel, so that the target's bytes are an interleaved
 // chroma plane.
 //   s_texture0  YUV image

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Packs the luma of four neighbouring pixels into one texel, so that the target's bytes are a Y plane.
 //   s_texture0  YUV image
 //   u_shift     four offsets in texture coordinates, from the texel's centre to the four pixels

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The warp. Sampling farther out than the pixel itself pulls the content towards the face centre;
 // `ratio` is 0 where the pull is full and 1 where there is none: outside the face, near the limiter's
 // centre, and towards the borders.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 //   g_fController    face centre (x, y), warp strength, face radius; texture coordinates of the frame
 //   g_fAspectRatio   frame height / width: makes distances isotropic in pixels
 //   g_fvAngleLimiter direction (radians) and distance (share of the radius) of the limiter's centre from

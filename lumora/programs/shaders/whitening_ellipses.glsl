@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Distances to the ellipses, 1 on the line. A pair that is gated to 0 counts as inside, so the choosers
 // nest: first eye pair, then second, then the centre ellipse; the fourth stands alone.
   dist_pixel = length((g_fEllipseController*vec3(ScaledCoord, 1.0)).xy);

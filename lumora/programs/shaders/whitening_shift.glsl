@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inside the outer ellipse: saturation shifted, intensity shifted in logit space of slope 0.85, both
 // faded to nothing at the ellipse's line. Alpha records the inner ellipses.
   TmpColor = HSI_color;

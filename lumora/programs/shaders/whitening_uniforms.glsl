@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 //   g_fEllipseController         to the unit circle of the outer face ellipse
 //   g_fEllipseController_1       centre ellipse, from between the eyes downward
 //   g_fEllipseController_2, _3   the two eyes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // YUV to HSI in one pass.
 //   s_texture0     YUV image, alpha 1
 //   u_mat_yuv2rgb  colour matrix over (Y, Cr, Cb, 1)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // YUV to RGB.
 //   s_texture0     YUV image; its alpha must be 1, since it carries the chroma offsets
 //   u_mat_yuv2rgb  colour matrix over (Y, Cr, Cb, 1)

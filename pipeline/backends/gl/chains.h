@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's chains of effects, from a frame to the same frame.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_CHAINS_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_CHAINS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an engine of the library may lack after its set-up, which itself does not tell.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_ENGINE_FAULTS_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_FAULTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine with everything that is bound to its thread.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_

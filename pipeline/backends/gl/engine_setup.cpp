@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pipeline/backends/gl/engine_setup.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine and what it is set up for.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_ENGINE_SETUP_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_SETUP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The backend that drives the engine, on a thread of its own.
 #include <memory>
 

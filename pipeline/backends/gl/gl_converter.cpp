@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The backend that drives the engine library's converter, on a thread of its own.
 
 #include <cstddef>

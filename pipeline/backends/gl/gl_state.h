@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Questions to the GL context of the calling thread.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_GL_STATE_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_GL_STATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Taking parts of what the engine made into a frame, and leaving every other byte as it was.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_MERGE_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_MERGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's corrections of whole frames, for frames that fill a part of the engine's only.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_RECTIFICATION_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_RECTIFICATION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The capture's slimming program with smooth sampling.
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_SMOOTH_SLIMMER_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_SMOOTH_SLIMMER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces from eyes, boxes and the usual landmark sets.
 #include "lumora/pipeline/face.h"
 

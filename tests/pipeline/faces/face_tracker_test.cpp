@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces followed from frame to frame.
 #include "lumora/pipeline/face_tracker.h"
 

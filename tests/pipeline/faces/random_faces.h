@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces of every size, turn and shape.
 #ifndef LUMORA_TESTS_PIPELINE_RANDOM_FACES_H_
 #define LUMORA_TESTS_PIPELINE_RANDOM_FACES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is refused before any work, and with which words.
 #include "pipeline/frames/frame_check.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Moving frames between formats, strides and the engine's padded frame.
 #include "pipeline/frames/frame_copy.h"
 

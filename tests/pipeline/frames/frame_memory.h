@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames in memory of their own, with bytes around every row that must not be touched.
 #ifndef LUMORA_TESTS_PIPELINE_FRAME_MEMORY_H_
 #define LUMORA_TESTS_PIPELINE_FRAME_MEMORY_H_

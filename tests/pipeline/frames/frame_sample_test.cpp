@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Single samples of a frame are those of the padded frame that is made of it.
 #include "pipeline/frames/frame_sample.h"
 

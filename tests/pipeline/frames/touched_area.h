@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which samples of a frame faces may change.
 #ifndef LUMORA_TESTS_PIPELINE_TOUCHED_AREA_H_
 #define LUMORA_TESTS_PIPELINE_TOUCHED_AREA_H_

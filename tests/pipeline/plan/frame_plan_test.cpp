@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a look does to the faces of a frame, before anything is drawn.
 #include "pipeline/plan/frame_plan.h"
 

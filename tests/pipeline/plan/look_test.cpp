@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Looks and presets.
 #include "lumora/pipeline/look.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A face with the mask of its whitening.
 #ifndef LUMORA_TESTS_PIPELINE_PLAN_MASKED_PORTRAIT_H_
 #define LUMORA_TESTS_PIPELINE_PLAN_MASKED_PORTRAIT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The weights that make skin retouching of the engine's whitening.
 #include "pipeline/plan/skin_mask.h"
 

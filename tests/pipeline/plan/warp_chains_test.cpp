@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The warps of the engine's two chains, and what the pipeline tells of them.
 #include <gtest/gtest.h>
 

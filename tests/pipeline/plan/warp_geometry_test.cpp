@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record that the engine gets, and the warp that follows from it.
 #include "pipeline/plan/warp_geometry.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The slimming warp of the engine's two chains, written down once more in double precision.
 #ifndef LUMORA_TESTS_PIPELINE_WARP_MODEL_H_
 #define LUMORA_TESTS_PIPELINE_WARP_MODEL_H_

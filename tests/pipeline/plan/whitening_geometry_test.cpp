@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where whitening acts, against the arithmetic of the engine's shaders.
 #include "pipeline/plan/whitening_geometry.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The thread that serves calls one after another.
 #include "pipeline/support/serial_thread.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What one call leaves is there for the next.
 #include "pipeline/support/spare.h"
 

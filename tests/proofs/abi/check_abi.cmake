@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Compares one aspect of a shared library with what is committed, or renews that with UPDATE.
 #
 #   cmake -DKIND=<symbols|pages|types> -DLIBRARY=<file> -DNAME=<target> -DCOMMITTED=<folder> -DTOOLCHAIN=<text>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The install components: cmake -DBUILD=... -DSCRATCH=... -DLIBRARIES=<file names> -P check_install.cmake
 # Runtime alone has to be enough for a program that was built elsewhere, so it holds every library
 # under the name that programs ask for, and nothing that only building needs.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes and offsets of the objects that applications and other code make and read in place.
 #include <gtest/gtest.h>
 

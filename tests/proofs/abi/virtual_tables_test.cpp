@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The virtual tables of the exported classes, entry by entry: other code calls through them by
 // number.
 #include <dlfcn.h>

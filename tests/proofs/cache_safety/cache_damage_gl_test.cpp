@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Damaged, planted and forgotten files in the program cache of one process.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

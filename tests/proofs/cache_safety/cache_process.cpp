@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "proofs/cache_safety/cache_process.h"
 
 #include <stdlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Processes that use the program cache.
 #ifndef LUMORA_TESTS_CACHE_SAFETY_CACHE_PROCESS_H_
 #define LUMORA_TESTS_CACHE_SAFETY_CACHE_PROCESS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program cache of several processes: started at once, killed, on disks that take nothing,
 // after other drivers. No process may fail or draw a wrong picture.
 #include <gmock/gmock.h>

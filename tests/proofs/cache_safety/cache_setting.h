@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What cache tests expect, and the surroundings that they make for processes.
 #ifndef LUMORA_TESTS_CACHE_SAFETY_CACHE_SETTING_H_
 #define LUMORA_TESTS_CACHE_SAFETY_CACHE_SETTING_H_

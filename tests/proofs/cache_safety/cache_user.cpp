@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A process that uses the program cache: loads every program, draws with each, and tells.
 //
 //   cache_user [rounds]

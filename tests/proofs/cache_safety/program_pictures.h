@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What every program of the library draws: wrong programs show as wrong pictures.
 #ifndef LUMORA_TESTS_CACHE_SAFETY_PROGRAM_PICTURES_H_
 #define LUMORA_TESTS_CACHE_SAFETY_PROGRAM_PICTURES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Captures for recorded operations.
 #ifndef LUMORA_TESTS_CONFORMANCE_CAPTURE_ENGINE_H_
 #define LUMORA_TESTS_CONFORMANCE_CAPTURE_ENGINE_H_

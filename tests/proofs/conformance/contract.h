@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the engine's operations are to do, as transcripts: passes, programs, images and their order.
 #ifndef LUMORA_TESTS_CONFORMANCE_CONTRACT_H_
 #define LUMORA_TESTS_CONFORMANCE_CONTRACT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Set-up and release.
 #include <cstdio>
 

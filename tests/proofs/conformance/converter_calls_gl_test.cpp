@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The colour converter: every line and call of each operation, and its sizes.
 #include <gtest/gtest.h>
 

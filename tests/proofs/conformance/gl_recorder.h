@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The EGL and GL calls of the process, written down as they are made.
 //
 // Link `lumora_gl_recorder` (an object library): the executable then defines the functions that the

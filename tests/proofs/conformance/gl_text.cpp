@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "proofs/conformance/gl_text.h"
 
 #include <EGL/eglext.h>

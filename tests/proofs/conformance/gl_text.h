@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Arguments of EGL and GL calls as short texts.
 #ifndef LUMORA_TESTS_CONFORMANCE_GL_TEXT_H_
 #define LUMORA_TESTS_CONFORMANCE_GL_TEXT_H_

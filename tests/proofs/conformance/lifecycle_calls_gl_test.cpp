@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The life of an engine: every line and call of set-up and release, in order.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Members after set-ups and settings, over many sizes. The rules are written here once more, in
 // plain arithmetic; numbers worked out by hand stand in the tests of single set-ups.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operations before a set-up, and after one was released: what they say, and that they draw
 // nothing.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operations of an engine as rows of a table: what to call, what is to come of it.
 #ifndef LUMORA_TESTS_CONFORMANCE_OPERATIONS_H_
 #define LUMORA_TESTS_CONFORMANCE_OPERATIONS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Preview operations: what each prints and draws, in order.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The preview operations.
 #ifndef LUMORA_TESTS_CONFORMANCE_PREVIEW_OPERATIONS_H_
 #define LUMORA_TESTS_CONFORMANCE_PREVIEW_OPERATIONS_H_

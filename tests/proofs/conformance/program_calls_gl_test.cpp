@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs and shared images on their own: every line and call of each operation.
 #include <gtest/gtest.h>
 

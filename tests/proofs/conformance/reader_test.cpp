@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reading of transcripts itself: what is left out, and what is noticed.
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>

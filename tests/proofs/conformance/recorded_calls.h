@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the functions that stand before the driver's write down their calls.
 #ifndef LUMORA_TESTS_CONFORMANCE_RECORDED_CALLS_H_
 #define LUMORA_TESTS_CONFORMANCE_RECORDED_CALLS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Drawing, waiting and errors.
 #include "proofs/conformance/recorded_calls.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // EGL, and the extension functions that it hands out.
 #include <EGL/egl.h>
 #include <EGL/eglext.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Textures, framebuffers and what is bound.
 #include "proofs/conformance/recorded_calls.h"
 

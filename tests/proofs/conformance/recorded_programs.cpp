@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shaders, programs and their uniforms.
 #include "proofs/conformance/recorded_calls.h"
 

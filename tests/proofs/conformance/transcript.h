@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an operation does, in order and in words: the log lines that it prints and the EGL and GL
 // calls that it makes on the engine's own objects.
 //

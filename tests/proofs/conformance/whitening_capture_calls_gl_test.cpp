@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitened captures: what each operation prints and draws, face by face and block by block.
 #include <gtest/gtest.h>
 

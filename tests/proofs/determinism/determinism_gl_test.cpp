@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The same input gives the same bytes: run after run, with any number of renderer threads, with
 // shared and with copied image memory.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lumora/lumora.h"
 #include "proofs/determinism/stages.h"
 #include "support/faces.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes what every stage gives into files of a folder: render_stages <folder>
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Everything that the renderer computes, in pieces: single passes from fixed pictures, and whole
 // operations of the engine from a fixed frame.
 #ifndef LUMORA_TESTS_DETERMINISM_STAGES_H_

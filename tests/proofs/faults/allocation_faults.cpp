@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's names.
 #include "proofs/faults/allocation_faults.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that runs out: any one request of operator new, or every one from a number on, is refused.
 //
 // The linker leads all forms of operator new here that anything asks for which is linked statically

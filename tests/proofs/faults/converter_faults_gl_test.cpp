@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every call of the colour converter, made to fail.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // EGL calls that can fail. NOLINTBEGIN(bugprone-reserved-identifier): the linker's names.
 #include <EGL/egl.h>
 #include <EGL/eglext.h>

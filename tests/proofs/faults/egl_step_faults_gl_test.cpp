@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every EGL call of an engine's and a converter's construction, made to fail.
 #include <EGL/egl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that runs out under engines, the converter and images, at every request of whole sessions:
 // nothing is thrown, nothing hangs, and what is made next works.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "proofs/faults/engine_modes.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The ways in which an engine is set up, and what is done with it then.
 #ifndef LUMORA_TESTS_FAULTS_ENGINE_MODES_H_
 #define LUMORA_TESTS_FAULTS_ENGINE_MODES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A platform of which any one call fails: the calls that the library makes to EGL, GL, Vulkan, the
 // allocator and the file system are counted by kind, and one of them is made to fail.
 //

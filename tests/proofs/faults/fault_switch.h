@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the replaced functions ask and tell.
 #ifndef LUMORA_TESTS_FAULTS_FAULT_SWITCH_H_
 #define LUMORA_TESTS_FAULTS_FAULT_SWITCH_H_

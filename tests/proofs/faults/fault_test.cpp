@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "proofs/faults/fault_test.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of faults share.
 #ifndef LUMORA_TESTS_FAULTS_FAULT_TEST_H_
 #define LUMORA_TESTS_FAULTS_FAULT_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that runs out while a process finds out, once, what there is to draw with. Every request
 // is refused in a process of its own, which begins before this one has anything to do with GL.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What happens once in a process: the first set-up finds out how CPU and GPU can share memory.
 // Every call of that, made to fail, each in a process of its own.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every call of the image-file routines, made to fail.
 #include <gtest/gtest.h>
 

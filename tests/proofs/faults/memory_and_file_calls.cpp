@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls of the allocator and the file system that can fail.
 // NOLINTBEGIN(bugprone-reserved-identifier,cppcoreguidelines-pro-type-vararg): the linker's names.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that runs out under the pipeline, at every request of every operation: what comes back is
 // the result or a sentence, nothing hangs and nothing is thrown, and the next call works.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every call of the pipeline's operations, made to fail: a frame comes back as it should be, or
 // with a sentence and untouched.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every call of every set-up, made to fail: what is told, what works afterwards, and that another
 // set-up makes it good.
 #include <gtest/gtest.h>

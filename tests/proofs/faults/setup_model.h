@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a set-up calls, part by part, and what has to be told of each call that fails.
 #ifndef LUMORA_TESTS_FAULTS_SETUP_MODEL_H_
 #define LUMORA_TESTS_FAULTS_SETUP_MODEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every call of every operation of an engine that is set up well, made to fail.
 #include <gtest/gtest.h>
 

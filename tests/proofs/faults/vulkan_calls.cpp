@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Vulkan calls that can fail. The library finds them by name, one through the other: from the
 // loader, from there the device's, from there the functions.
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's names.

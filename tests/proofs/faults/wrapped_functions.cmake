@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The functions that the fault layer stands in for, as the linker knows them.
 set(lumora_wrapped_functions
   eglGetDisplay eglInitialize eglChooseConfig eglCreateContext eglDestroyContext

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What captures of unusual widths look like after whitening.
 #include <gtest/gtest.h>
 

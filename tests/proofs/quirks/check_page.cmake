@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Checks docs/quirks.md: each row names a place that exists and a test that exists.
 #
 #   cmake -DPAGE=<quirks.md> -DSOURCES=<lumora/> -DPROGRAMS=<folder of test programs> -P

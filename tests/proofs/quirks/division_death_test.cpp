@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes that the callers keep away from: the library divides by zero, where the processor minds.
 #include <gtest/gtest.h>
 

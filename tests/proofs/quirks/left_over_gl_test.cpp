@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects that are left to nobody, and state that is set on whatever is bound.
 #include <gtest/gtest.h>
 #include <malloc.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "proofs/soak/bare_gl.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The driver's part of what the library does, with bare GL and EGL: a yardstick for what the driver
 // keeps to itself.
 #ifndef LUMORA_TESTS_SOAK_BARE_GL_H_

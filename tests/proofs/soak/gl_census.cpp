@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "proofs/soak/gl_census.h"
 
 #include <EGL/egl.h>

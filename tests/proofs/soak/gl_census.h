@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The GL and EGL objects of the process, counted where they are made and deleted.
 //
 // Link `lumora_gl_census` (an object library): the executable then defines the functions that make

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two engines and a converter in one process, each on a thread of its own, a frame of each in turn:
 // every frame comes out as from an engine that is alone.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is left behind on purpose, each with its exact number: growth beyond it would be a leak.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A long video through the pipeline.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the process holds of the system.
 #ifndef LUMORA_TESTS_SOAK_PROCESS_USE_H_
 #define LUMORA_TESTS_SOAK_PROCESS_USE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Set-up and release, thousands of times with changing sizes: nothing adds up.
 #include <gtest/gtest.h>
 

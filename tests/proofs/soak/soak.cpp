@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "proofs/soak/soak.h"
 
 #include <GLES2/gl2.h>

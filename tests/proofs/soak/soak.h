@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Running something over and over, and saying what it left behind.
 #ifndef LUMORA_TESTS_SOAK_SOAK_H_
 #define LUMORA_TESTS_SOAK_SOAK_H_

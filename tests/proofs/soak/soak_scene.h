@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames of changing sizes, and engines that work on them.
 #ifndef LUMORA_TESTS_SOAK_SOAK_SCENE_H_
 #define LUMORA_TESTS_SOAK_SOAK_SCENE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A video in which people walk by: faces come in, meet, cross the borders and leave.
 #ifndef LUMORA_TESTS_SOAK_STREET_SCENE_H_
 #define LUMORA_TESTS_SOAK_STREET_SCENE_H_

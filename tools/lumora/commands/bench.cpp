@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora bench: how fast the effects are on this machine.
 #include <algorithm>
 #include <array>

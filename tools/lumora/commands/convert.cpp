@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora convert: a picture or a raw frame in, its colours in another form out.
 #include <unistd.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora demo: portraits drawn by the program itself, before and after.
 #include <filesystem>
 #include <memory>

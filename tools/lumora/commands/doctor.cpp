@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora doctor: what this machine offers, and a proof that it works.
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora photo: one picture in, the retouched picture out.
 #include <memory>
 #include <nlohmann/json.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora rectify: one picture in, the picture with straightened lines out.
 #include <array>
 #include <memory>

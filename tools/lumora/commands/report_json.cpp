@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tools/lumora/commands/report_json.h"
 
 #include <nlohmann/json.hpp>

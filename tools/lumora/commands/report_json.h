@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reports for machines: printing them, and the parts that several commands share.
 #ifndef LUMORA_TOOLS_COMMANDS_REPORT_JSON_H_
 #define LUMORA_TOOLS_COMMANDS_REPORT_JSON_H_

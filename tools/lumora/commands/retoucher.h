@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pipeline as the commands use it: planes of pictures, and Failures instead of Statuses.
 #ifndef LUMORA_TOOLS_COMMANDS_RETOUCHER_H_
 #define LUMORA_TOOLS_COMMANDS_RETOUCHER_H_

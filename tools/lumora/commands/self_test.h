@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small renders whose results are known without the GPU.
 #ifndef LUMORA_TOOLS_COMMANDS_SELF_TEST_H_
 #define LUMORA_TOOLS_COMMANDS_SELF_TEST_H_

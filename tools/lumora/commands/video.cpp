@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // lumora video: a Y4M clip in, the retouched clip out, one frame at a time.
 #include <unistd.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures that are drawn for people: what was done to a picture, and portraits to try it on. They
 // are drawn in a module, since the libraries that it takes are many and most calls draw nothing.
 #ifndef LUMORA_TOOLS_DRAWING_DRAWING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tools/lumora/faces/face_finder.h"
 
 #include <filesystem>

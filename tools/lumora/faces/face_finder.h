@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces in a picture. The search is in a module, since the libraries that it takes are many and
 // large, and most calls of the command do not search.
 #ifndef LUMORA_TOOLS_FACES_FACE_FINDER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small geometry over faces, and a list of their landmarks.
 #ifndef LUMORA_TOOLS_FACES_FACE_GEOMETRY_H_
 #define LUMORA_TOOLS_FACES_FACE_GEOMETRY_H_

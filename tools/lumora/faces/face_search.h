@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the module face_finder gives the command: the search itself, and the libraries that it
 // takes.
 #ifndef LUMORA_TOOLS_FACES_FACE_SEARCH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces that a user hands in as a JSON file.
 #ifndef LUMORA_TOOLS_FACES_FACES_JSON_H_
 #define LUMORA_TOOLS_FACES_FACES_JSON_H_

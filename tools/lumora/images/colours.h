@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Colours as luma and chroma (full-range BT.601, as JPEGs have them) and as blue, green and red.
 #ifndef LUMORA_TOOLS_IMAGES_COLOURS_H_
 #define LUMORA_TOOLS_IMAGES_COLOURS_H_

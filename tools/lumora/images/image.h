@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pixels in memory.
 #ifndef LUMORA_TOOLS_IMAGES_IMAGE_H_
 #define LUMORA_TOOLS_IMAGES_IMAGE_H_

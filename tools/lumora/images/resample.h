@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Planes in other sizes. Samples lie in the middle of the pixels that they stand for.
 #ifndef LUMORA_TOOLS_IMAGES_RESAMPLE_H_
 #define LUMORA_TOOLS_IMAGES_RESAMPLE_H_

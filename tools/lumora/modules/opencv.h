@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the modules that work with OpenCV have in common.
 #ifndef LUMORA_TOOLS_MODULES_OPENCV_H_
 #define LUMORA_TOOLS_MODULES_OPENCV_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tools/lumora/options/common_options.h"
 
 namespace lumora::tools {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Options that several commands have, told in the same words.
 #ifndef LUMORA_TOOLS_OPTIONS_COMMON_OPTIONS_H_
 #define LUMORA_TOOLS_OPTIONS_COMMON_OPTIONS_H_

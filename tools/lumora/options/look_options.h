@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The options that say how faces are to look, the same in every command.
 #ifndef LUMORA_TOOLS_OPTIONS_LOOK_OPTIONS_H_
 #define LUMORA_TOOLS_OPTIONS_LOOK_OPTIONS_H_

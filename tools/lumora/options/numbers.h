@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers as people type them on a command line.
 #ifndef LUMORA_TOOLS_OPTIONS_NUMBERS_H_
 #define LUMORA_TOOLS_OPTIONS_NUMBERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The options of a command, as the commands name them. The library that parses them is known to
 // main.cpp and to this folder alone: it takes seconds to compile.
 #ifndef LUMORA_TOOLS_OPTIONS_OPTIONS_H_

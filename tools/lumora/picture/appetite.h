@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How much memory a picture may need: a small file can claim any size.
 #ifndef LUMORA_TOOLS_PICTURE_APPETITE_H_
 #define LUMORA_TOOLS_PICTURE_APPETITE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A picture of 8-bit gray, BGR or BGRA pixels.
 #ifndef LUMORA_TOOLS_PICTURE_COLOUR_PICTURE_H_
 #define LUMORA_TOOLS_PICTURE_COLOUR_PICTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures from the content of files, whatever their format.
 #ifndef LUMORA_TOOLS_PICTURE_DECODE_PICTURE_H_
 #define LUMORA_TOOLS_PICTURE_DECODE_PICTURE_H_

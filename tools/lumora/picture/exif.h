@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // EXIF blocks: TIFF directories, of which only what depends on the pixels is understood. Whatever
 // offsets and counts a block states, nothing outside of it is read or written.
 #ifndef LUMORA_TOOLS_PICTURE_EXIF_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IPTC records in the image resources that files keep them in.
 #ifndef LUMORA_TOOLS_PICTURE_IPTC_H_
 #define LUMORA_TOOLS_PICTURE_IPTC_H_

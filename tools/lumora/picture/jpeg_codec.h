@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // libjpeg with errors as exceptions.
 #ifndef LUMORA_TOOLS_PICTURE_JPEG_CODEC_H_
 #define LUMORA_TOOLS_PICTURE_JPEG_CODEC_H_

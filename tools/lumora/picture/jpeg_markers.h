@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JPEG files as marker segments, before they are decoded.
 #ifndef LUMORA_TOOLS_PICTURE_JPEG_MARKERS_H_
 #define LUMORA_TOOLS_PICTURE_JPEG_MARKERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A picture from a JPEG file that stays in the file's own planes from beginning to end.
 #ifndef LUMORA_TOOLS_PICTURE_JPEG_PICTURE_H_
 #define LUMORA_TOOLS_PICTURE_JPEG_PICTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JPEG files as planes of samples and as DCT blocks, without any colour conversion.
 #ifndef LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_
 #define LUMORA_TOOLS_PICTURE_JPEG_PLANES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a picture file holds that its results do not.
 #ifndef LUMORA_TOOLS_PICTURE_LOSSES_H_
 #define LUMORA_TOOLS_PICTURE_LOSSES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What picture files say about themselves: EXIF, IPTC, XMP, colour profile and comment.
 #ifndef LUMORA_TOOLS_PICTURE_METADATA_H_
 #define LUMORA_TOOLS_PICTURE_METADATA_H_

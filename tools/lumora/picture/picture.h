@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A picture file in memory: what the command needs of it, whatever its format.
 #ifndef LUMORA_TOOLS_PICTURE_PICTURE_H_
 #define LUMORA_TOOLS_PICTURE_PICTURE_H_

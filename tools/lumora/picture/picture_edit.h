@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One picture file on its way to another: what the commands that change pictures have in common.
 #ifndef LUMORA_TOOLS_PICTURE_PICTURE_EDIT_H_
 #define LUMORA_TOOLS_PICTURE_PICTURE_EDIT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Picture files as the commands read them.
 #ifndef LUMORA_TOOLS_PICTURE_PICTURE_FILE_H_
 #define LUMORA_TOOLS_PICTURE_PICTURE_FILE_H_

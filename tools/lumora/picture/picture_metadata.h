@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a picture file says about its picture, apart from the file's format.
 #ifndef LUMORA_TOOLS_PICTURE_PICTURE_METADATA_H_
 #define LUMORA_TOOLS_PICTURE_PICTURE_METADATA_H_

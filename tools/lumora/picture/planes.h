@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // YUV planes: the 4:2:0 frame that the pipeline works on, and the way from other samplings and
 // back.
 #ifndef LUMORA_TOOLS_PICTURE_PLANES_H_

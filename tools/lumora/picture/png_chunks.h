@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PNG files as chunks, before they are decoded.
 #ifndef LUMORA_TOOLS_PICTURE_PNG_CHUNKS_H_
 #define LUMORA_TOOLS_PICTURE_PNG_CHUNKS_H_

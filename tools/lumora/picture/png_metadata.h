@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The chunks in which PNG files keep metadata.
 #ifndef LUMORA_TOOLS_PICTURE_PNG_METADATA_H_
 #define LUMORA_TOOLS_PICTURE_PNG_METADATA_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pixels of a PNG file.
 #ifndef LUMORA_TOOLS_PICTURE_PNG_PIXELS_H_
 #define LUMORA_TOOLS_PICTURE_PNG_PIXELS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // YUV 4:2:0 frames as bare bytes: the planes one after another, without padding or header.
 #ifndef LUMORA_TOOLS_PICTURE_RAW_FRAME_H_
 #define LUMORA_TOOLS_PICTURE_RAW_FRAME_H_

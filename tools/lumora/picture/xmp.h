@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // XMP packets, of which only what depends on the pixels is understood.
 #ifndef LUMORA_TOOLS_PICTURE_XMP_H_
 #define LUMORA_TOOLS_PICTURE_XMP_H_

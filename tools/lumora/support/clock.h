@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time that has passed.
 #ifndef LUMORA_TOOLS_SUPPORT_CLOCK_H_
 #define LUMORA_TOOLS_SUPPORT_CLOCK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shader cache that Mesa's drivers keep for themselves, beside ours.
 #ifndef LUMORA_TOOLS_SUPPORT_DRIVER_CACHE_H_
 #define LUMORA_TOOLS_SUPPORT_DRIVER_CACHE_H_

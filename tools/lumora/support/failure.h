@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a command ends: exit codes, and the exception that carries one with its sentence.
 #ifndef LUMORA_TOOLS_SUPPORT_FAILURE_H_
 #define LUMORA_TOOLS_SUPPORT_FAILURE_H_

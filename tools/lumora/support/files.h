@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole files in and out. "-" is standard input or output.
 #ifndef LUMORA_TOOLS_SUPPORT_FILES_H_
 #define LUMORA_TOOLS_SUPPORT_FILES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text line by line, from a file or standard input.
 #ifndef LUMORA_TOOLS_SUPPORT_LINE_READER_H_
 #define LUMORA_TOOLS_SUPPORT_LINE_READER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How much memory there is, and whether some work may have what it needs.
 #ifndef LUMORA_TOOLS_SUPPORT_MEMORY_H_
 #define LUMORA_TOOLS_SUPPORT_MEMORY_H_

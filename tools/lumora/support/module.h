@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parts of the command that are loaded when they are needed. They lie in a folder of their own
 // beside the libraries, which is found from where the command lies.
 #ifndef LUMORA_TOOLS_SUPPORT_MODULE_H_

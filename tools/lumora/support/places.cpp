@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tools/lumora/support/places.h"
 
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which file a path means, however it is spelled.
 #ifndef LUMORA_TOOLS_SUPPORT_PLACES_H_
 #define LUMORA_TOOLS_SUPPORT_PLACES_H_

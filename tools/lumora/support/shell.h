@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Command lines that the program shows, for people to paste into a shell.
 #ifndef LUMORA_TOOLS_SUPPORT_SHELL_H_
 #define LUMORA_TOOLS_SUPPORT_SHELL_H_

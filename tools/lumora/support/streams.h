@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files in and out piece by piece. "-" is standard input or output.
 #ifndef LUMORA_TOOLS_SUPPORT_STREAMS_H_
 #define LUMORA_TOOLS_SUPPORT_STREAMS_H_

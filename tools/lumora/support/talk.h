@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the program says to people. Standard output is for data.
 #ifndef LUMORA_TOOLS_SUPPORT_TALK_H_
 #define LUMORA_TOOLS_SUPPORT_TALK_H_

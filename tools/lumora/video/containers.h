@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Clips that are not Y4M: how to recognise them, and what to type instead.
 #ifndef LUMORA_TOOLS_VIDEO_CONTAINERS_H_
 #define LUMORA_TOOLS_VIDEO_CONTAINERS_H_

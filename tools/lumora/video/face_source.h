@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the faces of a clip come from.
 #ifndef LUMORA_TOOLS_VIDEO_FACE_SOURCE_H_
 #define LUMORA_TOOLS_VIDEO_FACE_SOURCE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A line on standard error that shows how far long work has come.
 #ifndef LUMORA_TOOLS_VIDEO_PROGRESS_H_
 #define LUMORA_TOOLS_VIDEO_PROGRESS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Clips whose samples use the limited range (luma 16..235, chroma 16..240) for effects that expect
 // the full one.
 #ifndef LUMORA_TOOLS_VIDEO_SAMPLE_RANGE_H_

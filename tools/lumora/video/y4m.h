@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // YUV4MPEG2 clips, frame by frame.
 #ifndef LUMORA_TOOLS_VIDEO_Y4M_H_
 #define LUMORA_TOOLS_VIDEO_Y4M_H_

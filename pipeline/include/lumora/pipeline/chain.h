@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The ways that a frame can take.
 #ifndef LUMORA_PIPELINE_CHAIN_H_
 #define LUMORA_PIPELINE_CHAIN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // YUV frames to RGB and HSI images, on the GPU.
 #ifndef LUMORA_PIPELINE_CONVERTER_H_
 #define LUMORA_PIPELINE_CONVERTER_H_

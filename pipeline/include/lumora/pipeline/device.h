@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a machine offers to the pipeline.
 #ifndef LUMORA_PIPELINE_DEVICE_H_
 #define LUMORA_PIPELINE_DEVICE_H_

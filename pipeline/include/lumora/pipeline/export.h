@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The export macros of libLumoraPipeline.
 #ifndef LUMORA_PIPELINE_EXPORT_H_
 #define LUMORA_PIPELINE_EXPORT_H_

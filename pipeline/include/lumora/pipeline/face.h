@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces as the pipeline takes them: plain values in pixels of the frame.
 #ifndef LUMORA_PIPELINE_FACE_H_
 #define LUMORA_PIPELINE_FACE_H_

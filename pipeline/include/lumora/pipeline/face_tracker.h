@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faces from frame to frame: steady where a detector trembles, there where it blinks.
 #ifndef LUMORA_PIPELINE_FACE_TRACKER_H_
 #define LUMORA_PIPELINE_FACE_TRACKER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames and images as the pipeline takes and gives them.
 #ifndef LUMORA_PIPELINE_FRAME_H_
 #define LUMORA_PIPELINE_FRAME_H_

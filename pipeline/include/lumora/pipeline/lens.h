@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lenses whose bent lines RectifyRadial straightens.
 #ifndef LUMORA_PIPELINE_LENS_H_
 #define LUMORA_PIPELINE_LENS_H_

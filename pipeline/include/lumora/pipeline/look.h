@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How faces are to look.
 #ifndef LUMORA_PIPELINE_LOOK_H_
 #define LUMORA_PIPELINE_LOOK_H_

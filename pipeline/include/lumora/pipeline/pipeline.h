@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // libLumoraPipeline: frames in, beautified frames out.
 //
 // The pipeline owns an engine on a worker thread of its own and may be called from any thread.

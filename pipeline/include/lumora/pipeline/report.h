@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a call of the pipeline did.
 #ifndef LUMORA_PIPELINE_REPORT_H_
 #define LUMORA_PIPELINE_REPORT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What calls of the pipeline come back with.
 #ifndef LUMORA_PIPELINE_STATUS_H_
 #define LUMORA_PIPELINE_STATUS_H_

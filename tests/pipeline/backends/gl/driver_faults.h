@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faults of the driver, made on purpose.
 //
 // The executable defines the EGL and GL functions concerned in place of the driver's; they pass

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A host program and the pipeline on one display: EGL counts no references to it.
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>

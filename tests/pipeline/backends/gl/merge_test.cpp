@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is taken back of the engine's result, and what stays as it was.
 #include "pipeline/backends/gl/merge.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keystone and radial correction of whole frames.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Slimming through the engine's capture chain.
 #include <gtest/gtest.h>
 

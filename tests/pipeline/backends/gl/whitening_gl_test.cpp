@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whitening, through both of the engine's chains.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

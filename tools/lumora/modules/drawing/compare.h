@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Before/after pictures.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_COMPARE_H_
 #define LUMORA_TOOLS_MODULES_DRAWING_COMPARE_H_

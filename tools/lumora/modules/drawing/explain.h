@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A picture that shows what was found in it and what is done to it.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_EXPLAIN_H_
 #define LUMORA_TOOLS_MODULES_DRAWING_EXPLAIN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tools/lumora/modules/drawing/tilt.h"
 
 #include <opencv2/imgproc.hpp>

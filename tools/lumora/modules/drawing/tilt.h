@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Photos of a tilted camera.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_TILT_H_
 #define LUMORA_TOOLS_MODULES_DRAWING_TILT_H_

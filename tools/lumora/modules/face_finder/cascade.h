@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loading of cascade classifiers.
 #ifndef LUMORA_TOOLS_MODULES_FACE_FINDER_CASCADE_H_
 #define LUMORA_TOOLS_MODULES_FACE_FINDER_CASCADE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Both eyes inside the box of a face.
 #ifndef LUMORA_TOOLS_MODULES_FACE_FINDER_EYE_FINDER_H_
 #define LUMORA_TOOLS_MODULES_FACE_FINDER_EYE_FINDER_H_

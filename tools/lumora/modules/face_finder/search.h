@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The search for faces, with the cascade classifiers that come with OpenCV.
 #ifndef LUMORA_TOOLS_MODULES_FACE_FINDER_SEARCH_H_
 #define LUMORA_TOOLS_MODULES_FACE_FINDER_SEARCH_H_

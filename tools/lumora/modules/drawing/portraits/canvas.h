@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A small painter for illustrations: smooth closed shapes, flat or soft.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_CANVAS_H_
 #define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_CANVAS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Eyes, nose and mouth of the drawn portraits.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_FEATURES_H_
 #define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_FEATURES_H_

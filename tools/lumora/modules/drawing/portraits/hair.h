@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hair of the drawn portraits. It comes in two layers, with the head between them.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_HAIR_H_
 #define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_HAIR_H_

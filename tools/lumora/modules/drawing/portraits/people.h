@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Who is drawn: the colours and traits in which the portraits differ.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PEOPLE_H_
 #define LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PEOPLE_H_

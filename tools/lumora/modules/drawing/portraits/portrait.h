@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Portraits drawn by the program itself: friendly faces whose landmarks are known exactly, in front
 // of wallpaper whose straight lines show every warp.
 #ifndef LUMORA_TOOLS_MODULES_DRAWING_PORTRAITS_PORTRAIT_H_
