@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "platform/buffer/test_image.h"
 #include "support/compare.h"
-#include "test_image.h"
 
 namespace lumora::test {
 namespace {

@@ -7,11 +7,11 @@
 #include <iterator>
 #include <vector>
 
-#include "faulty_driver.h"
 #include "lumora/platform/linux/memory_object.h"
 #include "lumora/platform/linux/memory_object_rehearsal.h"
+#include "platform/buffer/faulty_driver.h"
+#include "platform/buffer/test_image.h"
 #include "support/compare.h"
-#include "test_image.h"
 
 namespace lumora::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <array>
 #include <random>
 
-#include "two_sided_image.h"
+#include "platform/buffer/two_sided_image.h"
 
 namespace {
 

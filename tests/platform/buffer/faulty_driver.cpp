@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "faulty_driver.h"
+#include "platform/buffer/faulty_driver.h"
 
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/buffer/test_image.h"
 #include "support/compare.h"
-#include "test_image.h"
 
 namespace lumora::test {
 namespace {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "lumora/platform/gralloc.h"
+#include "platform/buffer/test_image.h"
 #include "support/compare.h"
-#include "test_image.h"
 
 namespace lumora::test {
 namespace {

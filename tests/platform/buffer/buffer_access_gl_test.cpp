@@ -5,8 +5,8 @@
 #include <algorithm>
 
 #include "lumora/platform/buffer/cpu_access.h"
+#include "platform/buffer/test_image.h"
 #include "support/compare.h"
-#include "test_image.h"
 
 namespace lumora::test {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "test_image.h"
+#include "platform/buffer/test_image.h"
 
 #include <array>
 #include <cstring>

@@ -5,9 +5,9 @@
 
 #include <memory>
 
-#include "faulty_driver.h"
 #include "lumora/convert/gpu_color_converter.h"
 #include "lumora/engine/gpu_beauty_face.h"
+#include "platform/buffer/faulty_driver.h"
 
 namespace lumora::test {
 namespace {
