@@ -420,9 +420,15 @@ TEST(Modules, WithoutTheModulesOnlySearchingAndDrawingFail) {
                        "cannot search for faces: ");
   EXPECT_FALSE(std::filesystem::exists(out));
   const std::string sheet = folder / "sheet.png";
-  ExpectOneLineOfError(
-      RunLumora({"photo", in, "-o", out, "--slim", "0", "--compare", sheet}, {}, alone), 1,
-      "cannot draw: ");
+  const std::string missing = folder / "missing.png";
+  for (const std::string& picture : {in, missing}) {  // told before the picture is read
+    ExpectOneLineOfError(
+        RunLumora({"photo", picture, "-o", out, "--slim", "0", "--compare", sheet}, {}, alone), 1,
+        "cannot draw: ");
+    ExpectOneLineOfError(
+        RunLumora({"rectify", picture, "-o", out, "--degree", "5", "--compare", sheet}, {}, alone),
+        1, "cannot draw: ");
+  }
   EXPECT_FALSE(std::filesystem::exists(out));
   EXPECT_EQ(RunLumora({"photo", in, "-o", out, "--slim", "0"}, {}, alone).exit_code, 0);
   EXPECT_EQ(RunLumora({"--help"}, {}, alone).exit_code, 0);

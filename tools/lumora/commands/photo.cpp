@@ -44,6 +44,11 @@ void CheckNames(const PhotoOptions& options) {
                       options.json);
 }
 
+/// Whether a sheet is to be drawn.
+bool Draws(const PhotoOptions& options) {
+  return !options.compare.empty() || !options.explain.empty();
+}
+
 /// Whether anything depends on the faces; otherwise none are looked for.
 bool NeedsFaces(const PhotoOptions& options, const Look& look) {
   return !IsOff(look) || !options.explain.empty() || options.json || options.require_face;
@@ -103,6 +108,7 @@ class Photo {
 
   ExitCode Run() {
     CheckNames(options_);
+    if (Draws(options_)) Draw();  // what cannot be drawn is told before the work is done
     const double start = Now();
     edit_ = std::make_unique<PictureEdit>(options_.in, AppetiteOf(options_));
     const double decoded = Now();
@@ -136,8 +142,7 @@ class Photo {
   }
 
   void Process() {
-    const bool compares = !options_.compare.empty() || !options_.explain.empty();
-    if (compares) before_ = edit_->picture().Bgr();
+    if (Draws(options_)) before_ = edit_->picture().Bgr();
     if (found_.empty() || IsOff(look_)) return;  // exactly off: nothing is started
     const Frame420 frame = edit_->picture().Frame();
     edit_->Merge(frame, Retoucher().Process(frame, Faces(), look_, &report_, options_.chain));

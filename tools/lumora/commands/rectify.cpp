@@ -29,6 +29,7 @@ struct RectifyOptions {
 
 ExitCode Rectify(const RectifyOptions& options) {
   CheckPictureOutputs({options.in}, {options.out, options.compare}, options.json);
+  if (!options.compare.empty()) Draw();  // what cannot be drawn is told before the work is done
   const double start = Now();
   PictureEdit edit(options.in, options.appetite);
   const Image before = options.compare.empty() ? Image() : edit.picture().Bgr();
