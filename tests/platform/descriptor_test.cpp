@@ -94,11 +94,11 @@ TEST(Owners, AreUsOrRootAndNobodyElseMayWrite) {
   struct stat status = {};
   for (const uid_t owner : {::geteuid(), uid_t{0}}) {
     status.st_uid = owner;
-    for (const mode_t mode : {0600, 0644, 0755}) {
+    for (const mode_t mode : {0600U, 0644U, 0755U}) {
       status.st_mode = S_IFREG | mode;
       EXPECT_TRUE(IsOnlyOurs(status)) << owner << " " << mode;
     }
-    for (const mode_t mode : {0660, 0622, 0777}) {
+    for (const mode_t mode : {0660U, 0622U, 0777U}) {
       status.st_mode = S_IFREG | mode;
       EXPECT_FALSE(IsOnlyOurs(status)) << owner << " " << mode;
     }
