@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 /// Where the program lies; without /proc, as it was called.
 fs::path Program() {
   std::error_code error;
-  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  fs::path program = fs::read_symlink("/proc/self/exe", error);
   if (!error) return program;
   return fs::canonical(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), error);
 }
