@@ -183,9 +183,10 @@ TEST_F(ConverterTest, LivesBesidePipelinesAndOtherConverters) {
       const auto converter = Converter::Create(nullptr);
       FrameMemory mine(PixelFormat::NV21, 96, 64), out(PixelFormat::NV21, 96, 64);
       mine.Fill(samples);
+      const Face face = FaceIn(96, 64);
       for (int frame = 0; frame < 3; ++frame) {
         ImageMemory rgb(96, 64, 3);
-        if (!pipeline->Process({mine.const_view(), out.view(), {FaceIn(96, 64)}, kFull}).ok() ||
+        if (!pipeline->Process({mine.const_view(), out.view(), face, kFull}).ok() ||
             !converter->Convert(mine.const_view(), rgb.view(), {}).ok() ||
             rgb.bytes != expected.bytes) {
           ++wrong[i];

@@ -32,7 +32,8 @@ using Call =
 
 Call Beautify(Look look, Chain chain) {
   return [=](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-    return pipeline.Process({in, out, {FaceIn(kWidth, kHeight)}, look, chain});
+    const Face face = FaceIn(kWidth, kHeight);
+    return pipeline.Process({in, out, face, look, chain});
   };
 }
 

@@ -26,11 +26,9 @@ TEST_F(PipelineTest, SlimZeroIsAnExactCopyInEveryFormat) {
         FrameMemory in(from, width, height, 3);
         FrameMemory out(to, width, height, 11);
         in.Fill(samples);
+        const Face face = FaceIn(width, height);
         Report report;
-        ASSERT_TRUE(
-            pipeline_
-                ->Process({in.const_view(), out.view(), {FaceIn(width, height)}, kOff}, &report)
-                .ok());
+        ASSERT_TRUE(pipeline_->Process({in.const_view(), out.view(), face, kOff}, &report).ok());
         EXPECT_TRUE(out.Read() == samples);
         EXPECT_TRUE(out.GuardsIntact());
         EXPECT_EQ(report.chain, ChainUsed::None);

@@ -21,9 +21,9 @@ TEST_F(PipelineTest, LeavesTheOutputAsItWasWhenArgumentsAreWrong) {
   FrameMemory in(PixelFormat::NV21, 64, 64);
   FrameMemory out(PixelFormat::I420, 64, 64, 4);
   const auto before = out.Everything();
+  const Face face = FaceIn(64, 64);
   Report report;
-  const Status status =
-      pipeline_->Process({in.const_view(), out.view(), {FaceIn(64, 64)}, Look{101}}, &report);
+  const Status status = pipeline_->Process({in.const_view(), out.view(), face, Look{101}}, &report);
   EXPECT_EQ(status.code, StatusCode::InvalidArgument);
   EXPECT_THAT(status.message, testing::HasSubstr("slim"));
   EXPECT_EQ(out.Everything(), before);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "lumora/pipeline/chain.h"
@@ -32,6 +33,18 @@ TEST(FaceSpan, HoldsTheFacesOfWhateverItIsMadeFrom) {
   expect(two[1], &two[1], 1);
   expect({two[0]}, two.data(), 1);
   expect({}, nullptr, 0);
+}
+
+template <typename Faces>
+constexpr bool kMayVanish = std::is_constructible_v<FaceSpan, Faces&&>;
+template <typename Faces>
+constexpr bool kStays = std::is_constructible_v<FaceSpan, const Faces&>;
+
+TEST(FaceSpan, IsNotMadeFromWhatIsAboutToGoAway) {
+  EXPECT_TRUE(kStays<Face> && kStays<std::vector<Face>> && (kStays<std::array<Face, 2>>));
+  EXPECT_FALSE(kMayVanish<Face> || kMayVanish<const Face>);
+  EXPECT_FALSE(kMayVanish<std::vector<Face>> || kMayVanish<const std::vector<Face>>);
+  EXPECT_FALSE((kMayVanish<std::array<Face, 2>>));
 }
 
 TEST(Lens, IsCoefficientsOrACamera) {

@@ -24,20 +24,21 @@ struct Operation {
   Status (*run)(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out);
 };
 
-std::vector<Face> Faces(int width, int height) {
-  const auto w = static_cast<float>(width);
-  const auto h = static_cast<float>(height);
-  return {FaceFromEyes({0.4f * w, 0.4f * h}, {0.6f * w, 0.4f * h})};
+Face FaceIn(const ConstFrameView& frame) {
+  const auto w = static_cast<float>(frame.width);
+  const auto h = static_cast<float>(frame.height);
+  return FaceFromEyes({0.4f * w, 0.4f * h}, {0.6f * w, 0.4f * h});
 }
 
 template <int slim, int whiten>
 Status Preview(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-  return pipeline.Process({in, out, Faces(in.width, in.height), Look{slim, whiten, whiten}});
+  const Face face = FaceIn(in);
+  return pipeline.Process({in, out, face, Look{slim, whiten, whiten}});
 }
 template <int slim, int whiten>
 Status Capture(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-  return pipeline.Process(
-      {in, out, Faces(in.width, in.height), Look{slim, whiten, whiten}, Chain::Capture});
+  const Face face = FaceIn(in);
+  return pipeline.Process({in, out, face, Look{slim, whiten, whiten}, Chain::Capture});
 }
 
 const Operation kOperations[] = {

@@ -58,7 +58,8 @@ struct Face {
 };
 
 /// Faces in the caller's memory, which stay there as long as the span is used: one, or those of a
-/// vector or an array, from which it is made by itself.
+/// vector or an array, from which it is made by itself. It cannot be made from one that is about to
+/// go away.
 class FaceSpan {
  public:
   constexpr FaceSpan() = default;  ///< no faces
@@ -69,6 +70,10 @@ class FaceSpan {
   constexpr FaceSpan(const std::array<Face, count>& faces) : FaceSpan(faces.data(), count) {}
   template <size_t count>
   constexpr FaceSpan(const Face (&faces)[count]) : FaceSpan(faces, count) {}
+  FaceSpan(const Face&&) = delete;
+  FaceSpan(const std::vector<Face>&&) = delete;
+  template <size_t count>
+  FaceSpan(const std::array<Face, count>&&) = delete;
 
   constexpr const Face* begin() const { return faces_; }
   constexpr const Face* end() const { return faces_ + count_; }
