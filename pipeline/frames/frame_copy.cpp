@@ -152,8 +152,6 @@ void CopyFrame(const ConstFrameView& in, const FrameView& out) {
 void PaddedFrame::Load(const ConstFrameView& in, FramePlace place) {
   SetSize(RoundUpTo(in.width, column_alignment_), RoundUpTo32(in.height));
   place_ = place;
-  frame_width_ = in.width;
-  frame_height_ = in.height;
   CopyApart(in, PackedView(luma(), chroma(), width_, place, in.width, in.height));
   ExtendPlane(luma(), width_, height_, 1,
               {place.left, place.left + in.width, place.top, place.top + in.height});
@@ -191,8 +189,6 @@ void PaddedFrame::StoreChroma(int row, RowSpan columns, const FrameView& out) co
 
 void PaddedFrame::Resize(const PaddedFrame& other) {
   SetSize(other.width_, other.height_);
-  frame_width_ = other.frame_width_;
-  frame_height_ = other.frame_height_;
 }
 
 void PaddedFrame::Copy(const PaddedFrame& other) {

@@ -46,9 +46,6 @@ class PaddedFrame {
 
   int width() const { return width_; }    ///< pixels, and bytes from row to row in both planes
   int height() const { return height_; }  ///< pixels
-  /// Pixels of the caller's frame.
-  int frame_width() const { return frame_width_; }
-  int frame_height() const { return frame_height_; }
   uint8_t* luma() { return bytes_.get(); }
   const uint8_t* luma() const { return bytes_.get(); }
   uint8_t* chroma() { return bytes_.get() + luma_size(); }
@@ -62,8 +59,6 @@ class PaddedFrame {
   int column_alignment_;
   int width_ = 0;
   int height_ = 0;
-  int frame_width_ = 0;
-  int frame_height_ = 0;
   FramePlace place_;
   size_t capacity_ = 0;
   std::unique_ptr<uint8_t[]> bytes_;
