@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <limits>
 #include <string>
-#include <utility>
 
 #include "pipeline/faces/face_bounds.h"
 #include "pipeline/frames/frame_check.h"
@@ -13,10 +12,6 @@
 
 namespace lumora {
 namespace {
-
-Status Invalid(std::string message) {
-  return Failure(StatusCode::InvalidArgument, std::move(message));
-}
 
 Status CheckScale(int value, const char* name) {
   if (value >= 0 && value <= 100) return {};

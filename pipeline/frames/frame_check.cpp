@@ -3,17 +3,12 @@
 
 #include <limits>
 #include <string>
-#include <utility>
 
 #include "pipeline/frames/frame_layout.h"
 #include "pipeline/support/failure.h"
 
 namespace lumora {
 namespace {
-
-Status Invalid(std::string message) {
-  return Failure(StatusCode::InvalidArgument, std::move(message));
-}
 
 std::string SizeText(int width, int height) {
   return std::to_string(width) + " x " + std::to_string(height);

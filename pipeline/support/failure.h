@@ -14,6 +14,10 @@ inline Status Failure(StatusCode code, std::string message) {
   return {code, std::move(message)};
 }
 
+inline Status Invalid(std::string message) {
+  return Failure(StatusCode::InvalidArgument, std::move(message));
+}
+
 }  // namespace lumora
 
 #endif  // LUMORA_PIPELINE_SUPPORT_FAILURE_H_
