@@ -83,13 +83,10 @@ Effect EffectOf(const Look& look) {
 /// Brings jobs with the same levels next to each other; groups and what is in them keep their
 /// order. In place, where sorting would ask for memory.
 void GroupByLevels(std::vector<WhiteningJob>* jobs) {
-  const auto same = [](const WhiteningJob& a, const WhiteningJob& b) {
-    return a.intensity_level == b.intensity_level && a.saturation_level == b.saturation_level;
-  };
   for (auto begin = jobs->begin(); begin != jobs->end();) {
     auto end = std::next(begin);
     for (auto job = end; job != jobs->end(); ++job) {
-      if (!same(*job, *begin)) continue;
+      if (!SameLevels(*job, *begin)) continue;
       if (job != end) std::rotate(end, job, std::next(job));
       ++end;
     }

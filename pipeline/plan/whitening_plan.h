@@ -24,6 +24,11 @@ struct WhiteningJob {
   SkinMask mask;
 };
 
+/// Whether a preview can draw both in one pass.
+inline bool SameLevels(const WhiteningJob& a, const WhiteningJob& b) {
+  return a.intensity_level == b.intensity_level && a.saturation_level == b.saturation_level;
+}
+
 /// What whitening does in a frame. Fills its memory anew for each one.
 struct WhiteningPlan {
   Effect effect = Effect::Both;    ///< never Auto

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "lumora/platform/gl_api.h"
 #include "pipeline/backends/gl/engine_faults.h"
-#include "pipeline/backends/gl/gl_state.h"
 #include "pipeline/backends/gl/merge.h"
 #include "pipeline/plan/frame_plan.h"
 #include "pipeline/plan/warp_geometry.h"
@@ -17,10 +17,8 @@ using Job = std::vector<WhiteningJob>::const_iterator;
 
 /// The end of the jobs from `begin` on that the engine can do in one pass over the frame.
 Job GroupEnd(Job begin, Job end) {
-  return std::find_if(begin, end, [&first = *begin](const WhiteningJob& job) {
-    return job.intensity_level != first.intensity_level ||
-           job.saturation_level != first.saturation_level;
-  });
+  return std::find_if(
+      begin, end, [&first = *begin](const WhiteningJob& job) { return !SameLevels(job, first); });
 }
 
 /// Draws one group: the engine's result for the whole frame goes to `work`.
