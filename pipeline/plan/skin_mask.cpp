@@ -100,7 +100,7 @@ void SkinMask::Make(const Face& face, const Ellipse& outer, int skin_luma, int w
   bounds_.y = clip(outer.centre.y - half_y, height);
   bounds_.width = clip(outer.centre.x + half_x + 2, width) - bounds_.x;
   bounds_.height = clip(outer.centre.y + half_y + 2, height) - bounds_.y;
-  if (bounds_.width > 0 && bounds_.height > 0) MakeGrid(face, outer);
+  if (!IsEmpty(bounds_)) MakeGrid(face, outer);
 }
 
 void SkinMask::MakeGrid(const Face& face, const Ellipse& outer) {

@@ -12,15 +12,13 @@
 namespace lumora {
 namespace {
 
-/// Adds the blocks that the engine walks in a rectangle of a frame.
+/// Adds the blocks that the engine walks in a rectangle of a frame, which they may leave.
 void ReportBlocks(const android::GPUBeautyFace& engine, const PixelRect& area, Report* report) {
-  ForEachBlock(
-      ClipToFrame(area, engine.m_nFullWidth, engine.m_nFullHeight), engine.m_nSrcWidth,
-      engine.m_nSrcHeight, [&](int x, int y) {
-        report->blocks.push_back({x, y, std::min(engine.m_nSrcWidth, engine.m_nFullWidth - x),
-                                  std::min(engine.m_nSrcHeight, engine.m_nFullHeight - y)});
-        return true;
-      });
+  ForEachBlock(ClipToFrame(area, engine.m_nFullWidth, engine.m_nFullHeight), engine.m_nSrcWidth,
+               engine.m_nSrcHeight, [&](int x, int y) {
+                 report->blocks.push_back({x, y, engine.m_nSrcWidth, engine.m_nSrcHeight});
+                 return true;
+               });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "lumora/geometry/rectangle.h"
 #include "lumora/geometry/rounding.h"
 #include "lumora/platform/settings.h"
 #include "pipeline/backends/gl/engine_faults.h"
@@ -17,14 +18,8 @@ namespace {
 
 /// Cuts rectangles at the borders of the caller's frame, which the engine's is larger than.
 void ClipBlocks(int width, int height, std::vector<PixelRect>* blocks) {
-  for (PixelRect& block : *blocks) {
-    block.width = std::min(block.width, width - block.x);
-    block.height = std::min(block.height, height - block.y);
-  }
-  blocks->erase(
-      std::remove_if(blocks->begin(), blocks->end(),
-                     [](const PixelRect& block) { return block.width <= 0 || block.height <= 0; }),
-      blocks->end());
+  for (PixelRect& block : *blocks) block = CutToImage(block, width, height);
+  blocks->erase(std::remove_if(blocks->begin(), blocks->end(), IsEmpty), blocks->end());
 }
 
 /// Where a frame has its middle in the middle of what the engine gets.

@@ -52,7 +52,7 @@ void ForEachSpan(const FacePlan& face, int width, int height, Luma luma, Chroma 
 void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
            std::vector<float>* memory) {
   const PixelRectangle& bounds = mask.bounds();
-  if (bounds.width <= 0 || bounds.height <= 0) return;
+  if (IsEmpty(bounds)) return;
   const auto columns = static_cast<size_t>(bounds.width);
   memory->resize(2 * columns);
   float* const upper = memory->data();
