@@ -32,7 +32,8 @@ class CpuAccess {
   CpuAccess(GraphicBuffer* buffer, CpuUse use, const PixelRectangle& part);
 
   /// An access that was not ended ends here and publishes nothing: what it wrote to a part is given
-  /// up, what it wrote to the whole stays with the CPU until the next release.
+  /// up unless cleanPart follows, what it wrote to the whole stays with the CPU until the next
+  /// release.
   ~CpuAccess() = default;
   CpuAccess(const CpuAccess&) = delete;
   CpuAccess& operator=(const CpuAccess&) = delete;

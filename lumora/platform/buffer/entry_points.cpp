@@ -8,6 +8,7 @@
 #include "lumora/platform/buffer/buffer_backing.h"
 #include "lumora/platform/buffer/buffer_registry.h"
 #include "lumora/platform/buffer/buffer_state.h"
+#include "lumora/platform/buffer/cpu_access.h"
 
 namespace lumora::platform {
 
@@ -76,9 +77,7 @@ int GraphicBuffer::clean() {
 }
 
 unsigned char* GraphicBuffer::lockForOverwrite() {
-  if (state_->backing == nullptr) return nullptr;
-  return state_->coherence.Overwrite(state_->coherence.whole()) ? state_->backing->address()
-                                                                : nullptr;
+  return CpuAccess(this, CpuUse::Overwrite).pixels();  // clean publishes, not this access
 }
 
 int GraphicBuffer::readInto(const PixelRectangle& part, unsigned char* pixels, int stride) {
@@ -94,9 +93,7 @@ int GraphicBuffer::writeFrom(const PixelRectangle& part, const unsigned char* pi
 }
 
 unsigned char* GraphicBuffer::lockPart(int x, int y, int width, int height) {
-  if (state_->backing == nullptr) return nullptr;
-  return state_->coherence.Write(state_->Part({x, y, width, height})) ? state_->backing->address()
-                                                                      : nullptr;
+  return CpuAccess(this, CpuUse::Write, {x, y, width, height}).pixels();  // cleanPart publishes
 }
 
 int GraphicBuffer::cleanPart(int x, int y, int width, int height) {
