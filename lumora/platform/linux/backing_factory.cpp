@@ -9,7 +9,7 @@
 #include "lumora/platform/linux/memory_object.h"
 #include "lumora/platform/linux/memory_object_proof.h"
 #include "lumora/platform/linux/staged.h"
-#include "lumora/platform/log.h"
+#include "lumora/platform/log_channel.h"
 #include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
@@ -39,11 +39,10 @@ constexpr const Candidate& kFallback = kCandidates.back();
 void ReportMissingKind(const char* name) {
   static std::atomic<bool> reported{false};
   if (reported.exchange(true)) return;
-  constexpr const char* kTag = "LumoraPlatform";
-  unsigned char mask = 0;
-  if ((__korvolog_init_mask(kTag, -1, &mask) & LevelBit(kLogError)) == 0) return;
-  PrinterFor(kLogError, kTag)(kLogError, kTag,
-                              "LUMORA_BUFFER=%s is not available here, using staged buffers", name);
+  LogChannel channel{"LumoraPlatform"};
+  if (!channel.Enables(kLogError)) return;
+  PrinterFor(kLogError, channel.tag)(
+      kLogError, channel.tag, "LUMORA_BUFFER=%s is not available here, using staged buffers", name);
 }
 
 const Candidate& ForcedCandidate(const char* name) {
