@@ -20,11 +20,9 @@ LUMORA_LOG_TAG("GPUColorConvert");
 namespace android {
 namespace {
 
-/// The EGL members; whether the display is referenced is the converter's secret.
-lumora::platform::OffscreenHandles EglHandles(GPUColorConverter& converter,
-                                              bool& display_referenced) {
+lumora::platform::OffscreenHandles EglHandles(GPUColorConverter& converter) {
   return {converter.m_eglDisplay, converter.m_eglConfig, converter.m_eglSurface,
-          converter.m_eglContext, display_referenced};
+          converter.m_eglContext};
 }
 
 /// A shared image, owned by the caller; null where there can be none.
@@ -76,7 +74,7 @@ GPUColorConverter::GPUColorConverter()
       m_bDisplayReferenced(false) {
   LOGI("GPUColorConverter()+");
   const bool ready = lumora::platform::CreateOffscreenContext(
-      EglHandles(*this, m_bDisplayReferenced),
+      EglHandles(*this), m_bDisplayReferenced,
       [](const char* step) { LOGD("[%s] %s successfully", "GPUColorConverter", step); });
   if (!ready) {
     // What was made stays: the destructor does nothing without a context. A display that nobody
@@ -94,7 +92,7 @@ GPUColorConverter::~GPUColorConverter() {
   if (!m_bEGLReady) return;
   if (m_bIsInit) DeInit();
   lumora::platform::DestroyOffscreenContext(
-      EglHandles(*this, m_bDisplayReferenced),
+      EglHandles(*this), m_bDisplayReferenced,
       [](const char* step) { LOGI("[%s] %s", "~GPUColorConverter", step); });
   m_bEGLReady = false;
   LOGI("~GPUColorConverter()-");

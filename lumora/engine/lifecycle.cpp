@@ -52,10 +52,8 @@ void DeletePlaneTexture(GLuint& texture) {
   texture = lumora::kNoName;
 }
 
-/// The EGL members; whether the display is referenced is the engine's secret.
-lumora::platform::OffscreenHandles EglHandles(GPUBeautyFace& engine, bool& display_referenced) {
-  return {engine.m_eglDisplay, engine.m_eglConfig, engine.m_eglSurface, engine.m_eglContext,
-          display_referenced};
+lumora::platform::OffscreenHandles EglHandles(GPUBeautyFace& engine) {
+  return {engine.m_eglDisplay, engine.m_eglConfig, engine.m_eglSurface, engine.m_eglContext};
 }
 
 /// Sets the sizes that follow from that of the frame that the effects run on.
@@ -122,7 +120,7 @@ GPUBeautyFace::GPUBeautyFace()
       m_bDisplayReferenced(false) {
   LOGI("GPUBeautyFace()+");
   const bool ready = lumora::platform::CreateOffscreenContext(
-      EglHandles(*this, m_bDisplayReferenced),
+      EglHandles(*this), m_bDisplayReferenced,
       [](const char* step) { LOGD("[%s] %s successfully", "GPUBeautyFace", step); });
   if (!ready) return;
   m_bEGLReady = true;
@@ -133,7 +131,7 @@ GPUBeautyFace::~GPUBeautyFace() {
   LOGI("~GPUBeautyFace()+");
   if (m_bIsInit) DeInit();
   lumora::platform::DestroyOffscreenContext(
-      EglHandles(*this, m_bDisplayReferenced),
+      EglHandles(*this), m_bDisplayReferenced,
       [](const char* step) { LOGI("[%s] %s", "~GPUBeautyFace", step); });
   m_bEGLReady = false;
   LOGI("~GPUBeautyFace()-");

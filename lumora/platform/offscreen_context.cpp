@@ -25,7 +25,8 @@ constexpr EGLint kConfigCapacity = 10;
 
 }  // namespace
 
-bool CreateOffscreenContext(const OffscreenHandles& egl, EglStepLog done) {
+bool CreateOffscreenContext(const OffscreenHandles& egl, bool& display_referenced,
+                            EglStepLog done) {
   egl.display = GetDisplay();
   if (egl.display == EGL_NO_DISPLAY) return false;
   done("m_eglDisplay");
@@ -33,7 +34,7 @@ bool CreateOffscreenContext(const OffscreenHandles& egl, EglStepLog done) {
   EGLint major = 0;
   EGLint minor = 0;
   if (Initialize(egl.display, &major, &minor) == EGL_FALSE) return false;
-  egl.display_referenced = true;
+  display_referenced = true;
 
   EGLConfig configs[kConfigCapacity] = {};
   EGLint count = 0;
@@ -73,7 +74,8 @@ void DestroyContext(const OffscreenHandles& egl, EglStepLog about_to) {
   }
 }
 
-void DestroyOffscreenContext(const OffscreenHandles& egl, EglStepLog about_to) {
+void DestroyOffscreenContext(const OffscreenHandles& egl, bool& display_referenced,
+                             EglStepLog about_to) {
   if (egl.display == EGL_NO_DISPLAY) return;
   // Draws that still sample shared memory must not outlive the context: drivers unmap it with them.
   if (egl.context != EGL_NO_CONTEXT && eglGetCurrentContext() == egl.context) glFinish();
@@ -81,8 +83,8 @@ void DestroyOffscreenContext(const OffscreenHandles& egl, EglStepLog about_to) {
   eglMakeCurrent(egl.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
   DestroyContext(egl, about_to);
   about_to("eglTerminate");
-  if (egl.display_referenced) Terminate(egl.display);
-  egl.display_referenced = false;
+  if (display_referenced) Terminate(egl.display);
+  display_referenced = false;
   egl.display = EGL_NO_DISPLAY;
 }
 

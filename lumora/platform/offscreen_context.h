@@ -13,7 +13,6 @@ struct OffscreenHandles {
   EGLConfig& config;
   EGLSurface& surface;
   EGLContext& context;
-  bool& display_referenced;  ///< whether the display was initialised, so must be terminated
 };
 
 /// Called with the name of a step: after its success when building, before it when tearing down.
@@ -21,11 +20,14 @@ using EglStepLog = void (*)(const char* step);
 
 /// Builds display, configuration, context and surface and makes them current on this thread.
 /// Returns false at the first failure; what was made until then stays in the handles.
-bool CreateOffscreenContext(const OffscreenHandles& handles, EglStepLog done);
+/// `display_referenced` becomes true when the display was initialised, so must be terminated.
+bool CreateOffscreenContext(const OffscreenHandles& handles, bool& display_referenced,
+                            EglStepLog done);
 
-/// Undoes CreateOffscreenContext, complete or not, and clears the handles. Nothing happens without
-/// a display.
-void DestroyOffscreenContext(const OffscreenHandles& handles, EglStepLog about_to);
+/// Undoes CreateOffscreenContext, complete or not, and clears the handles and
+/// `display_referenced`. Nothing happens without a display.
+void DestroyOffscreenContext(const OffscreenHandles& handles, bool& display_referenced,
+                             EglStepLog about_to);
 
 /// The inner half of each, for a display and a configuration that are there: context and surface
 /// are made and become current; surface and context go, whether or not they are current.

@@ -32,7 +32,7 @@ class PrivateContext {
 
  private:
   static void Ignore(const char*) {}
-  OffscreenHandles Handles() { return {display_, config_, surface_, context_, referenced_}; }
+  OffscreenHandles Handles() { return {display_, config_, surface_, context_}; }
 
   const EGLContext former_context_ = eglGetCurrentContext();
   const EGLSurface former_draw_ = eglGetCurrentSurface(EGL_DRAW);
@@ -41,7 +41,6 @@ class PrivateContext {
   EGLConfig config_ = nullptr;
   EGLSurface surface_ = EGL_NO_SURFACE;
   EGLContext context_ = EGL_NO_CONTEXT;
-  bool referenced_ = false;  ///< the display is the former context's
   const bool current_;
 };
 
