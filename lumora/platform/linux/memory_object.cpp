@@ -162,9 +162,8 @@ class MemoryObjectBacking final : public BufferBacking {
   CpuImage own() const { return {address(), static_cast<int>(geometry_.stride)}; }
 
   bool Finish() {
-    if (!imported_) return true;
-    if (!imported_->texture().IsContextCurrent()) return false;
-    imported_->WaitForGpu();
+    if (!Reachable()) return false;
+    if (imported_) imported_->WaitForGpu();
     return true;
   }
 
