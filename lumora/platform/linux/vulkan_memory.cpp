@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumora/platform/linux/vulkan_memory.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <memory>
 #include <mutex>
 #include <vector>
 
+#include "lumora/platform/descriptor.h"
 #include "lumora/platform/immortal.h"
 #include "lumora/platform/linux/fresh_memory.h"
 #include "lumora/platform/out_of_memory.h"
@@ -99,9 +98,8 @@ std::optional<VulkanAllocation> VulkanMemory::Allocate(const BufferGeometry& geo
     return std::nullopt;
   }
   allocation.address = static_cast<unsigned char*>(address);
-  const int descriptor = ExportDescriptor(allocation);
-  ZeroFreshMemory(allocation.address, allocation.size, descriptor);
-  if (descriptor >= 0) close(descriptor);
+  const Descriptor descriptor(ExportDescriptor(allocation));
+  ZeroFreshMemory(allocation.address, allocation.size, descriptor.Get());
   return allocation;
 }
 
