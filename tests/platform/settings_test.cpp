@@ -11,11 +11,9 @@
 #include <string>
 #include <vector>
 
+#include "lumora/platform/linux/liblog.h"
 #include "lumora/platform/log.h"
 #include "support/scoped.h"
-
-// Provided by the platform's liblog.
-extern "C" int __android_log_set_minimum_priority(int priority);
 
 namespace {
 
@@ -141,8 +139,7 @@ TEST(LogMask, IncludesWhatIsMoreUrgentThanTheChoice) {
 
 TEST(LogMask, FollowsThePriorityThatTheProcessSet) {
   const ScopedEnvironment variable("LUMORA_LOG", kUnset);
-  constexpr int kDebug = 3;
-  const int before = __android_log_set_minimum_priority(kDebug);
+  const int before = __android_log_set_minimum_priority(lumora::kLogDebug);
   EXPECT_EQ(Mask("Lumora"), kDebugBit | kInfoBit | kErrorBit);
   {
     const ScopedEnvironment choice("LUMORA_LOG", "error");
