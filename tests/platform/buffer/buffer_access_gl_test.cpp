@@ -16,33 +16,14 @@ using platform::CpuUse;
 using platform::PixelRectangle;
 using reference::Image;
 
-constexpr int kWidth = 64;
-constexpr int kHeight = 8;
-constexpr PixelRectangle kPart{5, 2, 20, 3};
-constexpr PixelRectangle kWhole{0, 0, kWidth, kHeight};
-
 class BufferAccess : public BufferTest {};
 INSTANTIATE_TEST_SUITE_P(Kinds, BufferAccess, kBufferKinds, KindName);
-
-Image PatternImage(unsigned seed) {
-  return Pattern(kWidth, kHeight, seed);
-}
-
-Image Shown(const TestImage& image) {
-  return ReadTexture(image.texture(), kWidth, kHeight);
-}
 
 /// Writes `part` of a picture as wide as the buffer's rows.
 void Write(unsigned char* pixels, const Image& picture, const PixelRectangle& part) {
   for (int y = part.y; y < part.y + part.height; ++y) {
     std::copy_n(picture.pixel(part.x, y), part.width * 4, pixels + (y * kWidth + part.x) * 4);
   }
-}
-
-/// The picture with `part` of another one.
-Image Patched(Image picture, const Image& patch, const PixelRectangle& part) {
-  Write(picture.bytes.data(), patch, part);
-  return picture;
 }
 
 TEST_P(BufferAccess, ToAPartSeesWhatWasDrawnThereAndShowsWhatIsWritten) {
@@ -58,7 +39,7 @@ TEST_P(BufferAccess, ToAPartSeesWhatWasDrawnThereAndShowsWhatIsWritten) {
     Write(access.pixels(), PatternImage(2), kPart);
     EXPECT_TRUE(access.End());
     EXPECT_EQ(access.pixels(), nullptr);
-    const Image expected = Patched(Plain(kWidth, kHeight, 60), PatternImage(2), kPart);
+    const Image expected = Patched(PlainImage(60), PatternImage(2), kPart);
     EXPECT_TRUE(SameImage(expected, Shown(image)));
     EXPECT_TRUE(SameImage(expected, image.read()));
   }
@@ -87,7 +68,7 @@ TEST_P(BufferAccess, ToReadLeavesTheGpusSideAlone) {
     ASSERT_NE(whole.pixels(), nullptr);
     EXPECT_EQ(62, whole.pixels()[0]);
   }
-  EXPECT_TRUE(SameImage(Plain(kWidth, kHeight, 62), Shown(image)));
+  EXPECT_TRUE(SameImage(PlainImage(62), Shown(image)));
 }
 
 TEST_P(BufferAccess, ThatWasNotEndedPublishesNothing) {
@@ -98,7 +79,7 @@ TEST_P(BufferAccess, ThatWasNotEndedPublishesNothing) {
     Write(access.pixels(), PatternImage(5), kWhole);
   }
   if (GetParam() == platform::BufferKind::Staged) {
-    EXPECT_TRUE(SameImage(Plain(kWidth, kHeight, 63), Shown(image)));
+    EXPECT_TRUE(SameImage(PlainImage(63), Shown(image)));
   }
   EXPECT_EQ(0, image.buffer().clean()) << "the bytes stayed with the CPU";
   EXPECT_TRUE(SameImage(PatternImage(5), Shown(image)));
@@ -123,7 +104,7 @@ TEST_P(BufferAccess, TellsThatPixelsAreNotToBeHad) {
   EXPECT_EQ(nothing.pixels(), nullptr);
   EXPECT_FALSE(nothing.End());
   ASSERT_TRUE(context().make_current());
-  EXPECT_TRUE(SameImage(Plain(kWidth, kHeight, 64), image.read()));
+  EXPECT_TRUE(SameImage(PlainImage(64), image.read()));
 }
 
 TEST_P(BufferAccess, TellsThatWhatWasWrittenCouldNotBePublished) {

@@ -16,23 +16,11 @@ using platform::NoteColorAttachment;
 using platform::PixelRectangle;
 using reference::Image;
 
-constexpr int kWidth = 64;
-constexpr int kHeight = 8;
 constexpr int kStride = 71;  // pixels a row in the caller's memory
 constexpr unsigned char kUntouched = 0xa5;
-constexpr PixelRectangle kWhole{0, 0, kWidth, kHeight};
-constexpr PixelRectangle kPart{5, 2, 20, 3};
 
 class BufferDirect : public BufferTest {};
 INSTANTIATE_TEST_SUITE_P(Kinds, BufferDirect, kBufferKinds, KindName);
-
-Image PatternImage(unsigned seed) {
-  return Pattern(kWidth, kHeight, seed);
-}
-
-Image Shown(const TestImage& image) {
-  return ReadTexture(image.texture(), kWidth, kHeight);
-}
 
 /// Memory of a caller's, with rows of kStride pixels.
 class CallerRows {
@@ -65,15 +53,6 @@ class CallerRows {
  private:
   std::vector<unsigned char> bytes_;
 };
-
-/// What reads show of a picture in which only `part` was replaced.
-Image Patched(const Image& picture, const Image& patch, const PixelRectangle& part) {
-  Image result = picture;
-  for (int y = part.y; y < part.y + part.height; ++y) {
-    std::copy_n(patch.pixel(part.x, y), part.width * 4, result.pixel(part.x, y));
-  }
-  return result;
-}
 
 TEST_P(BufferDirect, ReadsWhatWasDrawnAndLeavesItToBeLocked) {
   TestImage source(kWidth, kHeight);
@@ -108,7 +87,7 @@ TEST_P(BufferDirect, ReadsDrawsWithoutNoticeIntoAttachedImages) {
   Clear(image, 60, Notice::Silent);
   CallerRows rows;
   EXPECT_EQ(0, image.buffer().readInto(kWhole, rows.pixels(), kStride));
-  EXPECT_TRUE(rows.hold(Plain(kWidth, kHeight, 60), kWhole));
+  EXPECT_TRUE(rows.hold(PlainImage(60), kWhole));
 }
 
 TEST_P(BufferDirect, WritesReachTheTextureAndLaterLocks) {
@@ -132,8 +111,7 @@ TEST_P(BufferDirect, WritesGoOverDraws) {
   for (unsigned char level = 10; level < 14; ++level) {
     Clear(image, level);
     EXPECT_EQ(0, image.buffer().writeFrom(kPart, rows.pixels(), kStride));
-    EXPECT_TRUE(
-        SameImage(Patched(Plain(kWidth, kHeight, level), PatternImage(7), kPart), image.read()));
+    EXPECT_TRUE(SameImage(Patched(PlainImage(level), PatternImage(7), kPart), image.read()));
   }
 }
 
@@ -170,7 +148,7 @@ TEST_P(BufferDirect, WithoutATextureOrItsContextNothingIsCopied) {
   }
   ASSERT_TRUE(context().make_current());
   EXPECT_TRUE(rows.hold(PatternImage(1), {0, 0, 0, 0}));
-  EXPECT_TRUE(SameImage(Plain(kWidth, kHeight, 70), image.read()));
+  EXPECT_TRUE(SameImage(PlainImage(70), image.read()));
 }
 
 TEST_P(BufferDirect, OverwrittenImagesShowTheNewPicture) {

@@ -92,10 +92,10 @@ TEST_P(Buffer, BytesOutsideTheImageAreNeverTouchedByTheGpu) {
 }
 
 TEST_P(Buffer, SamplesLikeAnOrdinaryTextureWhenMirroredAndFiltered) {
-  constexpr int kWidth = 96, kHeight = 40;
-  const Image picture = Pattern(kWidth, kHeight, 3);
-  TestImage source(kWidth, kHeight);
-  TestImage target(kWidth, kHeight);
+  constexpr int kWide = 96, kHigh = 40;
+  const Image picture = Pattern(kWide, kHigh, 3);
+  TestImage source(kWide, kHigh);
+  TestImage target(kWide, kHigh);
   source.upload(picture);
   glBindTexture(GL_TEXTURE_2D, source.texture());
   for (const int wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
@@ -105,9 +105,9 @@ TEST_P(Buffer, SamplesLikeAnOrdinaryTextureWhenMirroredAndFiltered) {
     glTexParameteri(GL_TEXTURE_2D, static_cast<GLenum>(filter), GL_LINEAR);
   }
   const Texture ordinary(picture, Filter::Linear, Wrap::MirroredRepeat);
-  Draw(ordinary.name(), target, kWidth, kHeight, -1.3f, 2.2f);
+  Draw(ordinary.name(), target, kWide, kHigh, -1.3f, 2.2f);
   const Image expected = target.read();
-  Draw(source.texture(), target, kWidth, kHeight, -1.3f, 2.2f);
+  Draw(source.texture(), target, kWide, kHigh, -1.3f, 2.2f);
   EXPECT_TRUE(SameImage(expected, target.read()));
   EXPECT_FALSE(SameImage(picture, expected)) << "the coordinates select the picture itself";
 }

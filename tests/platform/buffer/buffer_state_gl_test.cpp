@@ -16,22 +16,8 @@ namespace {
 using platform::NoteColorAttachment;
 using reference::Image;
 
-constexpr int kWidth = 64;
-constexpr int kHeight = 8;
-
 class BufferState : public BufferTest {};
 INSTANTIATE_TEST_SUITE_P(Kinds, BufferState, kBufferKinds, KindName);
-
-Image PlainImage(unsigned char level) {
-  return Plain(kWidth, kHeight, level);
-}
-Image PatternImage(unsigned seed) {
-  return Pattern(kWidth, kHeight, seed);
-}
-
-Image Shown(const TestImage& image) {
-  return ReadTexture(image.texture(), kWidth, kHeight);
-}
 
 TEST_P(BufferState, UnlockAfterRenderingKeepsWhatWasRendered) {
   TestImage image(kWidth, kHeight);

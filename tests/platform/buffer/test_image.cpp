@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/buffer/test_image.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -125,6 +126,10 @@ void Draw(GLuint texture, const TestImage& image, int width, int height, float f
   glDeleteProgram(program);
 }
 
+Image Shown(const TestImage& image) {
+  return ReadTexture(image.texture(), image.width(), image.height());
+}
+
 Image Pattern(int width, int height, unsigned seed) {
   Image picture(width, height);
   unsigned state = seed * 2654435761u + 1;
@@ -138,6 +143,21 @@ Image Pattern(int width, int height, unsigned seed) {
 Image Plain(int width, int height, unsigned char level) {
   Image picture(width, height);
   picture.fill(level, level, level, level);
+  return picture;
+}
+
+Image PatternImage(unsigned seed) {
+  return Pattern(kWidth, kHeight, seed);
+}
+
+Image PlainImage(unsigned char level) {
+  return Plain(kWidth, kHeight, level);
+}
+
+Image Patched(Image picture, const Image& patch, const platform::PixelRectangle& part) {
+  for (int y = part.y; y < part.y + part.height; ++y) {
+    std::copy_n(patch.pixel(part.x, y), part.width * 4, picture.pixel(part.x, y));
+  }
   return picture;
 }
 

@@ -16,6 +16,13 @@
 
 namespace lumora::test {
 
+/// The size of most tests' images, whose rows are as long as the buffer's; all of such an image,
+/// and a part.
+constexpr int kWidth = 64;
+constexpr int kHeight = 8;
+constexpr platform::PixelRectangle kWhole{0, 0, kWidth, kHeight};
+constexpr platform::PixelRectangle kPart{5, 2, 20, 3};
+
 /// Needs a current context; leaves its texture and framebuffer bound.
 class TestImage {
  public:
@@ -24,6 +31,8 @@ class TestImage {
   TestImage(const TestImage&) = delete;
   TestImage& operator=(const TestImage&) = delete;
 
+  int width() const { return width_; }
+  int height() const { return height_; }
   platform::GraphicBuffer& buffer() { return *buffer_; }
   GLuint texture() const { return texture_; }
   GLuint framebuffer() const { return framebuffer_; }
@@ -59,10 +68,19 @@ void Clear(const TestImage& image, unsigned char level, Notice notice = Notice::
 void Draw(GLuint texture, const TestImage& image, int width, int height, float first = 0.0f,
           float last = 1.0f);
 
+/// What the GPU samples of the image.
+reference::Image Shown(const TestImage& image);
+
 /// A picture whose every pixel is different from its neighbours; `seed` gives another one.
 reference::Image Pattern(int width, int height, unsigned seed);
 /// A picture of one level in all four channels.
 reference::Image Plain(int width, int height, unsigned char level);
+/// The same of kWidth x kHeight pixels.
+reference::Image PatternImage(unsigned seed);
+reference::Image PlainImage(unsigned char level);
+/// The picture with `part` of another one.
+reference::Image Patched(reference::Image picture, const reference::Image& patch,
+                         const platform::PixelRectangle& part);
 
 /// A context, with one kind of buffers forced. Skipped where the kind is not available.
 class BufferTest : public GlTest, public testing::WithParamInterface<platform::BufferKind> {

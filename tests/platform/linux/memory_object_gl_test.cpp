@@ -18,11 +18,7 @@ namespace {
 
 using platform::BufferKind;
 using platform::GraphicBuffer;
-using platform::PixelRectangle;
 using reference::Image;
-
-constexpr int kWidth = 64;
-constexpr int kHeight = 8;
 
 // ---- Waiting --------------------------------------------------------------------------------
 
@@ -78,7 +74,6 @@ TEST_P(BufferWait, WhatIsStillSampledIsNotOverwritten) {
 // Every way by which the CPU gets at the bytes. What glFlush sent is waited for as well, although a
 // glFinish directly after it may wait for nothing.
 TEST_P(SharedMemory, IsWaitedForWithSomethingToBeFinished) {
-  const PixelRectangle whole{0, 0, kWidth, kHeight};
   std::vector<unsigned char> rows(size_t{kWidth} * kHeight * 4);
   const struct {
     const char* name;
@@ -87,8 +82,8 @@ TEST_P(SharedMemory, IsWaitedForWithSomethingToBeFinished) {
       {"lock", [](GraphicBuffer& buffer) { buffer.lockPixels(); }},
       {"lock to overwrite", [](GraphicBuffer& buffer) { buffer.lockForOverwrite(); }},
       {"lock a part", [](GraphicBuffer& buffer) { buffer.lockPart(1, 1, 2, 2); }},
-      {"read", [&](GraphicBuffer& buffer) { buffer.readInto(whole, rows.data(), kWidth); }},
-      {"write", [&](GraphicBuffer& buffer) { buffer.writeFrom(whole, rows.data(), kWidth); }},
+      {"read", [&](GraphicBuffer& buffer) { buffer.readInto(kWhole, rows.data(), kWidth); }},
+      {"write", [&](GraphicBuffer& buffer) { buffer.writeFrom(kWhole, rows.data(), kWidth); }},
       {"image", [](GraphicBuffer& buffer) {  // the former texture goes
          const EGLDisplay display = eglGetCurrentDisplay();
          gl::Extensions().eglDestroyImageKHR(display, buffer.createImage(display, nullptr));
@@ -147,11 +142,10 @@ TEST_P(SharedMemory, ThatIsRefusedIsCopiedInsteadWithoutATrace) {
       TestImage image(kWidth, kHeight);
       EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
       EXPECT_EQ(BufferKind::Staged, image.buffer().kind());
-      image.upload(Pattern(kWidth, kHeight, i));
-      EXPECT_TRUE(
-          SameImage(Pattern(kWidth, kHeight, i), ReadTexture(image.texture(), kWidth, kHeight)));
+      image.upload(PatternImage(i));
+      EXPECT_TRUE(SameImage(PatternImage(i), Shown(image)));
       Clear(image, 9);
-      EXPECT_TRUE(SameImage(Plain(kWidth, kHeight, 9), image.read()));
+      EXPECT_TRUE(SameImage(PlainImage(9), image.read()));
     }
     EXPECT_EQ(before, OpenDescriptors()) << static_cast<int>(fault);
   }
