@@ -12,7 +12,7 @@
 #include "lumora/engine/internal/set_up.h"
 #include "lumora/engine/internal/whole_frame_store.h"
 #include "lumora/geometry/blocks.h"
-#include "lumora/geometry/frame_sizes.h"
+#include "lumora/geometry/rounding.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/quad.h"
 #include "lumora/platform/buffer/cpu_access.h"

@@ -100,7 +100,7 @@ int GPUBeautyFace::MemcpyYUV(void* pDstY, void* pDstUV) {
 }
 
 int GPUBeautyFace::clean_buffer(void* base, int flags, int offset, int fd, int size) {
-  if (lumora::CleanBuffer(base, flags, offset, fd, size)) return 1;
+  if (lumora::CleanBuffer(base, flags, offset, fd, size) >= 0) return 1;
   LOGD("[%s] clean buffer error", "clean_buffer");
   return 0;
 }

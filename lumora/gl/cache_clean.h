@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The allocator's cache clean, as the engines offer it.
+// The allocator's cache clean, as images and engines use it.
 #ifndef LUMORA_GL_CACHE_CLEAN_H_
 #define LUMORA_GL_CACHE_CLEAN_H_
 
@@ -10,12 +10,11 @@
 namespace lumora {
 
 /// Asks the allocator that serves `flags` to write the CPU's cache of a buffer back to memory.
-/// False when it refuses.
-inline bool CleanBuffer(void* base, int flags, int offset, int fd, int size) {
+/// Returns its result: 0, or a negative number when it refuses.
+inline int CleanBuffer(void* base, int flags, int offset, int fd, int size) {
   namespace gralloc = platform::gralloc;
   const auto allocator = gralloc::IAllocController::getInstance()->getAllocator(flags);
-  return allocator->clean_buffer(base, static_cast<size_t>(size), offset, fd,
-                                 gralloc::CACHE_CLEAN) >= 0;
+  return allocator->clean_buffer(base, static_cast<size_t>(size), offset, fd, gralloc::CACHE_CLEAN);
 }
 
 }  // namespace lumora

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <new>
 
+#include "lumora/geometry/rounding.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/step_timer.h"
 #include "lumora/platform/gl_api.h"
@@ -31,10 +32,6 @@ constexpr size_t kMaxTgaSize = size_t{1} << 30;
 
 // Elements of the destination of this thread's last InputImageMemcopy.
 thread_local int image_elements = 0;
-
-int AlignedWidth(int width) {
-  return (width + 31) & ~31;
-}
 
 unsigned TgaNumber(int offset) {
   return tga_header[offset] | static_cast<unsigned>(tga_header[offset + 1]) << 8;
@@ -93,7 +90,7 @@ unsigned char* LoadTGA(const char* path, unsigned int* pWidth, unsigned int* pHe
 }
 
 int InputImageMemcopy(unsigned short* src, unsigned short* dst, int w, int h) {
-  const int aligned = AlignedWidth(w);
+  const int aligned = lumora::RoundUpTo32(w);
   image_elements = h * aligned;
   if (aligned == w) {
     std::memcpy(dst, src, static_cast<size_t>(image_elements) * 2);
@@ -137,7 +134,7 @@ int Create565Pattern(unsigned int w, unsigned int h, int mode, unsigned short* b
   const int width = static_cast<int>(w);
   const int height = static_cast<int>(h);
   if (buf == nullptr) {
-    buf = new (std::nothrow) unsigned short[static_cast<size_t>(AlignedWidth(width)) * h];
+    buf = new (std::nothrow) unsigned short[static_cast<size_t>(lumora::RoundUpTo32(width)) * h];
     if (buf == nullptr) return 0;
   }
   if (mode == 0) FillStripes(buf, w, h);

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <new>
 
+#include "lumora/gl/cache_clean.h"
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/gl/step_timer.h"
 #include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
-#include "lumora/platform/gralloc.h"
 
 LUMORA_LOG_TAG("EGLImageTest");
 
@@ -144,11 +144,8 @@ unsigned char* SEGLImage::Lock() {
 int SEGLImage::Unlock() {
   if (!m_spBuffer) return 0;
   const platform::PrivateHandle& handle = m_spBuffer->handle();
-  const auto allocator =
-      platform::gralloc::IAllocController::getInstance()->getAllocator(handle.flags);
   const int result =
-      allocator->clean_buffer(handle.base, static_cast<size_t>(handle.size), handle.offset,
-                              handle.fd, platform::gralloc::CACHE_CLEAN);
+      lumora::CleanBuffer(handle.base, handle.flags, handle.offset, handle.fd, handle.size);
   if (result < 0) LOGD("[%s] clean buffer error", "Unlock");
   return result;
 }
