@@ -6,6 +6,7 @@
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/quad.h"
+#include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
 #include "lumora/platform/graphic_buffer.h"
 
@@ -53,10 +54,7 @@ int SetPass(const GPUColorConverter& converter, const ConverterPass& pass) {
   glViewport(0, 0, converter.m_nSrcWidth, converter.m_nSrcHeight);
   lumora::gl::CheckGlError("glViewport - YUV2RGB");
   // On whatever texture is bound at this moment; the input is bound below.
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-  lumora::gl::CheckGlError("glTexParameteri MIN- Y");
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-  lumora::gl::CheckGlError("glTexParameteri MAG- Y");
+  lumora::gl::SetFilterOfPass(GL_LINEAR);
   if (pass.source == nullptr || glIsProgram(pass.program) == GL_FALSE) return 0;
   glUseProgram(pass.program);
   lumora::gl::CheckGlError("SetColorConvertShader - glUseProgram");

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumora/engine/internal/pass.h"
 
-#include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
+#include "lumora/gl/texture_parameters.h"
 #include "lumora/platform/gl_api.h"
 
 LUMORA_LOG_TAG("Lumora");
@@ -42,13 +42,6 @@ void CopyImage(const Target& from, const Target& to, int width, int height) {
   glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
 }
 
-void SetFilterOfBoundTexture(GLint filter) {
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-  gl::CheckGlError("glTexParameteri MIN- Y");
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-  gl::CheckGlError("glTexParameteri MAG- Y");
-}
-
 /// Makes the program current and draws the quad at the texture coordinates of the moment.
 void DrawQuad(GLProgram& program, const float* positions) {
   program.Use();
@@ -76,7 +69,7 @@ int RunPass(const Pass& pass) {
   if (pass.second_input != 0) pass.program->SetTextures(1, static_cast<int>(pass.second_input));
   glBindFramebuffer(GL_FRAMEBUFFER, pass.destination.framebuffer);
   if (!pass.keep_viewport) glViewport(0, 0, pass.width, pass.height);
-  if (pass.filter != 0) SetFilterOfBoundTexture(pass.filter);
+  if (pass.filter != 0) gl::SetFilterOfPass(pass.filter);
   if (!pass.keep_coordinates) quad::ResetTextureCoordinates();
   if (pass.area == nullptr) {
     DrawQuad(*pass.program, pass.positions);
