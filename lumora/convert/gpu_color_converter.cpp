@@ -6,6 +6,7 @@
 
 #include "lumora/convert/sp2yuvxs.h"
 #include "lumora/geometry/frame_sizes.h"
+#include "lumora/gl/destroy_images.h"
 #include "lumora/gl/gl_steps.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
@@ -220,14 +221,7 @@ int GPUColorConverter::DeInit() {
   // The second program is left: the next Init makes a new one, the context's end takes both.
   glDeleteProgram(m_hYUV2RGBProgram);
 
-  SEGLImage** const images[] = {&m_pInputImage, &m_pOutputImage[0], &m_pOutputImage[1]};
-  for (SEGLImage** image : images) {
-    if (*image != nullptr) (*image)->Destroy();
-  }
-  for (SEGLImage** image : images) {
-    delete *image;
-    *image = nullptr;
-  }
+  lumora::gl::DestroyImages({&m_pInputImage, &m_pOutputImage[0], &m_pOutputImage[1]});
   glFlush();
   glFinish();
   m_bIsInit = false;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Construction and destruction of the engine, set-up and release of its two paths.
 #include <cstdlib>
-#include <initializer_list>
 
 #include "lumora/engine/gpu_beauty_face.h"
 #include "lumora/engine/internal/set_up.h"
 #include "lumora/geometry/frame_sizes.h"
+#include "lumora/gl/destroy_images.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/no_name.h"
 #include "lumora/platform/gl_api.h"
@@ -33,17 +33,6 @@ void DeleteFramebuffer(GLuint& fbo) {
 void DeleteProgram(GLProgram*& program) {
   delete program;
   program = nullptr;
-}
-
-/// Destroys the images that exist, then deletes them.
-void DestroyImages(std::initializer_list<SEGLImage**> images) {
-  for (SEGLImage** image : images) {
-    if (*image != nullptr) (*image)->Destroy();
-  }
-  for (SEGLImage** image : images) {
-    delete *image;
-    *image = nullptr;
-  }
 }
 
 void DeletePlaneTexture(GLuint& texture) {
@@ -218,9 +207,9 @@ int GPUBeautyFace::DeInit() {
     DeleteProgram(m_pProgRGB2HSI);
   }
 
-  DestroyImages({&m_pRGBImage});
-  for (SEGLImage*& image : m_pWorkImage) DestroyImages({&image});
-  DestroyImages({&m_pYYYYImage, &m_pUVUVImage});
+  lumora::gl::DestroyImages({&m_pRGBImage});
+  for (SEGLImage*& image : m_pWorkImage) lumora::gl::DestroyImages({&image});
+  lumora::gl::DestroyImages({&m_pYYYYImage, &m_pUVUVImage});
 
   glFlush();
   glFinish();
@@ -251,12 +240,12 @@ int GPUBeautyFace::DeInitCapture() {
   DeleteProgram(m_pProgHSI2YUV);
 
   if (by_hsi) {
-    DestroyImages({&m_pRGBImage, &m_pWorkImage[1], &m_pWorkImage[2]});
+    lumora::gl::DestroyImages({&m_pRGBImage, &m_pWorkImage[1], &m_pWorkImage[2]});
   } else {
     DeletePlaneTexture(m_hYTexture);
     DeletePlaneTexture(m_hCbCrTexture);
   }
-  DestroyImages({&m_pWorkImage[0], &m_pYYYYImage, &m_pUVUVImage});
+  lumora::gl::DestroyImages({&m_pWorkImage[0], &m_pYYYYImage, &m_pUVUVImage});
 
   glFlush();
   glFinish();
