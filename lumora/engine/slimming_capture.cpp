@@ -52,19 +52,14 @@ bool SlimBlock(GPUBeautyFace& engine, const CaptureFrame& frame, int x, int y, i
                              rows) == 1;
 }
 
-/// Whether a rectangle is at least a twentieth of the frame's height in both directions.
-bool IsWorthwhile(const PixelRectangle& rectangle, int full_height) {
-  const unsigned twentieth = static_cast<unsigned>(full_height) / 20;
-  return static_cast<unsigned>(rectangle.width) / twentieth != 0 &&
-         static_cast<unsigned>(rectangle.height) / twentieth != 0;
-}
-
 /// The blocks of face number `index`; nothing where the face is skipped.
 std::optional<PixelRectangle> BlocksOf(const GPUBeautyFace& engine, const FACE_INFO_t& face,
                                        int index) {
   if (internal::GoesByHsi(internal::SetUpOf(engine))) {
     const PixelRectangle rectangle = internal::RectangleOf(engine.m_rcFaceProcess[index]);
-    if (!IsWorthwhile(rectangle, engine.m_nFullHeight)) return std::nullopt;
+    // Both directions are measured by the frame's height.
+    const int height = engine.m_nFullHeight;
+    if (!lumora::IsWorthwhile(rectangle, height, height)) return std::nullopt;
     if (engine.m_pWorkImage[1] != nullptr) engine.m_pWorkImage[1]->Unlock();
     LOGD("[LumoraLarge CheekSlimmer HSI]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d",
          rectangle.x, rectangle.y, rectangle.width, rectangle.height);

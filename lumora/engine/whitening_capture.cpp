@@ -143,14 +143,6 @@ PixelRectangle BlocksOfMeasuredFace(const GPUBeautyFace& engine) {
                                     engine.m_nSrcWidth, engine.m_nSrcHeight);
 }
 
-/// Whether a rectangle is at least a twentieth of the frame in each direction.
-bool IsWorthwhile(const GPUBeautyFace& engine, const PixelRectangle& rectangle) {
-  const unsigned least_width = static_cast<unsigned>(engine.m_nFullWidth) / 20;
-  const unsigned least_height = static_cast<unsigned>(engine.m_nFullHeight) / 20;
-  return static_cast<unsigned>(rectangle.width) / least_width != 0 &&
-         static_cast<unsigned>(rectangle.height) / least_height != 0;
-}
-
 }  // namespace
 
 int GPUBeautyFace::DrawFaceWhiteLarge(bool bUsePrev) {
@@ -181,7 +173,7 @@ int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSr
     }
     const PixelRectangle blocks = BlocksOfMeasuredFace(*this);
     m_rcFaceProcess[i] = internal::ProcessRectangleOf(blocks);
-    if (!IsWorthwhile(*this, blocks)) continue;
+    if (!lumora::IsWorthwhile(blocks, m_nFullWidth, m_nFullHeight)) continue;
     LOGD("[LumoraLarge Face Whitening]: Process_Rect: X: %d, Y: %d, Width: %d, Height: %d",
          blocks.x, blocks.y, blocks.width, blocks.height);
     LOGD("[LumoraLarge]process block");

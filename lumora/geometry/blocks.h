@@ -43,6 +43,15 @@ inline PixelRectangle BlocksAroundExtent(int centre_x, int centre_y, int half_wi
           ClampToInt(2 * down)};
 }
 
+/// Whether a rectangle is at least a twentieth of a frame in each direction. A frame is 20 pixels
+/// or more in both.
+inline bool IsWorthwhile(const PixelRectangle& rectangle, int frame_width, int frame_height) {
+  const unsigned least_width = static_cast<unsigned>(frame_width) / 20;
+  const unsigned least_height = static_cast<unsigned>(frame_height) / 20;
+  return static_cast<unsigned>(rectangle.width) / least_width != 0 &&
+         static_cast<unsigned>(rectangle.height) / least_height != 0;
+}
+
 /// Whether a block corner lies strictly inside the rectangle in both directions. A block that
 /// merely holds the rectangle, or shares an edge with it, does not count.
 inline bool HoldsBlockCorner(const PixelRectangle& rectangle, const PixelRectangle& block) {
