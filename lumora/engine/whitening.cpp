@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Face whitening: measuring a face, and the whole-frame passes.
-#include <algorithm>
 #include <cstdint>
 
 #include "lumora/engine/gpu_beauty_face.h"
@@ -8,6 +7,7 @@
 #include "lumora/engine/internal/pass.h"
 #include "lumora/engine/internal/target.h"
 #include "lumora/geometry/changed_area.h"
+#include "lumora/geometry/rectangle.h"
 #include "lumora/geometry/rounding.h"
 #include "lumora/geometry/whitening.h"
 #include "lumora/gl/log.h"
@@ -46,14 +46,11 @@ EffectRule RuleOf(BEAUTYSHOT_EFFECT_t effect) {
 
 /// The square around a face, as far as it lies in an image of that size.
 lumora::PixelRectangle SquareAround(const lumora::FaceGeometry& face, int limit_x, int limit_y) {
-  const auto clip = [](int64_t value, int limit) {
-    return static_cast<int>(std::clamp<int64_t>(value, 0, limit));
-  };
-  const int x0 = clip(face.centre_x - face.sample_radius, limit_x);
-  const int y0 = clip(face.centre_y - face.sample_radius, limit_y);
-  const int x1 = clip(face.centre_x + face.sample_radius, limit_x);
-  const int y1 = clip(face.centre_y + face.sample_radius, limit_y);
-  return {x0, y0, x1 - x0, y1 - y0};
+  // A square whose corner lies below the range of int ends below 0, where it is clamped as well.
+  const int x = lumora::ClampToInt(face.centre_x - face.sample_radius);
+  const int y = lumora::ClampToInt(face.centre_y - face.sample_radius);
+  const int side = lumora::ClampToInt(2 * face.sample_radius);
+  return lumora::CutToImage({x, y, side, side}, limit_x, limit_y);
 }
 
 /// Measures a face on a tightly packed frame, or, where that is null, on work image 1.
