@@ -180,11 +180,7 @@ int GPUBeautyFace::BlockCopyYUV(unsigned char* pDstYStart, unsigned char* pDstUV
 
 int GPUBeautyFace::CopyMemYUVfromSrcTextureLarge(void* pDstY, void* pDstUV, int /*unused*/,
                                                  int nFaces) {
-  if (nFaces > lumora::kMaxFaceRecords) {
-    LOGE("[%s] %d faces, only %d are processed", "CopyMemYUVfromSrcTextureLarge", nFaces,
-         lumora::kMaxFaceRecords);
-    nFaces = lumora::kMaxFaceRecords;
-  }
+  nFaces = internal::FacesWithBlocks("CopyMemYUVfromSrcTextureLarge", nFaces);
   const FramePlanes planes{static_cast<unsigned char*>(pDstY), static_cast<unsigned char*>(pDstUV)};
   for (int i = 0; i < nFaces; ++i) {
     if (!internal::GoesByHsi(internal::SetUpOf(*this))) return 0;

@@ -95,11 +95,8 @@ int GPUBeautyFace::DrawFaceDistLarge() {
 
 int GPUBeautyFace::FaceProcessLarge(void* in, void* out, int width, int height, int /*unused*/,
                                     FACE_INFO_t* faces, int count, int level) {
-  const bool recorded = internal::GoesByHsi(internal::SetUpOf(*this));
-  if (recorded && count > lumora::kMaxFaceRecords) {
-    LOGE("[%s] %d faces, only %d are processed", "FaceProcessLarge", count,
-         lumora::kMaxFaceRecords);
-    count = lumora::kMaxFaceRecords;
+  if (internal::GoesByHsi(internal::SetUpOf(*this))) {
+    count = internal::FacesWithBlocks("FaceProcessLarge", count);
   }
   const CaptureFrame frame{static_cast<unsigned char*>(in), static_cast<unsigned char*>(out), width,
                            height};

@@ -159,11 +159,7 @@ int GPUBeautyFace::DoFaceWhiteningLarge(unsigned char* pSrcY, unsigned char* pSr
                                         FACE_INFO_t* pFaces, int nFaces, int nIntensityLevel,
                                         int nSaturationLevel, BEAUTYSHOT_EFFECT_t eEffect) {
   LOGI("DoFaceWhitening+");
-  if (nFaces > lumora::kMaxFaceRecords) {
-    LOGE("[%s] %d faces, only %d are processed", "DoFaceWhiteningLarge", nFaces,
-         lumora::kMaxFaceRecords);
-    nFaces = lumora::kMaxFaceRecords;
-  }
+  nFaces = internal::FacesWithBlocks("DoFaceWhiteningLarge", nFaces);
   const SourcePlanes planes{pSrcY, pSrcUV};
   for (int i = 0; i < nFaces; ++i) {
     LOGI("Face Pass %d", i);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The rectangle of blocks of one face, as a member of the engine and as a value.
+// The rectangle of blocks of one face, as a member of the engine and as a value, and how many faces
+// have one.
 #ifndef LUMORA_ENGINE_INTERNAL_PROCESS_RECTANGLE_H_
 #define LUMORA_ENGINE_INTERNAL_PROCESS_RECTANGLE_H_
 
@@ -15,6 +16,10 @@ inline PixelRectangle RectangleOf(const android::FaceProcessRect& rect) {
 inline android::FaceProcessRect ProcessRectangleOf(const PixelRectangle& rectangle) {
   return {rectangle.x, rectangle.y, rectangle.width, rectangle.height, 0};
 }
+
+/// How many of `faces` faces have a rectangle of blocks; `function` tells in the log that it is not
+/// all of them.
+int FacesWithBlocks(const char* function, int faces);
 
 }  // namespace lumora::engine
 
