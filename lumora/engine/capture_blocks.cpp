@@ -12,10 +12,10 @@
 #include "lumora/engine/internal/set_up.h"
 #include "lumora/engine/internal/whole_frame_store.h"
 #include "lumora/geometry/blocks.h"
+#include "lumora/geometry/rectangle.h"
 #include "lumora/geometry/rounding.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/quad.h"
-#include "lumora/platform/buffer/cpu_access.h"
 #include "lumora/platform/gl_api.h"
 
 LUMORA_LOG_TAG("Lumora");
@@ -49,31 +49,24 @@ struct FramePlanes {
   unsigned char* chroma;
 };
 
-/// Makes the texture coordinates and, above the size of a texture, work image 2 what the block at
-/// (x, y) of the store is drawn from.
-bool PrepareBlockSource(GPUBeautyFace& engine, int x, int y, int rows) {
-  const int full_stride = lumora::RoundUpTo32(engine.m_nFullWidth);
+/// Makes the texture coordinates and, above the size of a texture, work image 2 what the block of
+/// the store is drawn from.
+bool PrepareBlockSource(const GPUBeautyFace& engine, const lumora::PixelRectangle& block) {
   if (!engine.m_bLargeCapture) {
     // The whole frame is a texture: the block is a rectangle of it.
-    const auto width = static_cast<float>(full_stride);
+    const auto width = static_cast<float>(lumora::RoundUpTo32(engine.m_nFullWidth));
     const auto height = static_cast<float>(engine.m_nFullHeight);
-    lumora::quad::SetTextureRectangle(static_cast<float>(x) / width, static_cast<float>(y) / height,
-                                      static_cast<float>(x + engine.m_nSrcWidth) / width,
-                                      static_cast<float>(y + engine.m_nSrcHeight) / height);
+    lumora::quad::SetTextureRectangle(static_cast<float>(block.x) / width,
+                                      static_cast<float>(block.y) / height,
+                                      static_cast<float>(block.x + engine.m_nSrcWidth) / width,
+                                      static_cast<float>(block.y + engine.m_nSrcHeight) / height);
     return true;
   }
   SEGLImage* const image = engine.m_pWorkImage[2];
-  unsigned char* block = image != nullptr ? image->Lock() : nullptr;
-  const lumora::platform::CpuAccess store(internal::WholeFrameStore(engine),
-                                          lumora::platform::CpuUse::Read,
-                                          {x, y, engine.m_nSrcWidth, rows});
-  if (store.pixels() == nullptr || block == nullptr) {
+  if (!internal::CopyFromStore(engine, image, block)) {
     LOGE("[%s] program or image is missing", "CopyMemYUVfromSrcTextureLarge");
     return false;
   }
-  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.pixels(), block, x, y,
-                                           lumora::RoundUpTo32(engine.m_nSrcWidth), rows,
-                                           full_stride, engine.m_nFullHeight);
   if (image->Unlock() < 0) return false;
   lumora::quad::ResetTextureCoordinates();
   return true;
@@ -81,16 +74,15 @@ bool PrepareBlockSource(GPUBeautyFace& engine, int x, int y, int rows) {
 
 /// Brings the block at (x, y) of the store back.
 bool CopyBlock(GPUBeautyFace& engine, const FramePlanes& planes, int x, int y) {
-  const int rows = std::min(engine.m_nFullHeight - y, engine.m_nSrcHeight);
-  const int columns = std::min(engine.m_nFullWidth - x, engine.m_nSrcWidth);
-  if (!PrepareBlockSource(engine, x, y, rows) || engine.DrawColorConvertHSI2YUV() == 0 ||
+  const lumora::PixelRectangle block = internal::BlockAt(engine, x, y);
+  if (!PrepareBlockSource(engine, block) || engine.DrawColorConvertHSI2YUV() == 0 ||
       engine.DrawRGBtoYY(-1) == 0 || engine.DrawRGBtoUV(-1) == 0) {
     return false;
   }
   glFlush();
   glFinish();
   return engine.BlockCopyYUV(planes.luma, planes.chroma, engine.m_nFullWidth, engine.m_nFullHeight,
-                             x, y, columns, rows) == 1;
+                             x, y, block.width, block.height) == 1;
 }
 
 /// Brings the blocks of one face back.

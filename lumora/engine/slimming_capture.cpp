@@ -35,21 +35,20 @@ struct CaptureFrame {
 /// Warps the block at (x, y) and brings it back. `run` counts the lines that were printed.
 bool SlimBlock(GPUBeautyFace& engine, const CaptureFrame& frame, int x, int y, int& run) {
   auto& program = static_cast<GLProgWarp&>(*engine.m_pProgCheekSlimmer);
-  const int columns = std::min(engine.m_nFullWidth - x, engine.m_nSrcWidth);
-  const int rows = std::min(engine.m_nFullHeight - y, engine.m_nSrcHeight);
+  const PixelRectangle block = internal::BlockAt(engine, x, y);
   program.m_fvShift[0] =
       program.m_fvController[0] - static_cast<float>(x) / static_cast<float>(frame.width);
   program.m_fvShift[1] =
       program.m_fvController[1] - static_cast<float>(y) / static_cast<float>(frame.height);
   LOGD("[LumoraLarge Cheek Slimmer]:current run %d", run++);
-  LOGD("[LumoraLarge Cheek Slimmer Output: %d %d size=%d %d", x, y, columns, rows);
+  LOGD("[LumoraLarge Cheek Slimmer Output: %d %d size=%d %d", x, y, block.width, block.height);
   if (engine.DrawFaceDistLarge() == 0 || engine.DrawRGBtoYY(1) == 0 || engine.DrawRGBtoUV(1) == 0) {
     return false;
   }
   glFlush();
   glFinish();
-  return engine.BlockCopyYUV(frame.luma, frame.chroma, frame.width, frame.height, x, y, columns,
-                             rows) == 1;
+  return engine.BlockCopyYUV(frame.luma, frame.chroma, frame.width, frame.height, x, y, block.width,
+                             block.height) == 1;
 }
 
 /// The blocks of face number `index`; nothing where the face is skipped.

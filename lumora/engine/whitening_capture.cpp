@@ -43,11 +43,7 @@ bool MissingBlock() {
 
 /// What is expanded for the block of the walk at (x, y).
 PixelRectangle PlaceBlock(const GPUBeautyFace& engine, int x, int y) {
-  PixelRectangle block;
-  block.x = x;
-  block.y = y;
-  block.width = std::min(engine.m_nSrcWidth, engine.m_nFullWidth - x);
-  block.height = std::min(engine.m_nSrcHeight, engine.m_nFullHeight - y);
+  PixelRectangle block = internal::BlockAt(engine, x, y);
   if (block.height == 1 && y >= 2) {
     // Rows are expanded in pairs: an odd last row is taken with the pair before it.
     block.y -= 2;
@@ -85,14 +81,8 @@ bool WasVisited(const GPUBeautyFace& engine, int face, const PixelRectangle& blo
 bool LoadPreviousResult(const GPUBeautyFace& engine, const PixelRectangle& place) {
   glFlush();
   glFinish();
-  unsigned char* block = engine.m_pRGBImage->Lock();
-  const CpuAccess store(internal::WholeFrameStore(engine), CpuUse::Read,
-                        {place.x, place.y, engine.m_nSrcWidth, place.height});
-  if (store.pixels() == nullptr || block == nullptr) return false;
-  GPUBeautyFace::BlockCopyRGBA8888DrawBack(store.pixels(), block, place.x, place.y,
-                                           RoundUpTo32(engine.m_nSrcWidth), place.height,
-                                           RoundUpTo32(engine.m_nFullWidth), engine.m_nFullHeight);
-  return engine.m_pRGBImage->Unlock() >= 0;
+  SEGLImage* const input = engine.m_pRGBImage;
+  return internal::CopyFromStore(engine, input, place) && input->Unlock() >= 0;
 }
 
 /// Brings the block's result from work image 2 into the store.

@@ -4,6 +4,7 @@
 #define LUMORA_ENGINE_INTERNAL_WHOLE_FRAME_STORE_H_
 
 #include "lumora/engine/gpu_beauty_face.h"
+#include "lumora/geometry/rectangle.h"
 
 namespace lumora::engine {
 
@@ -15,6 +16,11 @@ inline platform::GraphicBuffer* WholeFrameStore(const android::GPUBeautyFace& en
   const SEGLImage* const image = engine.m_pWorkImage[1];
   return image != nullptr ? image->m_spBuffer.get() : nullptr;
 }
+
+/// Locks `image` and copies the block at `place` of the store to its memory: `place.height` rows of
+/// the full block's width. False when one of the two has no memory. The caller unlocks the image.
+bool CopyFromStore(const android::GPUBeautyFace& engine, SEGLImage* image,
+                   const PixelRectangle& place);
 
 }  // namespace lumora::engine
 
