@@ -79,6 +79,13 @@ TEST(Blocks, WalksStopWhereTheVisitorSaysSo) {
   EXPECT_TRUE(ForEachBlock({0, 0, 30, 30}, 10, 10, [](int, int) { return true; }));
 }
 
+TEST(Blocks, FacesAreWorthwhileFromATwentiethInEachDirection) {
+  EXPECT_TRUE(IsWorthwhile({-5, 9, 64, 48}, 1280, 960));
+  EXPECT_TRUE(IsWorthwhile({0, 0, 64, 48}, 1299, 979)) << "a twentieth is cut to whole pixels";
+  EXPECT_FALSE(IsWorthwhile({0, 0, 63, 48}, 1280, 960));
+  EXPECT_FALSE(IsWorthwhile({0, 0, 64, 47}, 1280, 960));
+}
+
 TEST(Blocks, CornersCountStrictlyInsideOnly) {
   const PixelRectangle face{10, 10, 20, 20};
   EXPECT_TRUE(HoldsBlockCorner(face, {15, 15, 100, 100}));
