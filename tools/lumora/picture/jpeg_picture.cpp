@@ -15,9 +15,9 @@ Size Times(Size size, SampleArea area) {
 
 /// A plane turned upright. Where the last sample stands for fewer pixels than the others, turning
 /// moves the boundaries between samples, so that they have to be formed anew.
-Image UprightPlane(const Image& plane, SampleArea area, Size picture, int orientation) {
+Image UprightPlane(Image plane, SampleArea area, Size picture, int orientation) {
   const bool whole = picture.width % area.across == 0 && picture.height % area.down == 0;
-  if (whole || orientation == 1) return Upright(plane, orientation);
+  if (whole || orientation == 1) return Upright(std::move(plane), orientation);
   Image turned = Upright(Cropped(Nearest(plane, Times(plane.size(), area)), picture), orientation);
   if (SwapsSides(orientation)) std::swap(area.across, area.down);
   const Size size = {(turned.width() + area.across - 1) / area.across,
@@ -38,7 +38,7 @@ JpegPicture::JpegPicture(Bytes file, int orientation)
   areas_ = layout.areas;
   original_ = ReadJpegPlanes(file_);
   for (size_t i = 0; i < original_.size(); ++i) {
-    original_[i] = UprightPlane(original_[i], areas_[i], layout.size, orientation);
+    original_[i] = UprightPlane(std::move(original_[i]), areas_[i], layout.size, orientation);
     planes_.push_back(original_[i]);
     if (SwapsSides(orientation)) std::swap(areas_[i].across, areas_[i].down);
   }
