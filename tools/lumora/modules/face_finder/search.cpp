@@ -76,17 +76,20 @@ CascadeSearch::CascadeSearch(const std::string& cascade_folder) : eyes_(cascade_
 }
 
 std::vector<FoundFace> CascadeSearch::Find(const PixelView& picture) {
-  const cv::Mat pixels = MatOf(picture);
-  const double scale = std::max(1.0, std::max(pixels.cols, pixels.rows) / double{kSearchSide});
-  cv::Mat small = pixels;
-  if (scale > 1) cv::resize(pixels, small, {}, 1 / scale, 1 / scale, cv::INTER_AREA);
-  cv::Mat gray = small;
-  if (small.channels() == 3) cv::cvtColor(small, gray, cv::COLOR_BGR2GRAY);
-  for (const double degrees : {0.0, 30.0, -30.0}) {
-    std::vector<FoundFace> faces = FindUpright(TurnedBy(gray, degrees), scale);
-    if (!faces.empty()) return faces;
-  }
-  return {};
+  return WithOpenCv([&] {
+    const cv::Mat pixels = MatOf(picture);
+    const double scale = std::max(1.0, std::max(pixels.cols, pixels.rows) / double{kSearchSide});
+    cv::Mat small = pixels;
+    if (scale > 1) cv::resize(pixels, small, {}, 1 / scale, 1 / scale, cv::INTER_AREA);
+    cv::Mat gray = small;
+    if (small.channels() == 3) cv::cvtColor(small, gray, cv::COLOR_BGR2GRAY);
+    std::vector<FoundFace> faces;
+    for (const double degrees : {0.0, 30.0, -30.0}) {
+      faces = FindUpright(TurnedBy(gray, degrees), scale);
+      if (!faces.empty()) break;
+    }
+    return faces;
+  });
 }
 
 std::vector<FoundFace> CascadeSearch::FindUpright(const Turn& turn, double scale) {
