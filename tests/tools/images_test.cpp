@@ -74,8 +74,8 @@ TEST(Images, AreTurnedCroppedAndExtended) {
       cv::flip(noise, expected, 0);
       EXPECT_TRUE(Same(tools::FlippedDown(image), expected));
       cv::copyMakeBorder(noise, expected, 0, 3, 0, 5, cv::BORDER_REPLICATE);
-      EXPECT_TRUE(Same(tools::Extended(image, {width + 5, height + 3}), expected));
-      EXPECT_TRUE(Same(tools::Cropped(image, {(width + 1) / 2, height}),
+      EXPECT_TRUE(Same(tools::Fitted(image, {width + 5, height + 3}), expected));
+      EXPECT_TRUE(Same(tools::Fitted(image, {(width + 1) / 2, height}),
                        noise(cv::Rect(0, 0, (width + 1) / 2, height))));
     }
   }

@@ -8,23 +8,6 @@
 namespace lumora::tools {
 namespace {
 
-/// Both sides are cut off or repeated, as `size` asks.
-Image Fitted(const Image& image, Size size) {
-  Image result(size, image.channels());
-  const auto channels = static_cast<size_t>(image.channels());
-  const auto kept = static_cast<size_t>(std::min(size.width, image.width()));
-  for (int y = 0; y < size.height; ++y) {
-    const uint8_t* const from = image.Row(std::min(y, image.height() - 1));
-    uint8_t* const to = result.Row(y);
-    std::memcpy(to, from, kept * channels);
-    const uint8_t* const last = from + (kept - 1) * channels;
-    for (size_t x = kept; x < static_cast<size_t>(size.width); ++x) {
-      std::memcpy(to + x * channels, last, channels);
-    }
-  }
-  return result;
-}
-
 template <int channels>
 void Transpose(const Image& image, Image& result) {
   // Block by block: a column of a large image touches as many lines of the cache as it has pixels.
@@ -49,20 +32,26 @@ Image::Image(Size size, int channels, uint8_t value)
                  static_cast<size_t>(channels),
              value) {}
 
-Image Cropped(const Image& image, Size size) {
-  return size == image.size() ? image : Fitted(image, size);
+Image Fitted(const Image& image, Size size) {
+  if (size == image.size()) return image;
+  Image result(size, image.channels());
+  const auto channels = static_cast<size_t>(image.channels());
+  const auto kept = static_cast<size_t>(std::min(size.width, image.width()));
+  for (int y = 0; y < size.height; ++y) {
+    const uint8_t* const from = image.Row(std::min(y, image.height() - 1));
+    uint8_t* const to = result.Row(y);
+    std::memcpy(to, from, kept * channels);
+    const uint8_t* const last = from + (kept - 1) * channels;
+    for (size_t x = kept; x < static_cast<size_t>(size.width); ++x) {
+      std::memcpy(to + x * channels, last, channels);
+    }
+  }
+  return result;
 }
 
-Image Cropped(Image&& image, Size size) {
-  return size == image.size() ? std::move(image) : Fitted(image, size);
-}
-
-Image Extended(const Image& image, Size size) {
-  return Cropped(image, size);
-}
-
-Image Extended(Image&& image, Size size) {
-  return Cropped(std::move(image), size);
+Image Fitted(Image&& image, Size size) {
+  if (size == image.size()) return std::move(image);
+  return Fitted(image, size);
 }
 
 Image Transposed(const Image& image) {

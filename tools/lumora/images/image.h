@@ -66,13 +66,10 @@ struct PixelView {
   size_t stride = 0;  ///< bytes from row to row
 };
 
-/// The part of that size in the upper left corner.
-Image Cropped(const Image& image, Size size);
-Image Cropped(Image&& image, Size size);
-
-/// An image whose right column and bottom row are repeated up to that size.
-Image Extended(const Image& image, Size size);
-Image Extended(Image&& image, Size size);
+/// The image in that size: columns on the right and rows at the bottom are cut off, or the last of
+/// them repeated.
+Image Fitted(const Image& image, Size size);
+Image Fitted(Image&& image, Size size);
 
 /// Rows for columns.
 Image Transposed(const Image& image);

@@ -16,12 +16,12 @@ constexpr int kOpacity = 3;  // its channel
 
 Image BgrOf(const Frame420& frame, Size size) {
   const Size even = frame.y.size();
-  return Cropped(BgrOf(frame.y, Interpolated(frame.cb, even), Interpolated(frame.cr, even)), size);
+  return Fitted(BgrOf(frame.y, Interpolated(frame.cb, even), Interpolated(frame.cr, even)), size);
 }
 
 Frame420 FrameOf(const Image& bgr) {
   ColourPlanes planes = PlanesOf(bgr);
-  return {Extended(std::move(planes.y), EvenSize(bgr.size())),
+  return {Fitted(std::move(planes.y), EvenSize(bgr.size())),
           ChromaTo420(planes.cb, kPixel, bgr.size()), ChromaTo420(planes.cr, kPixel, bgr.size())};
 }
 
@@ -33,7 +33,7 @@ Frame420 ColourPicture::Frame() const {
   if (pixels_.channels() != 1) return FrameOf(pixels_);
   const Size even = EvenSize(pixels_.size());
   const Image gray({even.width / 2, even.height / 2}, 1, kNoColour);
-  return {Extended(pixels_, even), gray, gray};
+  return {Fitted(pixels_, even), gray, gray};
 }
 
 void ColourPicture::Merge(const Frame420& before, const Frame420& after) {

@@ -18,16 +18,16 @@ Size Times(Size size, SampleArea area) {
 Image UprightPlane(Image plane, SampleArea area, Size picture, int orientation) {
   const bool whole = picture.width % area.across == 0 && picture.height % area.down == 0;
   if (whole || orientation == 1) return Upright(std::move(plane), orientation);
-  Image turned = Upright(Cropped(Nearest(plane, Times(plane.size(), area)), picture), orientation);
+  Image turned = Upright(Fitted(Nearest(plane, Times(plane.size(), area)), picture), orientation);
   if (SwapsSides(orientation)) std::swap(area.across, area.down);
   const Size size = {(turned.width() + area.across - 1) / area.across,
                      (turned.height() + area.down - 1) / area.down};
-  return Averaged(Extended(std::move(turned), Times(size, area)), size);
+  return Averaged(Fitted(std::move(turned), Times(size, area)), size);
 }
 
 /// A plane of which each pixel has a sample.
 Image PerPixel(const Image& plane, SampleArea area, Size picture) {
-  return Cropped(Interpolated(plane, Times(plane.size(), area)), picture);
+  return Fitted(Interpolated(plane, Times(plane.size(), area)), picture);
 }
 
 }  // namespace
@@ -48,9 +48,9 @@ Frame420 JpegPicture::Frame() const {
   const Size even = EvenSize(size());
   if (planes_.size() == 1) {
     const Image gray({even.width / 2, even.height / 2}, 1, kNoColour);
-    return {Extended(planes_[0], even), gray, gray};
+    return {Fitted(planes_[0], even), gray, gray};
   }
-  return {Extended(planes_[0], even), ChromaTo420(planes_[1], areas_[1], size()),
+  return {Fitted(planes_[0], even), ChromaTo420(planes_[1], areas_[1], size()),
           ChromaTo420(planes_[2], areas_[2], size())};
 }
 

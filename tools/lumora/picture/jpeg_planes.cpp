@@ -139,9 +139,9 @@ std::vector<Image> ReadJpegPlanes(const Bytes& file) {
   std::vector<Image> planes;
   for (int i = 0; i < info.num_components; ++i) {
     const jpeg_component_info& component = info.comp_info[i];
-    planes.push_back(Cropped(std::move(rows.planes[static_cast<size_t>(i)].samples),
-                             {static_cast<int>(component.downsampled_width),
-                              static_cast<int>(component.downsampled_height)}));
+    planes.push_back(Fitted(std::move(rows.planes[static_cast<size_t>(i)].samples),
+                            {static_cast<int>(component.downsampled_width),
+                             static_cast<int>(component.downsampled_height)}));
   }
   // Frees the component table, so it comes last. It also finds out when the file ends too early.
   decoder.Guard([&] { jpeg_finish_decompress(&info); });
@@ -160,7 +160,7 @@ Bytes WriteJpegPlanes(const std::vector<Image>& planes, const Bytes& like, bool 
   AllRows rows(info.comp_info, info.num_components, info.image_height, info.max_v_samp_factor);
   for (size_t i = 0; i < planes.size(); ++i) {
     Bytes& samples = rows.planes[i].samples.bytes();
-    const Image extended = Extended(planes[i], rows.planes[i].samples.size());
+    const Image extended = Fitted(planes[i], rows.planes[i].samples.size());
     std::copy(extended.bytes().begin(), extended.bytes().end(), samples.begin());
   }
   encoder.Guard([&] { jpeg_start_compress(&info, TRUE); });

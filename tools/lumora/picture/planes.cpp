@@ -74,17 +74,17 @@ Size EvenSize(Size size) {
 
 Image ChromaTo420(const Image& plane, SampleArea area, Size picture) {
   const Size whole = WholeSize(plane.size(), area), in_420 = SizeIn420(whole, area);
-  const Image extended = Extended(plane, whole);
+  const Image extended = Fitted(plane, whole);
   const Size even = EvenSize(picture);
-  return Cropped(Shrinks(area) ? Averaged(extended, in_420) : Interpolated(extended, in_420),
-                 {even.width / 2, even.height / 2});
+  return Fitted(Shrinks(area) ? Averaged(extended, in_420) : Interpolated(extended, in_420),
+                {even.width / 2, even.height / 2});
 }
 
 void MergeChroma(const Image& before, const Image& after, SampleArea area, Image& plane) {
   const Size whole = WholeSize(plane.size(), area), in_420 = SizeIn420(whole, area);
-  const Image differences = Extended(Differences(before, after), in_420);
+  const Image differences = Fitted(Differences(before, after), in_420);
   const Image changed = Shrinks(area) ? Nearest(differences, whole) : Averaged(differences, whole);
-  const Image extended = Extended(after, in_420);
+  const Image extended = Fitted(after, in_420);
   TakeChanged(changed, Shrinks(area) ? Interpolated(extended, whole) : Averaged(extended, whole),
               plane);
 }
