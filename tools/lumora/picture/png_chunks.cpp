@@ -34,13 +34,17 @@ template <typename Use>
 void ForEachChunk(const Bytes& file, const Use& use) {
   for (size_t at = kSignature.size(); at + kChunkHead + kChunkTail <= file.size();) {
     const size_t whole = kChunkHead + BigEndian(file, at) + kChunkTail;
-    if (whole > file.size() - at || std::memcmp(&file[at + 4], "IEND", 4) == 0) return;
+    if (whole > file.size() - at || IsType(&file[at + 4], "IEND")) return;
     use(&file[at], whole);
     at += whole;
   }
 }
 
 }  // namespace
+
+bool IsType(const uint8_t* letters, const char* type) {
+  return std::memcmp(letters, type, 4) == 0;
+}
 
 bool StartsLikePng(const Bytes& file) {
   return file.size() >= kSignature.size() &&
@@ -49,7 +53,7 @@ bool StartsLikePng(const Bytes& file) {
 
 Size PngSize(const Bytes& file) {
   constexpr size_t kWidthAt = 16, kHeightAt = 20;
-  if (file.size() < kHeightAt + 4 || std::memcmp(&file[12], "IHDR", 4) != 0) return {};
+  if (file.size() < kHeightAt + 4 || !IsType(&file[12], "IHDR")) return {};
   constexpr uint32_t kMost = std::numeric_limits<int>::max();
   return {static_cast<int>(std::min(BigEndian(file, kWidthAt), kMost)),
           static_cast<int>(std::min(BigEndian(file, kHeightAt), kMost))};
@@ -67,10 +71,10 @@ std::optional<Bytes> EssentialPng(const Bytes& file) {
         crc32(0, type, static_cast<uInt>(length + 4)));  // covers type and content
     if (checksum != BigEndian(file, end - kChunkTail)) return std::nullopt;
     const bool critical = (type[0] & 0x20) == 0;  // an upper-case letter
-    if (critical || std::memcmp(type, "tRNS", 4) == 0) {
+    if (critical || IsType(type, "tRNS")) {
       essential.insert(essential.end(), &file[at], &file[at] + (end - at));
     }
-    if (std::memcmp(type, "IEND", 4) == 0) return essential;
+    if (IsType(type, "IEND")) return essential;
     at = end;
   }
   return std::nullopt;
@@ -85,7 +89,7 @@ size_t PngEnd(const Bytes& file) {
 bool IsAnimatedPng(const Bytes& file) {
   bool animated = false;
   ForEachChunk(file, [&](const uint8_t* chunk, size_t) {
-    animated = animated || std::memcmp(chunk + 4, "acTL", 4) == 0;
+    animated = animated || IsType(chunk + 4, "acTL");
   });
   return animated;
 }
@@ -104,9 +108,8 @@ Bytes WithChunksOf(const Bytes& from, const Bytes& to,
                                    "pHYs", "tEXt", "zTXt", "iTXt", "eXIf"};
   Bytes chunks;
   for (const PngChunk& chunk : PngChunks(from)) {
-    const bool kept = std::any_of(std::begin(kKept), std::end(kKept), [&chunk](const char* type) {
-      return std::memcmp(chunk.type, type, 4) == 0;
-    });
+    const bool kept = std::any_of(std::begin(kKept), std::end(kKept),
+                                  [&chunk](const char* type) { return IsType(chunk.type, type); });
     if (!kept || left_out(chunk)) continue;
     const uint8_t* const end = chunk.content + chunk.size + kChunkTail;
     chunks.insert(chunks.end(), chunk.content - kChunkHead, end);

@@ -35,6 +35,9 @@ struct PngChunk {
   size_t size;
 };
 
+/// Whether four letters are those of that type.
+bool IsType(const uint8_t* letters, const char* type);
+
 /// The chunks up to the end marker; what is cut short ends the list.
 std::vector<PngChunk> PngChunks(const Bytes& file);
 

@@ -45,12 +45,8 @@ Bytes Inflated(const Bytes& packed) {
   return state == Z_STREAM_END ? content : Bytes{};
 }
 
-bool Is(const PngChunk& chunk, const char* type) {
-  return std::memcmp(chunk.type, type, 4) == 0;
-}
-
 bool IsText(const PngChunk& chunk) {
-  return Is(chunk, "tEXt") || Is(chunk, "zTXt") || Is(chunk, "iTXt");
+  return IsType(chunk.type, "tEXt") || IsType(chunk.type, "zTXt") || IsType(chunk.type, "iTXt");
 }
 
 /// The word that a text or colour profile begins with; empty without its end.
@@ -62,8 +58,8 @@ std::string KeyOf(const PngChunk& chunk) {
 /// What follows the key, unpacked.
 Bytes TextOf(const PngChunk& chunk) {
   Bytes rest = Part(Bytes(chunk.content, chunk.content + chunk.size), KeyOf(chunk).size() + 1);
-  if (Is(chunk, "tEXt")) return rest;
-  if (!Is(chunk, "iTXt")) return Inflated(Part(rest, 1));  // behind the kind of compression
+  if (IsType(chunk.type, "tEXt")) return rest;
+  if (!IsType(chunk.type, "iTXt")) return Inflated(Part(rest, 1));  // behind the compression's kind
   if (rest.size() < 2) return {};
   // Whether and how it is compressed, the language, and the key in that language.
   auto end = rest.begin() + 2;
@@ -154,9 +150,9 @@ PictureMetadata ReadPngMetadata(const Bytes& file) {
   std::map<std::string, Bytes> texts;
   bool has_profile = false;
   for (const PngChunk& chunk : PngChunks(file)) {
-    if (Is(chunk, "eXIf") && metadata.exif.empty()) {
+    if (IsType(chunk.type, "eXIf") && metadata.exif.empty()) {
       metadata.exif = WithoutExifHead(Bytes(chunk.content, chunk.content + chunk.size));
-    } else if (Is(chunk, "iCCP") && !has_profile) {
+    } else if (IsType(chunk.type, "iCCP") && !has_profile) {
       has_profile = true;
       metadata.profile = TextOf(chunk);
     } else if (IsText(chunk)) {
@@ -199,7 +195,7 @@ void AddPngMetadata(const PictureMetadata& metadata, Bytes& file) {
 
 void AddPngMetadata(const PictureMetadata& metadata, const Bytes& from, Bytes& to) {
   const auto is_made_anew = [](const PngChunk& chunk) {
-    if (Is(chunk, "eXIf")) return true;
+    if (IsType(chunk.type, "eXIf")) return true;
     const std::string key = IsText(chunk) ? KeyOf(chunk) : std::string();
     return key == kXmpKey || key == kRawExif || key == kRawApp1 || key == kRawXmp;
   };
