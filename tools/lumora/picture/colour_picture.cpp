@@ -31,9 +31,7 @@ Image ColourPicture::Bgr() const {
 
 Frame420 ColourPicture::Frame() const {
   if (pixels_.channels() != 1) return FrameOf(pixels_);
-  const Size even = EvenSize(pixels_.size());
-  const Image gray({even.width / 2, even.height / 2}, 1, kNoColour);
-  return {Fitted(pixels_, even), gray, gray};
+  return GrayFrame(pixels_);
 }
 
 void ColourPicture::Merge(const Frame420& before, const Frame420& after) {

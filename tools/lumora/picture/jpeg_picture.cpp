@@ -45,12 +45,8 @@ JpegPicture::JpegPicture(Bytes file, int orientation)
 }
 
 Frame420 JpegPicture::Frame() const {
-  const Size even = EvenSize(size());
-  if (planes_.size() == 1) {
-    const Image gray({even.width / 2, even.height / 2}, 1, kNoColour);
-    return {Fitted(planes_[0], even), gray, gray};
-  }
-  return {Fitted(planes_[0], even), ChromaTo420(planes_[1], areas_[1], size()),
+  if (planes_.size() == 1) return GrayFrame(planes_[0]);
+  return {Fitted(planes_[0], EvenSize(size())), ChromaTo420(planes_[1], areas_[1], size()),
           ChromaTo420(planes_[2], areas_[2], size())};
 }
 

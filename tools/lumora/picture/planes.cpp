@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "tools/lumora/images/colours.h"
 #include "tools/lumora/images/resample.h"
 
 namespace lumora::tools {
@@ -70,6 +71,12 @@ FrameView Frame420::MutableView() {
 
 Size EvenSize(Size size) {
   return {RoundedUpTo(size.width, 2), RoundedUpTo(size.height, 2)};
+}
+
+Frame420 GrayFrame(const Image& luma) {
+  const Size even = EvenSize(luma.size());
+  const Image gray({even.width / 2, even.height / 2}, 1, kNoColour);
+  return {Fitted(luma, even), gray, gray};
 }
 
 Image ChromaTo420(const Image& plane, SampleArea area, Size picture) {

@@ -28,6 +28,9 @@ struct SampleArea {
 /// `size` with both sides rounded up to even.
 Size EvenSize(Size size);
 
+/// The frame of a picture without colours, of which that is the luma.
+Frame420 GrayFrame(const Image& luma);
+
 /// 255 where two planes of one size differ, else 0.
 Image Differences(const Image& before, const Image& after);
 

@@ -5,6 +5,8 @@
 #include <array>
 #include <cmath>
 
+#include "tools/lumora/images/colours.h"
+
 namespace lumora::tools {
 namespace {
 
@@ -12,7 +14,6 @@ using Table = std::array<uint8_t, 256>;
 
 constexpr double kZero = 16;  // of luma
 constexpr double kLumaSteps = 219, kChromaSteps = 224, kFullSteps = 255;
-constexpr double kNoColour = 128;
 
 uint8_t Sample(double value) {
   return static_cast<uint8_t>(std::clamp(std::lround(value), 0L, 255L));

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <sstream>
 
+#include "tools/lumora/images/colours.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/picture/raw_frame.h"
 #include "tools/lumora/support/failure.h"
@@ -16,7 +17,6 @@ namespace {
 constexpr char kMagic[] = "YUV4MPEG2";
 constexpr char kFrame[] = "FRAME";
 constexpr size_t kLongestLine = 4096;  // bytes
-constexpr uint8_t kNoColour = 128;
 
 bool StartsWith(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
