@@ -2,6 +2,7 @@
 #include "tools/lumora/picture/colour_picture.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/lumora/images/colours.h"
 #include "tools/lumora/images/resample.h"
@@ -14,24 +15,15 @@ constexpr int kOpacity = 3;  // its channel
 
 }  // namespace
 
-Image BgrOf(const Frame420& frame, Size size) {
-  const Size even = frame.y.size();
-  return Fitted(BgrOf(frame.y, Interpolated(frame.cb, even), Interpolated(frame.cr, even)), size);
-}
-
-Frame420 FrameOf(const Image& bgr) {
-  ColourPlanes planes = PlanesOf(bgr);
-  return {Fitted(std::move(planes.y), EvenSize(bgr.size())),
-          ChromaTo420(planes.cb, kPixel, bgr.size()), ChromaTo420(planes.cr, kPixel, bgr.size())};
-}
-
 Image ColourPicture::Bgr() const {
   return BgrOf(pixels_);
 }
 
 Frame420 ColourPicture::Frame() const {
-  if (pixels_.channels() != 1) return FrameOf(pixels_);
-  return GrayFrame(pixels_);
+  if (pixels_.channels() == 1) return GrayFrame(pixels_);
+  ColourPlanes planes = PlanesOf(pixels_);
+  return {Fitted(std::move(planes.y), EvenSize(size())), ChromaTo420(planes.cb, kPixel, size()),
+          ChromaTo420(planes.cr, kPixel, size())};
 }
 
 void ColourPicture::Merge(const Frame420& before, const Frame420& after) {
@@ -41,7 +33,8 @@ void ColourPicture::Merge(const Frame420& before, const Frame420& after) {
   }
   const Image luma = Differences(before.y, after.y);
   const Image blue = Differences(before.cb, after.cb), red = Differences(before.cr, after.cr);
-  const Image bgr = BgrOf(after, pixels_.size());
+  const Size even = after.y.size();
+  const Image bgr = BgrOf(after.y, Interpolated(after.cb, even), Interpolated(after.cr, even));
   const int channels = pixels_.channels();
   for (int y = 0; y < pixels_.height(); ++y) {
     const uint8_t* const here = luma.Row(y);

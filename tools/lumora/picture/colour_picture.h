@@ -22,12 +22,6 @@ class ColourPicture final : public Picture {
   Image pixels_;
 };
 
-/// A 4:2:0 frame (without the columns and rows that made it even) as 8-bit BGR pixels.
-Image BgrOf(const Frame420& frame, Size size);
-
-/// 8-bit BGR pixels as a 4:2:0 frame.
-Frame420 FrameOf(const Image& bgr);
-
 }  // namespace lumora::tools
 
 #endif  // LUMORA_TOOLS_PICTURE_COLOUR_PICTURE_H_
