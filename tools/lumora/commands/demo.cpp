@@ -31,6 +31,15 @@ Size FourToThree(int width) {
   return {width, width * 3 / 4};
 }
 
+/// The picture after what `change` makes of its frame.
+template <typename Change>
+Image Changed(const Image& picture, const Change& change) {
+  ColourPicture changed(picture);
+  const Frame420 frame = changed.Frame();
+  changed.Merge(frame, change(frame));
+  return changed.Bgr();
+}
+
 class Demo {
  public:
   explicit Demo(const DemoOptions& options) : options_(options) {}
@@ -83,29 +92,24 @@ class Demo {
     const Scene group = Draw().DrawGroup(FourToThree(options_.capture));
     Report report;
     const Image after = Retouched(group.picture, group.faces, options_.look, &report);
-    WriteJpeg("capture-before.jpg", group.picture);
-    WriteJpeg("capture-after.jpg", after);
-    WriteJpeg("capture-compare.jpg", Draw().CompareSheet(group.picture, after));
-    WriteJpeg("capture-explain.jpg",
-              Draw().ExplainSheet(group.picture, group.faces, report.blocks));
+    Write("capture-before.jpg", group.picture);
+    Write("capture-after.jpg", after);
+    Write("capture-compare.jpg", Draw().CompareSheet(group.picture, after));
+    Write("capture-explain.jpg", Draw().ExplainSheet(group.picture, group.faces, report.blocks));
   }
 
   Image Retouched(const Image& picture, const std::vector<Face>& faces, const Look& look,
                   Report* report = nullptr) {
-    ColourPicture retouched(picture);
-    const Frame420 frame = retouched.Frame();
-    retouched.Merge(frame, retoucher_->Process(frame, faces, look, report));
-    return retouched.Bgr();
+    return Changed(picture, [&](const Frame420& frame) {
+      return retoucher_->Process(frame, faces, look, report);
+    });
   }
 
   Image Rectified(const Image& picture) {
-    ColourPicture rectified(picture);
-    const Frame420 frame = rectified.Frame();
-    rectified.Merge(frame, retoucher_->Run(frame, [](Pipeline& pipeline, const ConstFrameView& in,
-                                                     const FrameView& out) {
+    const auto rectify = [](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
       return pipeline.Rectify(in, out, kDegree);
-    }));
-    return rectified.Bgr();
+    };
+    return Changed(picture, [&](const Frame420& frame) { return retoucher_->Run(frame, rectify); });
   }
 
   std::string PathOf(const std::string& name) const {
@@ -113,12 +117,7 @@ class Demo {
   }
 
   void Write(const std::string& name, const Image& picture) {
-    WriteWhole(PathOf(name), EncodePng(picture));
-    Print(PathOf(name));
-  }
-
-  void WriteJpeg(const std::string& name, const Image& picture) {
-    WriteWhole(PathOf(name), EncodeJpeg(picture));
+    WriteWhole(PathOf(name), EncodeNew(picture, FormatOfName(name)));
     Print(PathOf(name));
   }
 
