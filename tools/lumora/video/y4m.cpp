@@ -63,6 +63,13 @@ void CheckSize(Size size, const std::string& name) {
   }
 }
 
+/// How many bytes of a frame are in the file.
+size_t StoredBytes(const Y4mHeader& header) {
+  const Size size = header.size;
+  return header.mono ? static_cast<size_t>(size.width) * static_cast<size_t>(size.height)
+                     : RawFrameBytes(size);
+}
+
 }  // namespace
 
 Y4mHeader ParseY4mHeader(const std::string& line, const std::string& name) {
@@ -105,10 +112,7 @@ Y4mHeader ParseY4mHeader(const std::string& line, const std::string& name) {
 }
 
 ClipFrame::ClipFrame(const Y4mHeader& header)
-    : size_(header.size),
-      stored_(header.mono ? static_cast<size_t>(size_.width) * static_cast<size_t>(size_.height)
-                          : RawFrameBytes(size_)),
-      bytes_(RawFrameBytes(size_), kNoColour) {}
+    : size_(header.size), stored_(StoredBytes(header)), bytes_(RawFrameBytes(size_), kNoColour) {}
 
 ConstFrameView ClipFrame::View() const {
   return RawFrameView(bytes_.data(), PixelFormat::I420, size_);
@@ -147,7 +151,7 @@ std::optional<int64_t> Y4mReader::FrameCount() const {
   const std::optional<uint64_t> length = input_.Length();
   if (!length) return std::nullopt;
   const uint64_t header = header_.line.size() + 1;
-  const uint64_t frame = sizeof(kFrame) + ClipFrame(header_).stored();  // its '\n' for the '\0'
+  const uint64_t frame = sizeof(kFrame) + StoredBytes(header_);  // its '\n' for the '\0'
   return *length > header ? static_cast<int64_t>((*length - header) / frame) : 0;
 }
 
