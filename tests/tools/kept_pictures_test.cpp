@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tests/tools/pictures.h"
+#include "tests/tools/png_files.h"
 #include "tests/tools/stored_pictures.h"
 #include "tools/lumora/modules/opencv.h"
 #include "tools/lumora/picture/decode_picture.h"
@@ -161,16 +162,6 @@ void Append(const Bytes& bytes, Bytes* to) {
 
 void AppendBigEndian(uint32_t value, Bytes* to) {
   for (int shift = 24; shift >= 0; shift -= 8) to->push_back(static_cast<uint8_t>(value >> shift));
-}
-
-Bytes PngChunk(const std::string& type, const Bytes& content) {
-  Bytes body(type.begin(), type.end()), chunk;
-  Append(content, &body);
-  AppendBigEndian(static_cast<uint32_t>(content.size()), &chunk);
-  Append(body, &chunk);
-  AppendBigEndian(static_cast<uint32_t>(crc32(0, body.data(), static_cast<uInt>(body.size()))),
-                  &chunk);
-  return chunk;
 }
 
 /// A PNG of side x side pixels that are numbers in a palette, in rows of the same number; the
