@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // lumora bench: how fast the effects are on this machine.
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <functional>

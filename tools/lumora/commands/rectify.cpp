@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // lumora rectify: one picture in, the picture with straightened lines out.
-#include <array>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
