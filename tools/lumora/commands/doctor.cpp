@@ -115,7 +115,7 @@ class Doctor {
     CheckModule("drawing", kDrawingModule, [] { Draw(); });
   }
 
-  void CheckModule(const char* name, const char* module, const std::function<void()>& load) {
+  void CheckModule(const char* name, const Module& module, const std::function<void()>& load) {
     try {
       load();
       Tell(name, true, ModulePlace(module));

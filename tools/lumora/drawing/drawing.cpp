@@ -3,29 +3,13 @@
 
 #include <memory>
 
-#include "tools/lumora/support/failure.h"
-#include "tools/lumora/support/module.h"
-
 namespace lumora::tools {
-namespace {
-
-std::unique_ptr<Drawing> Loaded() {
-  try {
-    const auto make = reinterpret_cast<MakeDrawing>(ModuleFunction(kDrawingModule, kMakeDrawing));
-    std::unique_ptr<Drawing> drawing(make(LUMORA_VERSION));
-    if (drawing != nullptr) return drawing;
-  } catch (const Failure& failure) {
-    throw Failure(failure.code(),
-                  std::string("cannot draw: ") + failure.what() + "; install the command again");
-  }
-  throw Failure(ExitCode::Failed, "cannot draw: " + ModulePlace(kDrawingModule) +
-                                      " belongs to another version of the command");
-}
-
-}  // namespace
 
 Drawing& Draw() {
-  static const std::unique_ptr<Drawing> drawing = Loaded();
+  static const std::unique_ptr<Drawing> drawing = [] {
+    const auto make = reinterpret_cast<MakeDrawing>(ModuleFunction(kDrawingModule));
+    return MadeBy(kDrawingModule, make(LUMORA_VERSION));
+  }();
   return *drawing;
 }
 

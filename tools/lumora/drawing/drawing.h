@@ -10,6 +10,7 @@
 #include "lumora/pipeline/face.h"
 #include "lumora/pipeline/report.h"
 #include "tools/lumora/images/image.h"
+#include "tools/lumora/support/module.h"
 
 namespace lumora::tools {
 
@@ -54,12 +55,12 @@ class Drawing {
 /// Loads the module at the first call. Throws Failure (Failed) when it is not installed.
 Drawing& Draw();
 
-inline constexpr char kDrawingModule[] = "drawing";
+inline constexpr Module kDrawingModule = {"drawing", "LumoraMakeDrawing", "draw",
+                                          "install the command again"};
 
-/// The module's function of the name kMakeDrawing. What it makes is the caller's; it makes none
-/// where `version` is not the module's own.
+/// The module's function. What it makes is the caller's; it makes none where `version` is not the
+/// module's own.
 using MakeDrawing = Drawing* (*)(const char* version);
-inline constexpr char kMakeDrawing[] = "LumoraMakeDrawing";
 
 }  // namespace lumora::tools
 

@@ -3,19 +3,11 @@
 
 #include <filesystem>
 
-#include "tools/lumora/support/failure.h"
-#include "tools/lumora/support/module.h"
-
 namespace lumora::tools {
 namespace {
 
 MakeFaceSearch Maker() {
-  try {
-    return reinterpret_cast<MakeFaceSearch>(ModuleFunction(kFaceFinderModule, kMakeFaceSearch));
-  } catch (const Failure& failure) {
-    throw Failure(failure.code(), std::string("cannot search for faces: ") + failure.what() +
-                                      "; install the command again or use --faces");
-  }
+  return reinterpret_cast<MakeFaceSearch>(ModuleFunction(kFaceFinderModule));
 }
 
 }  // namespace
@@ -45,12 +37,8 @@ void LoadFaceFinder() {
   Maker();
 }
 
-FaceFinder::FaceFinder() : search_(Maker()(LUMORA_VERSION, CascadeFolder().c_str())) {
-  if (search_ == nullptr) {
-    throw Failure(ExitCode::Failed, "cannot search for faces: " + ModulePlace(kFaceFinderModule) +
-                                        " belongs to another version of the command");
-  }
-}
+FaceFinder::FaceFinder()
+    : search_(MadeBy(kFaceFinderModule, Maker()(LUMORA_VERSION, CascadeFolder().c_str()))) {}
 
 std::vector<FoundFace> FaceFinder::Find(const PixelView& picture) {
   return search_->Find(picture);

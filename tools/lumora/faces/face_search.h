@@ -8,6 +8,7 @@
 
 #include "lumora/pipeline/face.h"
 #include "tools/lumora/images/image.h"
+#include "tools/lumora/support/module.h"
 
 namespace lumora::tools {
 
@@ -29,13 +30,14 @@ class FaceSearch {
   virtual std::vector<FoundFace> Find(const PixelView& picture) = 0;
 };
 
-inline constexpr char kFaceFinderModule[] = "face_finder";
+inline constexpr Module kFaceFinderModule = {"face_finder", "LumoraMakeFaceSearch",
+                                             "search for faces",
+                                             "install the command again or use --faces"};
 
-/// The module's function of the name kMakeFaceSearch: a new search with the classifiers of that
-/// folder, which is the caller's; none where `version` is not the module's own. Throws Failure
-/// (Failed) when they cannot be loaded.
+/// The module's function: a new search with the classifiers of that folder, which is the caller's;
+/// none where `version` is not the module's own. Throws Failure (Failed) when they cannot be
+/// loaded.
 using MakeFaceSearch = FaceSearch* (*)(const char* version, const char* cascade_folder);
-inline constexpr char kMakeFaceSearch[] = "LumoraMakeFaceSearch";
 
 }  // namespace lumora::tools
 

@@ -15,6 +15,7 @@ namespace lumora::tools {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 /// Where the program lies; without /proc, as it was called.
 fs::path Program() {
@@ -32,33 +33,41 @@ bool HasRoomForModule() {
   return room != MAP_FAILED && munmap(room, kLargest) == 0;
 }
 
+[[noreturn]] void Reject(const Module& module, const std::string& why) {
+  throw Failure(ExitCode::Failed, "cannot "s + module.purpose + ": " + why);
+}
+
 }  // namespace
 
-std::string ModulePlace(const std::string& name) {
-  const fs::path folder_of_program = Program().parent_path();
+std::string ModulePlace(const Module& module) {
+  const fs::path folder_of_program = Program().parent_path(), file = module.name + ".so"s;
   std::error_code error;
   fs::path first;
   // As installed, and as built.
   for (const char* folder : {LUMORA_MODULES, "../lib/lumora"}) {
-    const fs::path place = (folder_of_program / folder / (name + ".so")).lexically_normal();
+    const fs::path place = (folder_of_program / folder / file).lexically_normal();
     if (fs::exists(place, error)) return place;
     if (first.empty()) first = place;
   }
   return first;
 }
 
-void* ModuleFunction(const std::string& name, const char* function) {
-  const std::string place = ModulePlace(name);
+void* ModuleFunction(const Module& module) {
+  const std::string place = ModulePlace(module), remedy = "; "s + module.remedy;
   std::error_code error;
-  if (!fs::exists(place, error)) throw Failure(ExitCode::Failed, place + " is missing");
-  void* const module = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
-  void* const found = module != nullptr ? dlsym(module, function) : nullptr;
+  if (!fs::exists(place, error)) Reject(module, place + " is missing" + remedy);
+  void* const library = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* const found = library != nullptr ? dlsym(library, module.function) : nullptr;
   if (found == nullptr) {
     const char* const reason = dlerror();
     if (!HasRoomForModule()) throw std::bad_alloc();
-    throw Failure(ExitCode::Failed, reason != nullptr ? reason : place + " is damaged");
+    Reject(module, (reason != nullptr ? reason : place + " is damaged") + remedy);
   }
   return found;
+}
+
+void RejectVersionOf(const Module& module) {
+  Reject(module, ModulePlace(module) + " belongs to another version of the command");
 }
 
 }  // namespace lumora::tools
