@@ -129,26 +129,32 @@ void SkinMask::MakeGrid(const Face& face, const Ellipse& outer) {
   }
 }
 
-void SkinMask::Row(int y, float* weights) const {
+MaskRow SkinMask::RowAt(int y) const {
   y = std::min(y, height_ - 1);
   const int row = (y - bounds_.y) / step_;
-  const float down = static_cast<float>((y - bounds_.y) % step_) / static_cast<float>(step_);
-  const auto offset = static_cast<size_t>(row) * static_cast<size_t>(columns_);
-  const float* const above = grid_.data() + offset;
-  const float* const below = above + columns_;
+  MaskRow numbers;
+  numbers.above = grid_.data() + static_cast<size_t>(row) * static_cast<size_t>(columns_);
+  numbers.below = numbers.above + columns_;
+  numbers.down = static_cast<float>((y - bounds_.y) % step_) / static_cast<float>(step_);
+  numbers.step = step_;
   // The grid's numbers alone would end up to a step of it beyond the ellipse.
   const RowSpan held = outer_.Row(y, width_);
-  const int begin = std::clamp(held.begin - bounds_.x, 0, bounds_.width);
-  const int end = std::clamp(held.end - bounds_.x, begin, bounds_.width);
+  numbers.held.begin = std::clamp(held.begin - bounds_.x, 0, bounds_.width);
+  numbers.held.end = std::clamp(held.end - bounds_.x, numbers.held.begin, bounds_.width);
+  return numbers;
+}
+
+void SkinMask::Row(int y, float* weights) const {
+  const MaskRow row = RowAt(y);
   std::fill_n(weights, bounds_.width, 0.f);
-  for (int x = begin; x < end; ++x) {
-    const int column = x / step_;
-    const float right = static_cast<float>(x % step_) / static_cast<float>(step_);
+  for (int x = row.held.begin; x < row.held.end; ++x) {
+    const int column = x / row.step;
+    const float right = static_cast<float>(x % row.step) / static_cast<float>(row.step);
     const auto along = [column, right](const float* numbers) {
       return numbers[column] + right * (numbers[column + 1] - numbers[column]);
     };
-    const float top = along(above);
-    weights[x] = top + down * (along(below) - top);
+    const float top = along(row.above);
+    weights[x] = top + row.down * (along(row.below) - top);
   }
   const int beyond = width_ - bounds_.x;
   if (beyond > 0 && beyond < bounds_.width) weights[beyond] = weights[beyond - 1];

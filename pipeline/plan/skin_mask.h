@@ -9,9 +9,26 @@
 
 #include "lumora/geometry/rectangle.h"
 #include "lumora/pipeline/face.h"
+#include "pipeline/frames/row_span.h"
 #include "pipeline/plan/whitening_geometry.h"
 
 namespace lumora {
+
+/// What the weights of a row are made of: for kernels that compute them on their way. The weight of
+/// column x of the mask's bounds is, with `right` = (x % step) / step and i = x / step,
+///
+///     top    = above[i] + right * (above[i + 1] - above[i])
+///     bottom = below[i] + right * (below[i + 1] - below[i])
+///     top + down * (bottom - top)
+///
+/// each operation rounded by itself, and 0 outside of `held`.
+struct MaskRow {
+  const float* above = nullptr;  ///< the grid's numbers above the row or on it
+  const float* below = nullptr;  ///< those of the next row of the grid
+  float down = 0;                ///< how far the row lies from the first to the second, below 1
+  int step = 1;                  ///< columns from one number to the next
+  RowSpan held;                  ///< columns, counted from the bounds' first, in ellipse and frame
+};
 
 /// Weights, 0 (the input) to 1 (the engine's result), over the pixels around a face.
 ///
@@ -39,8 +56,13 @@ class SkinMask {
   /// the frame has the weight of its neighbour in it.
   void Row(int y, float* weights) const;
 
-  /// The share that a pixel of that luma takes of its weight.
+  /// The same row for who computes the weights himself. They hold as long as the mask is not made
+  /// anew. Where bounds() reaches beyond the frame, its last column is not in `held`.
+  MaskRow RowAt(int y) const;
+
+  /// The share that a pixel of that luma takes of its weight, and all of them.
   float ShareOf(uint8_t luma) const { return luma_share_[luma]; }
+  const std::array<float, 256>& luma_shares() const { return luma_share_; }
 
  private:
   void MakeGrid(const Face& face, const Ellipse& outer);
