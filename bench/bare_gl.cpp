@@ -30,13 +30,13 @@ GLuint CompileShader(GLenum kind, const char* text) {
 }  // namespace
 
 BareContext::BareContext() {
-  const bool made = platform::CreateOffscreenContext(
-      {display_, config_, surface_, context_, referenced_}, Ignore);
+  const bool made = platform::CreateOffscreenContext({display_, config_, surface_, context_},
+                                                     referenced_, Ignore);
   Require(made, "no usable display");
 }
 
 BareContext::~BareContext() {
-  platform::DestroyOffscreenContext({display_, config_, surface_, context_, referenced_}, Ignore);
+  platform::DestroyOffscreenContext({display_, config_, surface_, context_}, referenced_, Ignore);
 }
 
 void BareContext::MakeCurrent() const {
