@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "pipeline/backends/backend.h"
+#include "pipeline/backends/open_backend.h"
 #include "pipeline/frames/frame_check.h"
 #include "pipeline/frames/frame_copy.h"
 #include "pipeline/plan/frame_plan.h"
@@ -37,19 +38,26 @@ Status CopyUnchanged(const ConstFrameView& in, const FrameView& out, Report* rep
 
 struct Pipeline::Parts {
   std::unique_ptr<Backend> backend;
+  DeviceChoice choice;
   Spare<FramePlan> plans;
 };
 
-std::unique_ptr<Pipeline> Pipeline::Create(Status* status) {
+std::unique_ptr<Pipeline> Pipeline::Create(const PipelineOptions& options, Status* status) {
   std::unique_ptr<Pipeline> pipeline;
-  Status result = Guarded([&pipeline]() -> Status {
+  Status result = Guarded([&]() -> Status {
+    if (Status checked = CheckThreads(options.threads); !checked.ok()) return checked;
     auto parts = std::make_unique<Parts>();
-    if (Status made = MakeGlBackend(&parts->backend); !made.ok()) return made;
+    Status made = OpenBackend(options.device, options.threads, &parts->backend, &parts->choice);
+    if (!made.ok()) return made;
     pipeline.reset(new Pipeline(std::move(parts)));
     return {};
   });
   if (status != nullptr) *status = std::move(result);
   return pipeline;
+}
+
+std::unique_ptr<Pipeline> Pipeline::Create(Status* status) {
+  return Create(PipelineOptions{}, status);
 }
 
 Pipeline::Pipeline(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
@@ -95,7 +103,7 @@ Status Pipeline::RectifyRadial(const ConstFrameView& in, const FrameView& out, c
 }
 
 DeviceInfo Pipeline::Device() {
-  return OrNothing([this] { return parts_->backend->Device(); });
+  return OrNothing([this] { return Chosen(parts_->choice, parts_->backend->Device()); });
 }
 
 }  // namespace lumora

@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 
+#include "lumora/pipeline/pipeline.h"
 #include "pipeline/faces/face_bounds.h"
 #include "pipeline/frames/frame_check.h"
 #include "pipeline/support/failure.h"
@@ -52,6 +53,12 @@ Status CheckArguments(const ConstFrameView& in, const FrameView& out, FaceSpan f
     if (Status status = CheckFace(faces[i], i, in.width, in.height); !status.ok()) return status;
   }
   return {};
+}
+
+Status CheckThreads(int threads) {
+  if (threads >= 1 && threads <= kMostThreads) return {};
+  return Invalid("threads is " + std::to_string(threads) + ", but its range is 1 to " +
+                 std::to_string(kMostThreads));
 }
 
 Status CheckLens(const Lens& lens) {

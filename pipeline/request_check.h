@@ -15,6 +15,9 @@ namespace lumora {
 Status CheckArguments(const ConstFrameView& in, const FrameView& out, FaceSpan faces,
                       const Look& look);
 
+/// Whether so many threads may work on a frame.
+Status CheckThreads(int threads);
+
 /// Whether RectifyRadial can work with this lens.
 Status CheckLens(const Lens& lens);
 

@@ -47,6 +47,9 @@ class ConverterBackend {
   virtual ~ConverterBackend() = default;
   virtual Status Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
                          Report* report) = 0;
+
+  /// What it runs on.
+  virtual DeviceInfo Device() { return {}; }
 };
 
 /// The engine, and its converter, each on a thread of its own. NoDisplay where there is none.

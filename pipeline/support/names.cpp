@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <optional>
+#include <string_view>
+
 #include "lumora/pipeline/chain.h"
 #include "lumora/pipeline/device.h"
 
@@ -18,6 +21,25 @@ const char* Name(ChainUsed chain) {
       return "convert";
   }
   return "";
+}
+
+const char* Name(Device device) {
+  switch (device) {
+    case Device::Auto:
+      return "auto";
+    case Device::Gl:
+      return "gl";
+    case Device::Cpu:
+      return "cpu";
+  }
+  return "";
+}
+
+std::optional<Device> FindDevice(std::string_view name) {
+  for (const Device device : {Device::Auto, Device::Gl, Device::Cpu}) {
+    if (name == Name(device)) return device;
+  }
+  return std::nullopt;
 }
 
 const char* Name(BufferKind kind) {

@@ -25,9 +25,10 @@ TEST(SharedLibrary, OffersTheFaceAdapters) {
 
 TEST(SharedLibrary, OffersThePipeline) {
   Status status;
-  const auto pipeline = Pipeline::Create(&status);
+  const auto pipeline = Pipeline::Create({Device::Gl}, &status);
   ASSERT_NE(pipeline, nullptr) << status.message;
   EXPECT_FALSE(pipeline->Device().renderer.empty());
+  EXPECT_EQ(pipeline->Device().device, Device::Gl);
   std::vector<uint8_t> bytes(64 * 64 * 3 / 2, 128);
   const FrameView frame{
       PixelFormat::NV21, 64, 64, {bytes.data(), bytes.data() + 64 * 64, nullptr}, {64, 64, 0}};
@@ -39,7 +40,7 @@ TEST(SharedLibrary, OffersThePipeline) {
 
 TEST(SharedLibrary, OffersTheConverterAndTheTracker) {
   Status status;
-  const auto converter = Converter::Create(&status);
+  const auto converter = Converter::Create(Device::Gl, &status);
   ASSERT_NE(converter, nullptr) << status.message;
   std::vector<uint8_t> bytes(64 * 64 * 3 / 2, 128), rgb(64 * 64 * 3);
   const FrameView frame{
@@ -61,7 +62,7 @@ TEST(SharedLibrary, OffersLooksAndWhatTheyAmountTo) {
 }
 
 TEST(SharedLibrary, OffersRectification) {
-  const auto pipeline = Pipeline::Create(nullptr);
+  const auto pipeline = Pipeline::Create({Device::Gl}, nullptr);
   ASSERT_NE(pipeline, nullptr);
   std::vector<uint8_t> bytes(64 * 64 * 3 / 2, 128);
   const FrameView frame{

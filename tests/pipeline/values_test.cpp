@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -61,6 +62,16 @@ std::string Names(Value first, Value last) {
     names += std::string(Name(static_cast<Value>(value))) + ";";
   }
   return names;
+}
+
+TEST(Names, OfDevicesAreFoundAgain) {
+  EXPECT_EQ(Names(Device::Auto, Device::Cpu), ";auto;gl;cpu;;");
+  for (const Device device : {Device::Auto, Device::Gl, Device::Cpu}) {
+    EXPECT_EQ(FindDevice(Name(device)), device);
+  }
+  for (const char* none : {"", "GL", "gpu", "auto ", "cpu0"}) {
+    EXPECT_EQ(FindDevice(none), std::nullopt) << none;
+  }
 }
 
 TEST(Names, AreThoseThatReportsForMachinesTell) {

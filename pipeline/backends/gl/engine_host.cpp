@@ -5,7 +5,6 @@
 
 #include "lumora/geometry/rectangle.h"
 #include "lumora/geometry/rounding.h"
-#include "lumora/platform/settings.h"
 #include "pipeline/backends/gl/engine_faults.h"
 #include "pipeline/backends/gl/gl_state.h"
 #include "pipeline/backends/gl/merge.h"
@@ -133,19 +132,6 @@ Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, Frame
 void EngineHost::FreeMemory() {
   frame_ = PaddedFrame();
   memory_ = ChainMemory();
-}
-
-DeviceInfo EngineHost::Device() {
-  DeviceInfo info;
-  info.display = DisplayHere();
-  info.vendor = GlText(GL_VENDOR);
-  info.renderer = GlText(GL_RENDERER);
-  info.version = GlText(GL_VERSION);
-  info.buffer_kind = BufferKindHere();
-  info.max_texture_size = MaxTextureSize();
-  info.cache_directory = platform::CacheDirectory();
-  info.program_binaries = OffersProgramBinaries();
-  return info;
 }
 
 }  // namespace lumora

@@ -3,7 +3,6 @@
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_ENGINE_HOST_H_
 
-#include "lumora/pipeline/device.h"
 #include "lumora/pipeline/frame.h"
 #include "lumora/pipeline/lens.h"
 #include "pipeline/backends/gl/chains.h"
@@ -29,8 +28,6 @@ class EngineHost {
   Status Rectify(const ConstFrameView& in, const FrameView& out, int degree, Report* report);
   Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
                        Report* report);
-
-  DeviceInfo Device();
 
  private:
   Status RunEffects(const FramePlan& plan, Report* report);

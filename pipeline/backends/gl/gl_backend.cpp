@@ -5,6 +5,7 @@
 #include "pipeline/backends/backend.h"
 #include "pipeline/backends/gl/engine_faults.h"
 #include "pipeline/backends/gl/engine_host.h"
+#include "pipeline/backends/gl/gl_state.h"
 #include "pipeline/support/serial_thread.h"
 
 namespace lumora {
@@ -36,7 +37,7 @@ class GlBackend : public Backend {
     return thread_.Run([&] { return host_->RectifyRadial(in, out, lens, report); });
   }
   DeviceInfo Device() override {
-    return thread_.Run([this] { return host_->Device(); });
+    return thread_.Run([] { return DeviceHere(); });
   }
 
  private:

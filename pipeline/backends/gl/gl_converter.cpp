@@ -67,6 +67,9 @@ class GlConverter : public ConverterBackend {
                  Report* report) override {
     return thread_.Run([&] { return ConvertHere(in, rgb, hsi, report); });
   }
+  DeviceInfo Device() override {
+    return thread_.Run([] { return DeviceHere(); });
+  }
 
  private:
   Status ConvertHere(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,

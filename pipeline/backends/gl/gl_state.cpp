@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pipeline/backends/gl/gl_state.h"
 
+#include <string>
 #include <string_view>
 
 #include "lumora/platform/buffer_kind.h"
 #include "lumora/platform/display.h"
+#include "lumora/platform/settings.h"
 #include "pipeline/support/failure.h"
 
 namespace lumora {
+namespace {
 
 int MaxTextureSize() {
   GLint size = 0;
@@ -15,6 +18,7 @@ int MaxTextureSize() {
   return size;
 }
 
+/// One of the driver's texts, empty when there is none.
 std::string GlText(GLenum name) {
   const GLubyte* const text = glGetString(name);
   return text == nullptr ? "" : reinterpret_cast<const char*>(text);
@@ -35,6 +39,22 @@ DisplaySource DisplayHere() {
     if (origin == Name(source)) return source;
   }
   return DisplaySource::None;
+}
+
+}  // namespace
+
+DeviceInfo DeviceHere() {
+  DeviceInfo info;
+  info.device = Device::Gl;
+  info.display = DisplayHere();
+  info.vendor = GlText(GL_VENDOR);
+  info.renderer = GlText(GL_RENDERER);
+  info.version = GlText(GL_VERSION);
+  info.buffer_kind = BufferKindHere();
+  info.max_texture_size = MaxTextureSize();
+  info.cache_directory = platform::CacheDirectory();
+  info.program_binaries = OffersProgramBinaries();
+  return info;
 }
 
 BufferKind BufferKindHere() {

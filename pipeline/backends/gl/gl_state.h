@@ -3,21 +3,16 @@
 #ifndef LUMORA_PIPELINE_BACKENDS_GL_GL_STATE_H_
 #define LUMORA_PIPELINE_BACKENDS_GL_GL_STATE_H_
 
-#include <string>
-
 #include "lumora/pipeline/device.h"
 #include "lumora/pipeline/status.h"
 #include "lumora/platform/gl_api.h"
 
 namespace lumora {
 
-int MaxTextureSize();
-/// One of the driver's texts, empty when there is none.
-std::string GlText(GLenum name);
-bool OffersProgramBinaries();
+/// What the context belongs to.
+DeviceInfo DeviceHere();
 
-/// How the display was found, and how CPU and GPU share memory here.
-DisplaySource DisplayHere();
+/// How CPU and GPU share memory here.
 BufferKind BufferKindHere();
 
 /// Forgets errors of earlier calls.

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "lumora/pipeline/device.h"
 #include "lumora/pipeline/export.h"
 #include "lumora/pipeline/frame.h"
 #include "lumora/pipeline/report.h"
@@ -18,8 +19,12 @@ namespace lumora {
 /// Thread-safety: every member may be called from any thread; calls are served one after another.
 class LUMORA_PIPELINE_API Converter {
  public:
-  /// A converter, which the caller owns. Failure: null, and `status`, which may be null, tells why:
-  /// NoDisplay, or EngineFailed where memory is short.
+  /// A converter, which the caller owns, on a device as in PipelineOptions. Failure: null, and
+  /// `status`, which may be null, tells why: InvalidArgument for a device, or a LUMORA_DEVICE, that
+  /// there is not; NoDisplay; EngineFailed where memory is short.
+  static std::unique_ptr<Converter> Create(lumora::Device device, Status* status);
+
+  /// The same with Device::Auto.
   static std::unique_ptr<Converter> Create(Status* status);
   ~Converter();
 
@@ -35,6 +40,9 @@ class LUMORA_PIPELINE_API Converter {
   /// be used, TooLarge for a frame beyond the driver's textures, EngineFailed.
   Status Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
                  Report* report = nullptr);
+
+  /// What it runs on, and why on that. Failure: nothing of it where memory is short.
+  DeviceInfo Device();
 
  private:
   struct LUMORA_PIPELINE_LOCAL Parts;

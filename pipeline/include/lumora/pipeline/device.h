@@ -3,11 +3,20 @@
 #ifndef LUMORA_PIPELINE_DEVICE_H_
 #define LUMORA_PIPELINE_DEVICE_H_
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "lumora/pipeline/export.h"
 
 namespace lumora {
+
+/// What computes the pictures.
+enum class Device {
+  Auto,  ///< the pipeline's choice
+  Gl,    ///< a GPU, or a software renderer in its place, by OpenGL ES
+  Cpu,   ///< the processor, without any driver
+};
 
 /// How CPU and GPU share the memory of images.
 enum class BufferKind {
@@ -27,6 +36,12 @@ enum class DisplaySource {
   Surfaceless,     ///< Mesa's platform without surfaces
 };
 
+/// "auto", "gl" or "cpu"; an empty text for what is no Device. Otherwise as below.
+LUMORA_PIPELINE_API const char* Name(Device device);
+
+/// The device of such a name, none for any other text. Thread-safety: any thread. Failure: none.
+LUMORA_PIPELINE_API std::optional<Device> FindDevice(std::string_view name);
+
 /// "staged", "memobj", "dmabuf" or "hardware buffer"; an empty text for None and for what is no
 /// BufferKind. Thread-safety: any thread. Ownership: the text stays for ever. Failure: none.
 LUMORA_PIPELINE_API const char* Name(BufferKind kind);
@@ -35,8 +50,15 @@ LUMORA_PIPELINE_API const char* Name(BufferKind kind);
 /// empty text for what is no DisplaySource. Otherwise as above.
 LUMORA_PIPELINE_API const char* Name(DisplaySource source);
 
-/// What the machine offers, for diagnostics.
+/// What a pipeline computes on, for diagnostics. What belongs to the other device stays empty.
 struct DeviceInfo {
+  Device device = Device::Auto;  ///< Gl or Cpu; Auto: nothing is known
+  std::string reason;            ///< why this one: a sentence without its full stop
+
+  std::string simd;  ///< cpu: the instruction set, such as "AVX2"
+  int threads = 0;   ///< cpu: how many work on one frame
+
+  // gl
   DisplaySource display = DisplaySource::None;
   std::string vendor, renderer, version;  ///< of the GL driver
   BufferKind buffer_kind = BufferKind::None;

@@ -24,6 +24,17 @@
 
 namespace lumora {
 
+/// The largest number of threads that a pipeline works with.
+inline constexpr int kMostThreads = 256;
+
+/// What a pipeline is to work with.
+struct PipelineOptions {
+  /// Auto: what the environment variable LUMORA_DEVICE names ("auto", "gl" or "cpu"), else the
+  /// pipeline's own choice.
+  lumora::Device device = lumora::Device::Auto;
+  int threads = 1;  ///< 1 to kMostThreads, how many work on one frame; without effect on gl
+};
+
 /// One frame to process, and how. Nothing in it is owned: planes and faces stay as they are until
 /// the call has returned.
 struct FrameRequest {
@@ -42,7 +53,11 @@ struct FrameRequest {
 class LUMORA_PIPELINE_API Pipeline {
  public:
   /// A pipeline, which the caller owns. Failure: null, and `status`, which may be null, tells why:
-  /// NoDisplay, or EngineFailed where memory is short.
+  /// InvalidArgument for options, or a LUMORA_DEVICE, that cannot be used; NoDisplay; EngineFailed
+  /// where memory is short.
+  static std::unique_ptr<Pipeline> Create(const PipelineOptions& options, Status* status);
+
+  /// The same with no options set.
   static std::unique_ptr<Pipeline> Create(Status* status);
   ~Pipeline();
 
@@ -82,7 +97,7 @@ class LUMORA_PIPELINE_API Pipeline {
   Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
                        Report* report = nullptr);
 
-  /// What the engine runs on. Failure: nothing of it where memory is short.
+  /// What it runs on, and why on that. Failure: nothing of it where memory is short.
   DeviceInfo Device();
 
  private:
