@@ -16,21 +16,40 @@ struct YuvSample {
   uint8_t y, cr, cb;
 };
 
-/// The samples of the pixel (x, y), neither below 0. To the right of a frame and below it those of
-/// its outermost pixels go on.
-inline YuvSample SampleAt(const ConstFrameView& frame, int x, int y) {
-  const auto at = [&frame](size_t plane, int column, int row) {
-    return frame.planes[plane][row * frame.strides[plane] + column];
+/// The samples of a frame, pixel by pixel. What depends on its format is looked at once.
+class FrameSamples {
+ public:
+  explicit FrameSamples(const ConstFrameView& frame)
+      : last_x_(frame.width - 1),
+        last_y_(frame.height - 1),
+        step_(IsSemiPlanar(frame.format) ? 2 : 1) {
+    const size_t cr = IsSemiPlanar(frame.format) ? 1 : 2;
+    luma_ = {frame.planes[0], frame.strides[0]};
+    cr_ = {frame.planes[cr] + (frame.format == PixelFormat::NV12 ? 1 : 0), frame.strides[cr]};
+    cb_ = {frame.planes[1] + (frame.format == PixelFormat::NV21 ? 1 : 0), frame.strides[1]};
+  }
+
+  /// Those of the pixel (x, y), neither below 0. To the right of the frame and below it those of
+  /// its outermost pixels go on.
+  YuvSample At(int x, int y) const {
+    x = std::min(x, last_x_);
+    y = std::min(y, last_y_);
+    const ptrdiff_t column = x / 2 * step_;
+    return {luma_.Row(y)[x], cr_.Row(y / 2)[column], cb_.Row(y / 2)[column]};
+  }
+
+ private:
+  struct Plane {
+    const uint8_t* first = nullptr;
+    ptrdiff_t stride = 0;
+
+    const uint8_t* Row(int y) const { return first + y * stride; }
   };
-  const uint8_t luma = at(0, std::min(x, frame.width - 1), std::min(y, frame.height - 1));
-  const int column = std::min(x / 2, ChromaSize(frame.width) - 1);
-  const int row = std::min(y / 2, ChromaSize(frame.height) - 1);
-  if (!IsSemiPlanar(frame.format)) return {luma, at(2, column, row), at(1, column, row)};
-  const uint8_t first = at(1, 2 * column, row);
-  const uint8_t second = at(1, 2 * column + 1, row);
-  if (frame.format == PixelFormat::NV21) return {luma, first, second};
-  return {luma, second, first};
-}
+
+  int last_x_, last_y_;
+  int step_;  // bytes from one chroma sample to the next
+  Plane luma_, cr_, cb_;
+};
 
 }  // namespace lumora
 

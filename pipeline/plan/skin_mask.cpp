@@ -5,17 +5,13 @@
 #include <cmath>
 #include <cstddef>
 
-#include "pipeline/faces/landmarks.h"
+#include "pipeline/plan/skin_grid.h"
+#include "pipeline/plan/smooth_step.h"
 
 namespace lumora {
 namespace {
 
 constexpr float kRadiansPerDegree = 0.01745329f;
-
-// The engine blends its result in by 1 - d, d the position in the outer ellipse. What is wanted is
-// a plateau that ends softly; it stays below the engine's own blend everywhere.
-constexpr float kPlateau = 0.55f;
-constexpr float kPlateauEnd = 0.3f;
 
 // Luma, as a share of the skin's, below which nothing is whitened and above which everything is.
 constexpr float kDark = 0.30f;
@@ -23,55 +19,6 @@ constexpr float kLit = 0.72f;
 
 // The weights are smooth: so many numbers across a face are enough.
 constexpr int kGridSteps = 160;
-
-float SmoothStep(float low, float high, float value) {
-  const float t = std::clamp((value - low) / (high - low), 0.f, 1.f);
-  return t * t * (3 - 2 * t);
-}
-
-/// An ellipse with its direction at hand.
-struct Region {
-  explicit Region(const Ellipse& shape)
-      : ellipse(shape),
-        cos_angle(std::cos(shape.angle_degrees * kRadiansPerDegree)),
-        sin_angle(std::sin(shape.angle_degrees * kRadiansPerDegree)) {}
-
-  float Position(PointF at) const { return PositionIn(ellipse, cos_angle, sin_angle, at); }
-
-  Ellipse ellipse;
-  float cos_angle;
-  float sin_angle;
-};
-
-/// A part of the face that keeps its own colours: fully up to `inner` of its region's position, not
-/// at all from `outer` on.
-struct Feature {
-  Region region;
-  float kept;  // share that is kept in the middle
-  float inner;
-  float outer;
-
-  float WeightAt(PointF at) const {
-    return 1 - kept * (1 - SmoothStep(inner, outer, region.Position(at)));
-  }
-};
-
-/// The ellipse in a box of landmarks, at least `least_shape` as high as wide.
-Ellipse EllipseIn(const FeatureBox& box, float least_shape) {
-  const PointF across = box.right - box.left;
-  Ellipse ellipse;
-  ellipse.centre = Middle(Middle(box.left, box.right), Middle(box.top, box.bottom));
-  ellipse.half_along = std::max(1.f, Length(across) / 2);
-  ellipse.half_across =
-      std::max(least_shape * ellipse.half_along, Length(box.bottom - box.top) / 2);
-  ellipse.angle_degrees = std::atan2(across.y, across.x) / kRadiansPerDegree;
-  return ellipse;
-}
-
-float Plateau(float position) {
-  if (position >= 1) return 0;
-  return kPlateau * (1 - SmoothStep(kPlateauEnd, 1, position)) / (1 - position);
-}
 
 int RoundDownToEven(float value) {
   return static_cast<int>(std::floor(value / 2)) * 2;
@@ -85,11 +32,10 @@ void SkinMask::Make(const Face& face, const Ellipse& outer, int skin_luma, int w
     luma_share_[i] = SmoothStep(kDark * skin, kLit * skin, static_cast<float>(i));
   }
   // The box of a turned ellipse.
-  const Region region(outer);
-  const float half_x =
-      std::hypot(outer.half_along * region.cos_angle, outer.half_across * region.sin_angle);
-  const float half_y =
-      std::hypot(outer.half_along * region.sin_angle, outer.half_across * region.cos_angle);
+  const float cosine = std::cos(outer.angle_degrees * kRadiansPerDegree);
+  const float sine = std::sin(outer.angle_degrees * kRadiansPerDegree);
+  const float half_x = std::hypot(outer.half_along * cosine, outer.half_across * sine);
+  const float half_y = std::hypot(outer.half_along * sine, outer.half_across * cosine);
   const auto clip = [](float value, int limit) {
     return RoundDownToEven(std::clamp(value, 0.f, static_cast<float>(limit + limit % 2)));
   };
@@ -104,29 +50,11 @@ void SkinMask::Make(const Face& face, const Ellipse& outer, int skin_luma, int w
 }
 
 void SkinMask::MakeGrid(const Face& face, const Ellipse& outer) {
-  const Region region(outer);
-  const FaceLandmarks& at = face.landmarks;
-  const Feature features[] = {
-      {Region(EllipseIn(at.left_eye, 0.40f)), 0.80f, 0.75f, 1.35f},
-      {Region(EllipseIn(at.right_eye, 0.40f)), 0.80f, 0.75f, 1.35f},
-      {Region(EllipseIn(at.left_brow, 0.25f)), 0.50f, 0.60f, 1.50f},
-      {Region(EllipseIn(at.right_brow, 0.25f)), 0.50f, 0.60f, 1.50f},
-      {Region(EllipseIn(at.mouth, 0.30f)), 0.80f, 0.80f, 1.35f},
-  };
   step_ = std::max(1, std::max(bounds_.width, bounds_.height) / kGridSteps);
   columns_ = bounds_.width / step_ + 2;
   const int rows = bounds_.height / step_ + 2;
   grid_.resize(static_cast<size_t>(columns_) * static_cast<size_t>(rows));
-  auto number = grid_.begin();
-  for (int row = 0; row < rows; ++row) {
-    for (int column = 0; column < columns_; ++column, ++number) {
-      const PointF point = {static_cast<float>(bounds_.x + column * step_) + 0.5f,
-                            static_cast<float>(bounds_.y + row * step_) + 0.5f};
-      *number = Plateau(region.Position(point));
-      if (*number == 0) continue;
-      for (const Feature& feature : features) *number *= feature.WeightAt(point);
-    }
-  }
+  FillSkinGrid({bounds_.x, bounds_.y, step_, columns_, rows}, face, outer, grid_.data());
 }
 
 MaskRow SkinMask::RowAt(int y) const {

@@ -5,9 +5,8 @@
 #include <cmath>
 #include <iterator>
 
-#include "lumora/geometry/rounding.h"
 #include "lumora/geometry/whitening.h"
-#include "pipeline/frames/frame_sample.h"
+#include "pipeline/plan/face_means.h"
 #include "pipeline/plan/whitening_geometry.h"
 
 namespace lumora {
@@ -24,28 +23,6 @@ constexpr double kTaper = 20;
 // The shifts at full strength: of intensity in natural logits, of saturation in steps of 1/255.
 constexpr double kFullLift = 2.0;
 constexpr double kFullSaturation = 48;
-
-/// How a face looks in the middle of its square.
-struct Means {
-  int intensity = 0;
-  int saturation = 0;
-  int luma = 0;
-};
-
-/// `geometry` is measured in the padded frame, which the engine works in.
-Means Measure(const ConstFrameView& frame, const FaceGeometry& geometry) {
-  ColourSums sums;
-  int luma = 0;
-  ForEachSample(geometry, RoundUpTo32(frame.width), RoundUpTo32(frame.height), [&](int x, int y) {
-    const YuvSample at = SampleAt(frame, x, y);
-    const HsiSample sample = HsiOfYuv(at.y, at.cr, at.cb);
-    sums.intensity += sample.intensity;
-    sums.saturation += sample.saturation;
-    luma += at.y;
-    ++sums.count;
-  });
-  return {sums.mean(sums.intensity), sums.mean(sums.saturation), sums.mean(luma)};
-}
 
 /// 1 well inside the means that the engine accepts, falling to 0 at their limits.
 double TaperFrom(int limit, int value) {
@@ -110,7 +87,7 @@ void PlanWhitening(const ConstFrameView& frame, FaceSpan faces, const std::vecto
     const FaceGeometry geometry = MeasureFace(record);
     const Ellipse outer = EllipsesOf(record, geometry)[kFaceEllipse];
     if (outer.half_along == 0) continue;  // the engine would whiten a corner of the frame instead
-    const Means means = Measure(frame, geometry);
+    const FaceMeans means = MeansOf(frame, geometry);
     const int intensity = lifts ? IntensityLevel(means.intensity, look.whiten) : 0;
     const int saturation = colours ? SaturationLevel(means.saturation, look.saturate) : 0;
     whitening->tones.push_back({static_cast<int>(plans[i].index), means.intensity, means.saturation,

@@ -18,11 +18,12 @@ TEST(FrameSample, IsThatOfThePaddedFrameInEveryFormat) {
   for (const PixelFormat format : kAllFormats) {
     FrameMemory memory(format, kWidth, kHeight, 5);
     memory.Fill(NoiseSamples(kWidth, kHeight));
+    const FrameSamples samples(memory.const_view());
     PaddedFrame padded;
     padded.Load(memory.const_view());
     for (int y = 0; y < padded.height(); ++y) {
       for (int x = 0; x < padded.width(); ++x) {
-        const YuvSample sample = SampleAt(memory.const_view(), x, y);
+        const YuvSample sample = samples.At(x, y);
         const auto row = static_cast<std::ptrdiff_t>(padded.width());
         const uint8_t* const pair = padded.chroma() + y / 2 * row + x / 2 * 2;
         ASSERT_EQ(sample.y, padded.luma()[y * row + x]) << x << ", " << y;

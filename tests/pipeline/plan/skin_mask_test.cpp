@@ -139,5 +139,34 @@ TEST(SkinMask, WeighsEveryPixelOfTheEllipseButItsOutermostOnes) {
   EXPECT_GT(bounds.width, 160) << "no grid was interpolated";
 }
 
+TEST(SkinMask, GivesKernelsTheNumbersOfEachRow) {
+  for (const int width : {kWidth, kWidth - 117}) {
+    const Face face = FaceFromEyes({130, 150}, {310, 170});
+    const SkinMask mask(face, WhiteningEllipses(face)[kFaceEllipse], kSkin, width, kHeight);
+    const PixelRectangle& bounds = mask.bounds();
+    std::vector<float> weights(static_cast<size_t>(bounds.width));
+    int held = 0;
+    for (int y = bounds.y; y < bounds.y + bounds.height; ++y) {
+      mask.Row(y, weights.data());
+      const MaskRow row = mask.RowAt(y);
+      ASSERT_GE(row.held.begin, 0);
+      ASSERT_LE(row.held.end, std::min(bounds.width, width - bounds.x));
+      for (int x = 0; x < std::min(bounds.width, width - bounds.x); ++x) {
+        float expected = 0;
+        if (x >= row.held.begin && x < row.held.end) {
+          const int i = x / row.step;
+          const float right = static_cast<float>(x % row.step) / static_cast<float>(row.step);
+          const float top = row.above[i] + right * (row.above[i + 1] - row.above[i]);
+          const float bottom = row.below[i] + right * (row.below[i + 1] - row.below[i]);
+          expected = top + row.down * (bottom - top);
+          ++held;
+        }
+        ASSERT_EQ(weights[static_cast<size_t>(x)], expected) << x << ", " << y;
+      }
+    }
+    EXPECT_GT(held, 10000);
+  }
+}
+
 }  // namespace
 }  // namespace lumora::test
