@@ -169,6 +169,17 @@ TEST(DetectedFaces, AFaceIsThereInEveryFrameAndMovesSmoothly) {
   EXPECT_NEAR(places.back() - places.front(), 10, 2.5);
 }
 
+TEST(DetectedFaces, WhoAsksForTheFirstGetsNoMore) {
+  cv::Mat luma;
+  cv::extractChannel(PortraitOf(320, 240).picture, luma, 1);
+  const auto faces = tools::FirstDetectedFaces(2);
+  const tools::Image empty({320, 240});
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(faces->Next(empty).empty()) << i;
+  EXPECT_TRUE(faces->Next(tools::ImageOf(luma)).empty());  // not searched
+  EXPECT_EQ(faces->Next(tools::ImageOf(luma)).size(), 1u);
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(faces->Next(tools::ImageOf(luma)).empty()) << i;
+}
+
 TEST(ProgressText, TellsFrameRateAndTheTimeThatIsLeft) {
   EXPECT_EQ(ProgressText(50, 300, 2.0), "frame 50 of 300, 25.0 frames a second, 0:10 left");
   EXPECT_EQ(ProgressText(100, 100000, 10.0),

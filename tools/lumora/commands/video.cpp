@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// lumora video: a Y4M clip in, the retouched clip out, one frame at a time.
+// lumora video: a Y4M clip in, the retouched clip out, one frame after another.
 #include <unistd.h>
 
 #include <cerrno>
@@ -21,6 +21,7 @@
 #include "tools/lumora/support/talk.h"
 #include "tools/lumora/video/containers.h"
 #include "tools/lumora/video/face_source.h"
+#include "tools/lumora/video/frames_ahead.h"
 #include "tools/lumora/video/progress.h"
 #include "tools/lumora/video/sample_range.h"
 #include "tools/lumora/video/y4m.h"
@@ -88,9 +89,8 @@ class Video {
   explicit Video(const VideoOptions& options)
       : options_(options),
         look_(options.look.Chosen()),
-        reader_(options.in),
-        input_(Accepted(reader_, options.appetite)),
-        output_(reader_.header()),
+        reader_(options.in, &stop_),
+        output_(Accepted(reader_, options.appetite)),
         stretched_(reader_.header()) {}
 
   ExitCode Run() {
@@ -101,9 +101,9 @@ class Video {
     const double start = Now();
     {
       Progress progress(reader_.FrameCount());
-      while (reader_.Read(input_)) {
-        const ClipFrame& processed = Process(faces->Next(Luma()));
-        writer.Write(reader_.frame_line(), processed);
+      FramesAhead ahead(reader_, *faces, stop_);
+      while (FramesAhead::Frame* const frame = ahead.Next()) {
+        writer.Write(frame->line, Process(frame->samples, frame->faces));
         progress.Show(++frames_);
       }
       if (!FaceIsMissing()) writer.Finish();
@@ -124,9 +124,12 @@ class Video {
   void Note(const std::string& note) { notes_.push_back(note); }
 
   std::unique_ptr<FaceSource> Faces() {
-    if (!options_.faces.empty()) return ListedFaces(options_.faces);
+    if (!options_.faces.empty()) return ListedFaces(options_.faces, &stop_);
     needs_faces_ = !IsOff(look_) || options_.require_face;
-    return needs_faces_ ? DetectedFaces(options_.detect_every) : NoFaces();
+    if (!needs_faces_) return NoFaces();
+    // The report counts them all.
+    return IsOff(look_) && !options_.json ? FirstDetectedFaces(options_.detect_every)
+                                          : DetectedFaces(options_.detect_every);
   }
 
   /// Whether a face was required and the frames so far have none.
@@ -145,23 +148,18 @@ class Video {
     }
   }
 
-  PixelView Luma() const {
-    const ConstFrameView view = input_.View();
-    return {view.planes[0], {view.width, view.height}, 1, static_cast<size_t>(view.strides[0])};
-  }
-
   /// The frame that goes into the file.
-  const ClipFrame& Process(const std::vector<Face>& faces) {
+  const ClipFrame& Process(ClipFrame& input, const std::vector<Face>& faces) {
     if (!faces.empty()) ++frames_with_faces_;
-    if (retoucher_ == nullptr) return input_;
+    if (retoucher_ == nullptr) return input;
     if (!limited_) {
-      Engage(input_, output_, faces);
+      Engage(input, output_, faces);
       return output_;
     }
-    StretchToFull(input_, stretched_);
+    StretchToFull(input, stretched_);
     Engage(stretched_, output_, faces);
-    MergeFromFull(stretched_, output_, input_);
-    return input_;
+    MergeFromFull(stretched_, output_, input);
+    return input;
   }
 
   void Engage(const ClipFrame& in, ClipFrame& out, const std::vector<Face>& faces) {
@@ -198,8 +196,9 @@ class Video {
 
   const VideoOptions& options_;
   Look look_;
+  ReadStop stop_;
   Y4mReader reader_;
-  ClipFrame input_, output_;
+  ClipFrame output_;
   ClipFrame stretched_;                   // the input in full range, for clips of limited range
   std::unique_ptr<Retoucher> retoucher_;  // none where the look is off
   bool needs_faces_ = true;               // else none were looked for

@@ -13,7 +13,8 @@ namespace lumora::tools {
 
 class LineReader {
  public:
-  explicit LineReader(const std::string& path) : input_(path) {}
+  explicit LineReader(const std::string& path, const ReadStop* stop = nullptr)
+      : input_(path, stop) {}
 
   /// For messages: the path, or "standard input".
   const std::string& name() const { return input_.name(); }

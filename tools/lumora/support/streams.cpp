@@ -2,6 +2,8 @@
 #include "tools/lumora/support/streams.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,9 +41,29 @@ mode_t ModeOfNewFiles() {
 
 }  // namespace
 
-InputStream::InputStream(const std::string& path)
+ReadStop::ReadStop() : fd_(eventfd(0, EFD_CLOEXEC)) {
+  if (fd_ < 0) throw Failure(ExitCode::Failed, "cannot wait for input: " + Reason());
+}
+
+ReadStop::~ReadStop() {
+  close(fd_);
+}
+
+void ReadStop::Set() {
+  eventfd_write(fd_, 1);
+}
+
+void ReadStop::WaitFor(int fd) const {
+  pollfd both[] = {{fd, POLLIN, 0}, {fd_, POLLIN, 0}};
+  while (poll(both, 2, -1) < 0 && errno == EINTR) {
+  }
+  if (both[1].revents != 0) throw Failure(ExitCode::Unreadable, "reading was ended");
+}
+
+InputStream::InputStream(const std::string& path, const ReadStop* stop)
     : name_(path == kStandardStream ? "standard input" : path),
-      fd_(path == kStandardStream ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+      fd_(path == kStandardStream ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)),
+      stop_(stop) {
   if (fd_ < 0) throw Failure(ExitCode::Unreadable, "cannot read " + name_ + ": " + Reason());
 }
 
@@ -52,6 +74,7 @@ InputStream::~InputStream() {
 size_t InputStream::Read(uint8_t* bytes, size_t count) {
   size_t done = 0;
   while (done < count) {
+    if (stop_ != nullptr) stop_->WaitFor(fd_);
     const ssize_t got = read(fd_, bytes + done, count - done);
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) throw Failure(ExitCode::Unreadable, "cannot read " + name_ + ": " + Reason());

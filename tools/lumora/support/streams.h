@@ -13,11 +13,30 @@
 
 namespace lumora::tools {
 
+/// Ends reading, from any thread and for good: who waits for input need not wait any longer.
+class ReadStop {
+ public:
+  /// Throws Failure (Failed).
+  ReadStop();
+  ~ReadStop();
+  ReadStop(const ReadStop&) = delete;
+  ReadStop& operator=(const ReadStop&) = delete;
+
+  void Set();
+  /// Waits until there is something to read, or the end of it. Throws Failure (Unreadable) once the
+  /// stop is set; nobody is there to hear it.
+  void WaitFor(int fd) const;
+
+ private:
+  int fd_;
+};
+
 /// Both streams throw Failure, Unreadable on the way in and Failed on the way out, with a sentence
 /// that names the path.
 class InputStream {
  public:
-  explicit InputStream(const std::string& path);
+  /// `stop`, where there is one, outlives the stream.
+  explicit InputStream(const std::string& path, const ReadStop* stop = nullptr);
   ~InputStream();
   InputStream(const InputStream&) = delete;
   InputStream& operator=(const InputStream&) = delete;
@@ -35,6 +54,7 @@ class InputStream {
  private:
   std::string name_;
   int fd_;
+  const ReadStop* stop_;
 };
 
 /// Output that takes the place of a file in one step: a reader sees the old content or the new one,

@@ -14,18 +14,23 @@ namespace {
 
 class FacesByDetection final : public FaceSource {
  public:
-  explicit FacesByDetection(int every) : every_(every) {}
+  FacesByDetection(int every, bool first_only) : every_(every), first_only_(first_only) {}
 
   std::vector<Face> Next(const PixelView& luma) override {
+    if (first_only_ && found_) return {};
     const bool looks = frame_++ % every_ == 0;
     if (!looks) return tracker_.Skipped();
     std::vector<Face> faces;
     for (const FoundFace& found : finder_.Find(luma)) faces.push_back(found.face);
+    found_ = found_ || !faces.empty();
     return tracker_.Detected(faces);
   }
 
+  int search_every() const override { return every_; }
+
  private:
   int every_;
+  bool first_only_, found_ = false;
   int64_t frame_ = 0;
   FaceFinder finder_;
   FaceTracker tracker_;
@@ -33,7 +38,7 @@ class FacesByDetection final : public FaceSource {
 
 class FacesOfList final : public FaceSource {
  public:
-  explicit FacesOfList(const std::string& path) : path_(path), lines_(path) {}
+  FacesOfList(const std::string& path, const ReadStop* stop) : path_(path), lines_(path, stop) {}
 
   std::vector<Face> Next(const PixelView& luma) override {
     const std::optional<std::string> line = lines_.Next();
@@ -87,15 +92,19 @@ class NoFacesAtAll final : public FaceSource {
 }  // namespace
 
 std::unique_ptr<FaceSource> DetectedFaces(int every) {
-  return std::make_unique<FacesByDetection>(every);
+  return std::make_unique<FacesByDetection>(every, false);
+}
+
+std::unique_ptr<FaceSource> FirstDetectedFaces(int every) {
+  return std::make_unique<FacesByDetection>(every, true);
 }
 
 std::unique_ptr<FaceSource> NoFaces() {
   return std::make_unique<NoFacesAtAll>();
 }
 
-std::unique_ptr<FaceSource> ListedFaces(const std::string& path) {
-  return std::make_unique<FacesOfList>(path);
+std::unique_ptr<FaceSource> ListedFaces(const std::string& path, const ReadStop* stop) {
+  return std::make_unique<FacesOfList>(path, stop);
 }
 
 }  // namespace lumora::tools

@@ -122,7 +122,7 @@ FrameView ClipFrame::MutableView() {
   return RawFrameView(bytes_.data(), PixelFormat::I420, size_);
 }
 
-Y4mReader::Y4mReader(const std::string& path) : input_(path) {
+Y4mReader::Y4mReader(const std::string& path, const ReadStop* stop) : input_(path, stop) {
   constexpr size_t kMagicLength = sizeof(kMagic) - 1;
   Bytes start(kContainerStart);
   size_t got = input_.Read(start.data(), kMagicLength);

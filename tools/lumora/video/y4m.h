@@ -47,8 +47,8 @@ class ClipFrame {
 class Y4mReader {
  public:
   /// Opens a clip and reads its header. Throws Failure (Unreadable), a ContainerFailure for a clip
-  /// in a container.
-  explicit Y4mReader(const std::string& path);
+  /// in a container. `stop`, where there is one, ends its reading.
+  explicit Y4mReader(const std::string& path, const ReadStop* stop = nullptr);
 
   /// For messages: the path, or "standard input".
   const std::string& name() const { return input_.name(); }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
+#include <tuple>
 
 #include "tools/lumora/modules/face_finder/cascade.h"
 
@@ -51,6 +52,10 @@ std::optional<Eyes> EyeFinder::Find(const cv::Mat& gray, const cv::Rect& box) {
     std::vector<cv::Rect> found;
     cascade.detectMultiScale(face(upper), found, 1.05, 4, 0, {kFaceWidth / 8, kFaceWidth / 8},
                              {kFaceWidth / 2, kFaceWidth / 2});
+    // They come as OpenCV's threads found them.
+    std::sort(found.begin(), found.end(), [](const cv::Rect& a, const cv::Rect& b) {
+      return std::tuple(a.y, a.x, a.width) < std::tuple(b.y, b.x, b.width);
+    });
     std::vector<cv::Point2d> centres;  // in box widths and heights
     centres.reserve(found.size());
     for (const cv::Rect& eye : found) {

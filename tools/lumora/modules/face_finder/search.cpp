@@ -5,6 +5,7 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 #include <optional>
+#include <tuple>
 
 #include "tools/lumora/faces/face_geometry.h"
 #include "tools/lumora/modules/face_finder/cascade.h"
@@ -53,6 +54,13 @@ PointF Through(const cv::Mat& affine, cv::Point2f point, double scale) {
 bool Overlap(const cv::Rect& a, const cv::Rect& b) {
   const double common = (a & b).area();
   return common > kSameFace * (a.area() + b.area() - common);
+}
+
+/// Largest first, and an order for those of one size.
+template <typename Candidate>
+bool LargerFirst(const Candidate& a, const Candidate& b) {
+  const auto place = [](const cv::Rect& box) { return std::tuple(-box.area(), box.y, box.x); };
+  return place(a.box) < place(b.box);
 }
 
 /// A face for which only its box was found; `scale` leads from there to the whole picture.
@@ -117,19 +125,22 @@ std::vector<CascadeSearch::Candidate> CascadeSearch::Candidates(const cv::Mat& g
     std::vector<int> finds;
     cascade.detectMultiScale(even, boxes, finds, kScaleStep, kFindsWithEyes, 0,
                              {smallest, smallest});
-    for (size_t i = 0; i < boxes.size(); ++i) {
-      const auto known = std::find_if(
-          candidates.begin(), candidates.end(),
-          [&](const Candidate& candidate) { return Overlap(candidate.box, boxes[i]); });
+    std::vector<Candidate> found;
+    for (size_t i = 0; i < boxes.size(); ++i) found.push_back({boxes[i], finds[i]});
+    std::sort(found.begin(), found.end(),
+              LargerFirst<Candidate>);  // they come as OpenCV's threads found them
+    for (const Candidate& one : found) {
+      const auto known =
+          std::find_if(candidates.begin(), candidates.end(),
+                       [&](const Candidate& candidate) { return Overlap(candidate.box, one.box); });
       if (known == candidates.end()) {
-        candidates.push_back({boxes[i], finds[i]});
+        candidates.push_back(one);
       } else {
-        known->finds = std::max(known->finds, finds[i]);
+        known->finds = std::max(known->finds, one.finds);
       }
     }
   }
-  std::sort(candidates.begin(), candidates.end(),
-            [](const Candidate& a, const Candidate& b) { return a.box.area() > b.box.area(); });
+  std::sort(candidates.begin(), candidates.end(), LargerFirst<Candidate>);
   return candidates;
 }
 
