@@ -15,6 +15,7 @@
 #include "bench/bare_gl.h"
 #include "bench/counters.h"
 #include "bench/engines.h"
+#include "bench/pipelines.h"
 #include "lumora/programs/programs.h"
 #include "lumora/programs/shader_texts.h"
 
@@ -141,6 +142,35 @@ void CapturePeak() {
   std::printf("%.0f %.0f\n", before, StatusBytes("VmHWM"));
 }
 
+/// What a process does with a capture of that size that it has read, into memory of its own.
+using CaptureWork = std::function<void(Size size, const Buffer& frame, const Buffer& result)>;
+
+/// Prints the resident size after a small capture, then the peak of a large one.
+void FramePeak(const CaptureWork& work) {
+  const auto run = [&work](Size size) {
+    const Buffer frame = SkinFrame(size), result(size.FrameBytes());
+    work(size, frame, result);
+  };
+  run({1344, 1008});
+  const double before = StatusBytes("VmRSS");
+  run(k48Megapixels);
+  std::printf("%.0f %.0f\n", before, StatusBytes("VmHWM"));
+}
+
+void CpuCapturePeak() {
+  const auto pipeline = MakePipeline(Device::Cpu);
+  FramePeak([&pipeline](Size size, const Buffer& frame, const Buffer& result) {
+    const Look look = {kSlim, kWhiten, 0};
+    ProcessFrame(*pipeline, frame, result, size, PreviewFace(size), look, Chain::Capture);
+  });
+}
+
+void CopyPeak() {
+  FramePeak([](Size, const Buffer& frame, const Buffer& result) {
+    std::memcpy(result.data(), frame.data(), frame.size());
+  });
+}
+
 std::string OwnPath() {
   std::array<char, PATH_MAX> path{};
   const ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
@@ -156,7 +186,9 @@ int RunChild(const std::string& name) {
       {"first-slimmed", [] { FirstFrame(false); }},
       {"first-whitened", [] { FirstFrame(true); }},
       {"first-of-each", FirstOfEach},
-      {"capture-peak", CapturePeak}};
+      {"capture-peak", CapturePeak},
+      {"cpu-capture-peak", CpuCapturePeak},
+      {"copy-peak", CopyPeak}};
   const auto child = children.find(name);
   if (child == children.end()) return 2;
   try {

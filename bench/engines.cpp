@@ -50,6 +50,14 @@ void BenchEngine::Whiten(uint8_t* frame, uint8_t* result, Size size, FACE_INFO_t
   Require(done, "the whitening chain failed");
 }
 
+void BenchEngine::SetLinearFilters() {
+  for (const SEGLImage* image : {engine_.m_pRGBImage, engine_.m_pWorkImage[0]}) {
+    glBindTexture(GL_TEXTURE_2D, image->m_hTexture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+  }
+}
+
 void SetFullQuads(bool full) {
   if (full) {
     setenv("LUMORA_FULL_QUADS", "1", 1);

@@ -29,6 +29,9 @@ class BenchEngine {
 
   void InitPreview(Size size, bool colour);
 
+  /// The filters that the pipeline chooses for slimming, whatever the frames before did.
+  void SetLinearFilters();
+
  private:
   android::GPUBeautyFace engine_;
 };

@@ -12,6 +12,8 @@ void RegisterCapture();    ///< blocks of captures
 void RegisterStartUp();    ///< programs and first frames, in processes of their own
 void RegisterMemory();     ///< peak memory of a capture, in a process of its own
 void RegisterPipeline();   ///< the pipeline over the engine
+void RegisterCpu();        ///< the pipeline on the cpu
+void RegisterPhoto();      ///< the command over a photo, where the tools are built
 void RegisterStages();     ///< times of single steps, without anything to compare with
 
 }  // namespace lumora::bench

@@ -27,6 +27,10 @@ int Run(int argc, char** argv) {
   RegisterStartUp();
   RegisterMemory();
   RegisterPipeline();
+  RegisterCpu();
+#if defined(LUMORA_BENCH_COMMAND)
+  RegisterPhoto();
+#endif
   RegisterStages();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;

@@ -8,27 +8,10 @@
 #include "bench/counters.h"
 #include "bench/engines.h"
 #include "bench/families.h"
-#include "lumora/pipeline/pipeline.h"
+#include "bench/pipelines.h"
 
 namespace lumora::bench {
 namespace {
-
-FrameView ViewOf(const Buffer& frame, Size size) {
-  return {PixelFormat::NV21,
-          size.width,
-          size.height,
-          {frame.data(), frame.data() + size.Pixels(), nullptr},
-          {size.width, size.width, 0}};
-}
-
-/// The filters that the pipeline chooses for slimming, whatever the frames before did.
-void SetLinearFilters(BenchEngine& engine) {
-  for (const SEGLImage* image : {engine->m_pRGBImage, engine->m_pWorkImage[0]}) {
-    glBindTexture(GL_TEXTURE_2D, image->m_hTexture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-  }
-}
 
 Size Padded(Size size) {
   const auto up = [](int side) { return (side + 31) / 32 * 32; };
@@ -55,7 +38,7 @@ void RequireEngineBytes(const Buffer& frame, const Buffer& result, Size size, co
     fill(frame.data(), size.height, work.data(), padded.height);
     fill(frame.data() + size.Pixels(), size.height / 2, work.data() + padded.Pixels(),
          padded.height / 2);
-    SetLinearFilters(engine);
+    engine.SetLinearFilters();
     engine.Slim(work.data(), padded, record);
   }
   Require(std::memcmp(work.data(), result.data(), size.Pixels()) == 0 &&
@@ -78,15 +61,11 @@ void Slimming(benchmark::State& state, Size size, bool full) {
   const Face face = PreviewFace(size);
   const FACE_INFO_t record = RecordOf(face, size);
 
-  Status status;
-  const auto pipeline = Pipeline::Create(&status);
-  Require(pipeline != nullptr, status.message);
+  const auto pipeline = MakePipeline(Device::Gl);
   const auto run_pipeline = [&] {
     Look look;
     look.slim = kSlim;
-    const Status done = pipeline->Process(
-        {AsConst(ViewOf(frame, size)), ViewOf(ours, size), {face}, look, Chain::Preview});
-    Require(done.ok(), done.message);
+    ProcessFrame(*pipeline, frame, ours, size, face, look, Chain::Preview);
   };
   run_pipeline();
   RequireEngineBytes(frame, ours, size, face);
@@ -94,7 +73,7 @@ void Slimming(benchmark::State& state, Size size, bool full) {
   BenchEngine engine;
   engine.InitPreview(size, false);
   const auto run_engine = [&] {
-    SetLinearFilters(engine);
+    engine.SetLinearFilters();
     std::memcpy(theirs.data(), frame.data(), frame.size());
     engine.Slim(theirs.data(), size, record);
   };
