@@ -21,7 +21,6 @@ set(lumora_platform_sources
   platform/driver_digest.cpp
   platform/gl_api.cpp
   platform/offscreen_context.cpp
-  platform/regular_file.cpp
   platform/settings.cpp)
 set(lumora_platform_libraries "")
 set(lumora_platform_rpath "")

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "pipeline/frames/frame_layout.h"
+#include "pipeline/frames/own_frame.h"
 
 namespace lumora {
 namespace {
@@ -59,31 +60,6 @@ void CopyApart(const ConstFrameView& in, const FrameView& out) {
     libyuv::MergeUVPlane(in.planes[first], Stride(in, first), in.planes[second], Stride(in, second),
                          out.planes[1], Stride(out, 1), columns, rows);
   }
-}
-
-/// The addresses of a plane, from its first sample to behind its last.
-struct Extent {
-  uintptr_t begin;
-  uintptr_t end;
-};
-
-template <typename Byte>
-Extent ExtentOf(const BasicFrameView<Byte>& frame, size_t plane) {
-  const auto begin = reinterpret_cast<uintptr_t>(frame.planes[plane]);
-  const auto rows = static_cast<uintptr_t>(PlaneRows(plane, frame.height));
-  const auto row_bytes = static_cast<uintptr_t>(RowBytes(frame.format, plane, frame.width));
-  return {begin, begin + (rows - 1) * static_cast<uintptr_t>(frame.strides[plane]) + row_bytes};
-}
-
-bool Overlap(const ConstFrameView& in, const FrameView& out) {
-  for (size_t i = 0; i < PlaneCount(in.format); ++i) {
-    for (size_t o = 0; o < PlaneCount(out.format); ++o) {
-      const Extent a = ExtentOf(in, i);
-      const Extent b = ExtentOf(out, o);
-      if (a.begin < b.end && b.begin < a.end) return true;
-    }
-  }
-  return false;
 }
 
 bool SameFrame(const ConstFrameView& in, const FrameView& out) {

@@ -11,7 +11,6 @@
 #include "lumora/geometry/lens.h"
 #include "lumora/platform/c_locale.h"
 #include "lumora/platform/regular_file.h"
-#include "lumora/platform/settings.h"
 
 namespace lumora::engine {
 namespace {
@@ -22,9 +21,9 @@ constexpr size_t kTextSize = 100;
 struct FileText {
   char text[kTextSize + 1] = {};
 
-  explicit FileText(const char* path) {
+  FileText(const char* path, SystemPathFunction system_path) {
     char whole[PATH_MAX];
-    if (!platform::SystemPath(path, whole, sizeof(whole))) return;
+    if (!system_path(path, whole, sizeof(whole))) return;
     text[platform::ReadRegularFile(whole, text, kTextSize)] = '\0';
   }
 };
@@ -33,8 +32,9 @@ struct FileText {
 struct SensorName {
   char text[kTextSize + 1] = {};
 };
-SensorName ReadSensorName(bool second_camera) {
-  const FileText file(second_camera ? "/sys/android_camera2/sensor" : "/sys/android_camera/sensor");
+SensorName ReadSensorName(bool second_camera, SystemPathFunction system_path) {
+  const FileText file(second_camera ? "/sys/android_camera2/sensor" : "/sys/android_camera/sensor",
+                      system_path);
   SensorName name;
   if (const char* space = std::strchr(file.text, ' ')) std::sscanf(space, "%100s", name.text);
   return name;
@@ -42,15 +42,16 @@ SensorName ReadSensorName(bool second_camera) {
 
 }  // namespace
 
-std::array<float, 4> ReadLensCoefficients(bool second_camera) {
+std::array<float, 4> ReadLensCoefficients(bool second_camera, SystemPathFunction system_path) {
   std::array<float, 4> k{};
   std::copy(std::begin(kDefaultLensCoefficients), std::end(kDefaultLensCoefficients), k.begin());
 
   const platform::CLocale locale;
   if (!locale.ok()) return k;
   char path[kTextSize];
-  std::snprintf(path, sizeof(path), "/system/etc/%s_1", ReadSensorName(second_camera).text);
-  const FileText file(path);
+  std::snprintf(path, sizeof(path), "/system/etc/%s_1",
+                ReadSensorName(second_camera, system_path).text);
+  const FileText file(path, system_path);
   constexpr char kKey[] = "r_param";
   const char* key = std::strstr(file.text, kKey);
   if (key == nullptr) return k;

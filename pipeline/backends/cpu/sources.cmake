@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: Apache-2.0
+# The cpu backend, for lumora_pipeline_objects. Paths are relative to pipeline/.
+find_package(hwy REQUIRED)
+
+# Kernels: the same bytes on every instruction set, so every operation is rounded by itself. The plain forms are what
+# runs where no vector unit is known: -O3 makes GCC vectorise what it can.
+set(lumora_cpu_kernels
+  backends/cpu/kernels/remap_rows.cpp
+  backends/cpu/kernels/remap_rows_scalar.cpp)
+set_source_files_properties(${lumora_cpu_kernels} PROPERTIES
+  COMPILE_OPTIONS "-ffp-contract=off;$<$<NOT:$<CONFIG:Debug>>:-O3>")
+
+set(lumora_cpu_sources
+  ${lumora_cpu_kernels}
+  backends/cpu/rectification.cpp
+  support/camera_lens.cpp)
