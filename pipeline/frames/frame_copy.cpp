@@ -148,7 +148,11 @@ void PaddedFrame::StoreLuma(int row, RowSpan columns, const FrameView& out) cons
 }
 
 void PaddedFrame::StoreChroma(int row, RowSpan columns, const FrameView& out) const {
-  const uint8_t* const pairs = chroma() + static_cast<std::ptrdiff_t>(row) * width_;
+  StoreChromaPairs(chroma() + static_cast<std::ptrdiff_t>(row) * width_ + 2 * columns.begin, row,
+                   columns, out);
+}
+
+void StoreChromaPairs(const uint8_t* pairs, int row, RowSpan columns, const FrameView& out) {
   const auto row_at = [&out, row](size_t plane) {
     return out.planes[plane] + row * out.strides[plane];
   };
@@ -158,8 +162,8 @@ void PaddedFrame::StoreChroma(int row, RowSpan columns, const FrameView& out) co
   uint8_t* const cb = planar ? row_at(kCb) : row_at(1) + (cr_first ? 1 : 0);
   const std::ptrdiff_t step = planar ? 1 : 2;
   for (std::ptrdiff_t i = columns.begin; i < columns.end; ++i) {
-    cr[i * step] = pairs[2 * i];
-    cb[i * step] = pairs[2 * i + 1];
+    cr[i * step] = *pairs++;
+    cb[i * step] = *pairs++;
   }
 }
 

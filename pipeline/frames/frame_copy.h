@@ -17,6 +17,10 @@ namespace lumora {
 /// the same memory or overlap in any way. Bytes between the rows of `out` are not written.
 void CopyFrame(const ConstFrameView& in, const FrameView& out);
 
+/// Gives columns of one row of chroma samples to a frame of any format. `pairs` holds those
+/// of the columns, Cr first.
+void StoreChromaPairs(const uint8_t* pairs, int row, RowSpan columns, const FrameView& out);
+
 /// Where a caller's frame lies in the engine's, in pixels; even numbers.
 struct FramePlace {
   int left = 0;

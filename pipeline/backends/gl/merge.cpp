@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "pipeline/frames/row_span.h"
+#include "pipeline/plan/circle_spans.h"
 
 namespace lumora {
 namespace {
@@ -20,31 +20,6 @@ uint8_t Mix(uint8_t from, uint8_t to, float weight) {
 /// The start of a row in both planes of a padded frame.
 size_t RowStart(const PaddedFrame& frame, int row) {
   return static_cast<size_t>(row) * static_cast<size_t>(frame.width());
-}
-
-/// The columns of a row whose pixel centres lie in a face's circle.
-RowSpan SpanOf(const FacePlan& face, int y, int width) {
-  const double dy = y + 0.5 - static_cast<double>(face.centre.y);
-  const double left = face.radius * face.radius - dy * dy;
-  if (left < 0) return {};
-  return SpanAround(static_cast<double>(face.centre.x), std::sqrt(left), width);
-}
-
-/// Calls `luma` with each row of a frame and the columns of it that lie in a face's circle,
-/// `chroma` with each row of chroma samples and those for which any pixel lies in it. None are
-/// empty.
-template <typename Luma, typename Chroma>
-void ForEachSpan(const FacePlan& face, int width, int height, Luma luma, Chroma chroma) {
-  const int bottom = std::min(face.bounds.y + face.bounds.height, height);
-  for (int y = face.bounds.y; y < bottom; y += 2) {
-    const RowSpan upper = SpanOf(face, y, width);
-    const RowSpan lower = y + 1 < height ? SpanOf(face, y + 1, width) : RowSpan{};
-    if (upper.begin < upper.end) luma(y, upper);
-    if (lower.begin < lower.end) luma(y + 1, lower);
-    // The longer one holds the other: both are symmetric to the same column.
-    const RowSpan& longer = upper.end - upper.begin > lower.end - lower.begin ? upper : lower;
-    if (longer.begin < longer.end) chroma(y / 2, RowSpan{longer.begin / 2, (longer.end + 1) / 2});
-  }
 }
 
 }  // namespace
@@ -86,7 +61,7 @@ void CopyCircle(const PaddedFrame& processed, const FacePlan& face, PaddedFrame*
     const size_t at = start + static_cast<size_t>(span.begin);
     std::memcpy(to + at, from + at, static_cast<size_t>(span.end - span.begin));
   };
-  ForEachSpan(
+  ForEachCircleSpan(
       face, frame->width(), frame->height(),
       [&](int y, RowSpan span) {
         copy(processed.luma(), frame->luma(), RowStart(*frame, y), span);
@@ -98,7 +73,7 @@ void CopyCircle(const PaddedFrame& processed, const FacePlan& face, PaddedFrame*
 }
 
 void StoreCircle(const PaddedFrame& processed, const FacePlan& face, const FrameView& out) {
-  ForEachSpan(
+  ForEachCircleSpan(
       face, out.width, out.height, [&](int y, RowSpan span) { processed.StoreLuma(y, span, out); },
       [&](int y, RowSpan span) { processed.StoreChroma(y, span, out); });
 }
