@@ -28,8 +28,10 @@ int RoundDownToEven(float value) {
 
 void SkinMask::Make(const Face& face, const Ellipse& outer, int skin_luma, int width, int height) {
   const auto skin = static_cast<float>(std::max(1, skin_luma));
+  darkest_ = kDark * skin;
+  lit_ = kLit * skin;
   for (size_t i = 0; i < luma_share_.size(); ++i) {
-    luma_share_[i] = SmoothStep(kDark * skin, kLit * skin, static_cast<float>(i));
+    luma_share_[i] = SmoothStep(darkest_, lit_, static_cast<float>(i));
   }
   // The box of a turned ellipse.
   const float cosine = std::cos(outer.angle_degrees * kRadiansPerDegree);
@@ -76,13 +78,8 @@ void SkinMask::Row(int y, float* weights) const {
   const MaskRow row = RowAt(y);
   std::fill_n(weights, bounds_.width, 0.f);
   for (int x = row.held.begin; x < row.held.end; ++x) {
-    const int column = x / row.step;
-    const float right = static_cast<float>(x % row.step) / static_cast<float>(row.step);
-    const auto along = [column, right](const float* numbers) {
-      return numbers[column] + right * (numbers[column + 1] - numbers[column]);
-    };
-    const float top = along(row.above);
-    weights[x] = top + row.down * (along(row.below) - top);
+    weights[x] =
+        row.Between(x / row.step, static_cast<float>(x % row.step) / static_cast<float>(row.step));
   }
   const int beyond = width_ - bounds_.x;
   if (beyond > 0 && beyond < bounds_.width) weights[beyond] = weights[beyond - 1];

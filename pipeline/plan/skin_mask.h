@@ -28,6 +28,15 @@ struct MaskRow {
   float down = 0;                ///< how far the row lies from the first to the second, below 1
   int step = 1;                  ///< columns from one number to the next
   RowSpan held;                  ///< columns, counted from the bounds' first, in ellipse and frame
+
+  /// That formula for the number `i`.
+  float Between(int i, float right) const {
+    const auto along = [i, right](const float* numbers) {
+      return numbers[i] + right * (numbers[i + 1] - numbers[i]);
+    };
+    const float top = along(above);
+    return top + down * (along(below) - top);
+  }
 };
 
 /// Weights, 0 (the input) to 1 (the engine's result), over the pixels around a face.
@@ -64,6 +73,10 @@ class SkinMask {
   float ShareOf(uint8_t luma) const { return luma_share_[luma]; }
   const std::array<float, 256>& luma_shares() const { return luma_share_; }
 
+  /// Where those shares begin to rise, and where they are whole: luma, 0..255.
+  float darkest() const { return darkest_; }
+  float lit() const { return lit_; }
+
  private:
   void MakeGrid(const Face& face, const Ellipse& outer);
 
@@ -74,6 +87,8 @@ class SkinMask {
   int step_ = 1;     // pixels from one number of the grid to the next
   int columns_ = 0;  // of the grid
   std::vector<float> grid_;
+  float darkest_ = 0;
+  float lit_ = 1;
   std::array<float, 256> luma_share_{};
 };
 

@@ -98,6 +98,8 @@ void PlanWhitening(const ConstFrameView& frame, FaceSpan faces, const std::vecto
     job.face = i;
     job.intensity_level = intensity;
     job.saturation_level = saturation;
+    job.shifts = ComputeShifts({means.intensity, means.saturation, 1}, intensity, saturation);
+    job.outer = outer;
     job.mask.Make(faces[plans[i].index], outer, means.luma, frame.width, frame.height);
   }
   jobs.resize(count);

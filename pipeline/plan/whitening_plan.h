@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "lumora/geometry/whitening.h"
 #include "lumora/pipeline/chain.h"
 #include "lumora/pipeline/face.h"
 #include "lumora/pipeline/frame.h"
@@ -21,6 +22,8 @@ struct WhiteningJob {
   size_t face = 0;           ///< among the faces of the plan
   int intensity_level = 0;   ///< as the engine takes them, 0..255
   int saturation_level = 0;  ///< 0..255
+  WhiteningShifts shifts{};  ///< what these levels come to on this face
+  Ellipse outer;             ///< outside of which nothing is whitened
   SkinMask mask;
 };
 
