@@ -18,7 +18,7 @@ struct FramePlan;
 
 /// Draws looks and corrects frames. What it is given has been checked.
 ///
-/// Thread-safety: every operation may be called from any thread; they are served one after another.
+/// Thread-safety: every operation may be called from any thread.
 /// Failure: `out` is left as it was; what is thrown (memory that is short) leaves the backend fit
 /// for the next call. `in` and `out` have one size and may be the same memory. Reports are empty
 /// before and may be null; a backend tells the buffers, the blocks and its own times.
@@ -55,6 +55,10 @@ class ConverterBackend {
 /// The engine, and its converter, each on a thread of its own. NoDisplay where there is none.
 Status MakeGlBackend(std::unique_ptr<Backend>* backend);
 Status MakeGlConverter(std::unique_ptr<ConverterBackend>* converter);
+
+/// The processor. `threads`, 1 and more, is how many work on one frame, the caller's among them.
+/// Its operations run on their callers' threads, any number at once.
+Status MakeCpuBackend(int threads, std::unique_ptr<Backend>* backend);
 
 }  // namespace lumora
 
