@@ -85,8 +85,8 @@ TEST(Doctor, FindsEverythingInOrder) {
   const Result result = RunLumora({"doctor"});
   EXPECT_EQ(result.exit_code, 0) << result.out << result.err;
   for (const char* name :
-       {"display", "driver", "buffers", "program binaries", "cache directory", "face finder",
-        "drawing", "face classifiers", "test slimming", "test whitening"}) {
+       {"device", "display", "driver", "buffers", "program binaries", "cache directory",
+        "face finder", "drawing", "face classifiers", "gl slimming", "gl whitening", "speed"}) {
     EXPECT_THAT(result.out, HasSubstr(std::string("OK      ") + name));
   }
   EXPECT_THAT(result.out, testing::Not(HasSubstr("FAILED")));
@@ -97,7 +97,11 @@ TEST(Doctor, ReportsForMachines) {
   EXPECT_EQ(result.exit_code, 0);
   const auto report = nlohmann::json::parse(result.out);
   EXPECT_TRUE(report.at("ok").get<bool>());
-  EXPECT_GE(report.at("checks").size(), 11u);
+  EXPECT_GE(report.at("checks").size(), 13u);
+  EXPECT_EQ(report.at("device"), "gl");
+  EXPECT_EQ(report.at("reason"), "LUMORA_DEVICE asks for it");
+  EXPECT_EQ(report.at("no_gl"), nullptr);
+  EXPECT_GT(report.at("frame_ms").at("gl").get<double>(), 0);
 }
 
 TEST(Doctor, SaysWhatIsWrongWithACacheThatCannotBeWritten) {
@@ -107,7 +111,7 @@ TEST(Doctor, SaysWhatIsWrongWithACacheThatCannotBeWritten) {
   if (result.out.find("not offered") != std::string::npos) GTEST_SKIP() << "no cache in use";
   EXPECT_EQ(result.exit_code, 1) << result.out;
   EXPECT_THAT(result.out, HasSubstr("FAILED  cache directory"));
-  EXPECT_THAT(result.out, HasSubstr("OK      test slimming"));
+  EXPECT_THAT(result.out, HasSubstr("OK      gl slimming"));
 }
 
 TEST(Doctor, SaysWhyACacheIsNotTrusted) {
@@ -138,7 +142,7 @@ TEST(Doctor, SaysThatCopiesWorkWhereSharedMemoryDoesNot) {
     GTEST_SKIP() << "no memory is shared here";
   }
   EXPECT_EQ(shared.exit_code, 1);
-  EXPECT_THAT(shared.out, HasSubstr("FAILED  test slimming"));
+  EXPECT_THAT(shared.out, HasSubstr("FAILED  gl slimming"));
   EXPECT_THAT(shared.out, HasSubstr("OK      copied buffers    the tests pass with "
                                     "LUMORA_BUFFER=staged; set it to work with this driver\n"));
   const Result copied = doctor("staged");

@@ -17,6 +17,8 @@
 namespace lumora::test {
 namespace {
 
+constexpr char kDeviceSetting[] = "LUMORA_DEVICE";
+
 // Streams go through unnamed files, so that no side can wait for the other.
 class Stream {
  public:
@@ -106,6 +108,7 @@ bool HideProc() {
 
 /// For a child: what is asked of its surroundings, or its end.
 void Arrange(const Environment& environment) {
+  setenv(kDeviceSetting, "gl", 0);
   for (const auto& [name, value] : environment.set) setenv(name.c_str(), value.c_str(), 1);
   if (environment.no_proc && !HideProc()) _exit(127);
   if (kAddressSpaceCounts && environment.address_space > 0) {
@@ -128,6 +131,11 @@ bool TerminalsExist() {
   const int master = OpenTerminal();
   if (master >= 0) close(master);
   return master >= 0;
+}
+
+std::string TestDevice() {
+  const char* const device = std::getenv(kDeviceSetting);
+  return device != nullptr ? device : "gl";
 }
 
 Result RunLumora(const std::vector<std::string>& arguments, const std::string& input,

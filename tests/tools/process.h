@@ -33,7 +33,11 @@ constexpr bool kAddressSpaceCounts = LUMORA_TEST_SANITIZERS == 0;
 /// Whether this process may hide /proc from its children.
 bool ProcCanBeHidden();
 
-/// Runs the lumora command of this build to its end.
+/// The device that the command computes with in these tests: LUMORA_DEVICE, else gl.
+std::string TestDevice();
+
+/// Runs the lumora command of this build to its end, on that device unless the environment or the
+/// arguments name another one.
 Result RunLumora(const std::vector<std::string>& arguments, const std::string& input = {},
                  const Environment& environment = {});
 

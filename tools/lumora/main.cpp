@@ -20,7 +20,7 @@ namespace {
 constexpr char kExitCodes[] =
     "Exit codes: 0 done, 1 processing failed or a result could not be written, 2 wrong usage,\n"
     "3 an input cannot be read (missing, damaged, under 32 x 32 pixels, over 200 megapixels, too\n"
-    "large for the memory), 4 no usable display, 5 no face found and one was required.";
+    "large for the memory), 4 no usable display for gl, 5 no face found and one was required.";
 
 struct Command {
   const char* name;
@@ -74,6 +74,13 @@ void CheckNoneIsEmpty(const CLI::App& command) {
   }
 }
 
+/// The device that was asked for on the command line.
+Device DeviceOf(const CLI::App& command) {
+  const CLI::Option* const option = command.get_option_no_throw("--device");
+  if (option == nullptr || option->count() == 0) return Device::Auto;
+  return FindDevice(option->results().back()).value_or(Device::Auto);
+}
+
 /// What the parser found wrong, as a sentence.
 std::string Sentence(const CLI::App& program, const CLI::ParseError& error) {
   const auto used = program.get_subcommands();
@@ -86,7 +93,7 @@ std::string Sentence(const CLI::App& program, const CLI::ParseError& error) {
 }
 
 int Run(int argc, char** argv) {
-  CLI::App program("Retouches faces in pictures and clips, on the GPU or in software.", "lumora");
+  CLI::App program("Retouches faces in pictures and clips, on the GPU or without.", "lumora");
   program.set_version_flag("--version", "lumora " LUMORA_VERSION);
   program.require_subcommand(1);
   program.footer(kExitCodes);
@@ -105,8 +112,9 @@ int Run(int argc, char** argv) {
     if (error.get_exit_code() == 0) return program.exit(error);  // --help and --version
     throw Failure(ExitCode::Usage, Sentence(program, error));
   }
-  CheckNoneIsEmpty(*program.get_subcommands().front());
-  KeepDriverFromMissingItsCache();
+  const CLI::App& command = *program.get_subcommands().front();
+  CheckNoneIsEmpty(command);
+  if (MayStartMesa(DeviceOf(command))) KeepDriverFromMissingItsCache();
   return static_cast<int>(action());
 }
 

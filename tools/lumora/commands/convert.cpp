@@ -28,6 +28,7 @@ namespace {
 
 struct ConvertOptions {
   std::string in, out, to, size, format;
+  Device device = Device::Auto;
   Appetite appetite{kBytesForWhole};
 };
 
@@ -110,10 +111,10 @@ class Source {
 };
 
 /// One of the images that the colour converter makes, three channels.
-Image ImageOf(const Source& source, bool hsi) {
+Image ImageOf(const Source& source, bool hsi, Device device) {
   Status status;
-  const std::unique_ptr<Converter> converter = Converter::Create(&status);
-  ThrowUnlessOk(status);
+  const std::unique_ptr<Converter> converter = Converter::Create(device, &status);
+  ThrowUnlessMade(status);
   Image image(source.size(), 3);
   const ImageView wanted = {image.Row(0), image.width(), image.height(), 3,
                             static_cast<std::ptrdiff_t>(image.stride())};
@@ -123,11 +124,11 @@ Image ImageOf(const Source& source, bool hsi) {
   return image;
 }
 
-Bytes FrameIn(PixelFormat format, const Source& source) {
+Bytes FrameIn(PixelFormat format, const Source& source, Device device) {
   Bytes bytes(RawFrameBytes(source.size()));
   const FrameView out = RawFrameView(bytes.data(), format, source.size());
   // Without an effect the pipeline copies, from any format to any other.
-  ThrowUnlessOk(Retoucher().pipeline().Process({source.view(), out, {}, Look{}}));
+  ThrowUnlessOk(Retoucher(device).pipeline().Process({source.view(), out, {}, Look{}}));
   return bytes;
 }
 
@@ -148,10 +149,10 @@ ExitCode Convert(const ConvertOptions& options) {
   CheckWritable(options.out);
   const Source source(options);
   if (frame_format) {
-    WriteWhole(options.out, FrameIn(*frame_format, source));
+    WriteWhole(options.out, FrameIn(*frame_format, source, options.device));
     return ExitCode::Done;
   }
-  Image image = ImageOf(source, options.to == "hsi");
+  Image image = ImageOf(source, options.to == "hsi", options.device);
   if (as_picture) {
     WriteWhole(options.out, EncodePng(WithRedAndBlueSwapped(std::move(image))));
   } else {
@@ -175,6 +176,7 @@ Action OfferConvert(Options options) {
   options.Text("--size", Need::Optional, &chosen->size, "WIDTHxHEIGHT of a raw frame in pixels");
   options.Choice("--format", Need::Optional, &chosen->format, {"nv21", "nv12", "i420"},
                  "IN is a raw frame: nv21, nv12, i420");
+  AddDevice(options, &chosen->device);
   AddForce(options, &chosen->appetite.force);
   options.Explain(
       "Raw frames are full-range BT.601, their planes one after another without padding.");

@@ -8,6 +8,7 @@
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/drawing/drawing.h"
+#include "tools/lumora/options/common_options.h"
 #include "tools/lumora/picture/colour_picture.h"
 #include "tools/lumora/picture/picture.h"
 #include "tools/lumora/support/files.h"
@@ -24,6 +25,7 @@ struct DemoOptions {
   Look look = {70, 70, 15};  // stronger than photo's: the difference is the point here
   int size = kUsual;
   int capture = 4000;
+  Device device = Device::Auto;
 };
 
 /// The 4:3 picture of that width.
@@ -52,7 +54,7 @@ class Demo {
                     "cannot create the folder " + options_.folder + ": " + error.message());
     }
     CheckWritable(PathOf("overview.png"));
-    retoucher_ = std::make_unique<Retoucher>();
+    retoucher_ = std::make_unique<Retoucher>(options_.device);
     std::vector<Image> rows;
     for (int i = 0; i < Draw().PortraitCount(); ++i) {
       const Scene portrait = Draw().DrawPortrait(i, options_.size);
@@ -141,6 +143,7 @@ Action OfferDemo(Options options) {
                 "width and height of a portrait in pixels");
   options.Whole("--capture", &chosen->capture, 0, 2 * kLargest,
                 "width of the large still in pixels; 0 leaves it out");
+  AddDevice(options, &chosen->device);
   return [chosen] { return Demo(*chosen).Run(); };
 }
 

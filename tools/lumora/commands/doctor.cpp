@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -12,13 +13,16 @@
 #include <string>
 #include <vector>
 
+#include "tools/lumora/commands/bench_scene.h"
 #include "tools/lumora/commands/command.h"
 #include "tools/lumora/commands/report_json.h"
 #include "tools/lumora/commands/retoucher.h"
 #include "tools/lumora/commands/self_test.h"
 #include "tools/lumora/drawing/drawing.h"
 #include "tools/lumora/faces/face_finder.h"
+#include "tools/lumora/options/common_options.h"
 #include "tools/lumora/picture/picture.h"
+#include "tools/lumora/support/driver_cache.h"
 #include "tools/lumora/support/files.h"
 #include "tools/lumora/support/module.h"
 #include "tools/lumora/support/talk.h"
@@ -26,10 +30,27 @@
 namespace lumora::tools {
 namespace {
 
+using Json = nlohmann::ordered_json;
+
+constexpr BenchCase kTimed = {Chain::Preview, 1280, 720, {/*slim=*/50, /*whiten=*/40}};
+constexpr double kTimedSeconds = 0.3;  // each device
+
+enum class Finding { Ok, Failed, Absent };
+
 struct Check {
   std::string name;
-  bool ok;
+  Finding finding;
   std::string detail;
+};
+
+/// What a device did.
+struct Trial {
+  Device device;
+  DeviceInfo info;
+  SelfTest slimming, whitening;
+  double frame_ms = 0;
+
+  bool passed() const { return slimming.passed && whitening.passed; }
 };
 
 /// Why the library leaves a directory alone, as the end of a sentence; empty where it does not.
@@ -45,47 +66,97 @@ std::string ReasonNotToTrust(const std::string& directory) {
   return {};
 }
 
+std::string Shown(double number, const char* form) {
+  char text[32];
+  std::snprintf(text, sizeof(text), form, number);
+  return text;
+}
+
 class Doctor {
  public:
-  explicit Doctor(bool json) : json_(json) {}
+  Doctor(Device asked, bool json) : asked_(asked), json_(json) {}
 
   ExitCode Run() {
-    ExitCode code = ExitCode::Done;
-    try {
-      std::optional<Retoucher> retoucher(std::in_place);
-      const DeviceInfo device = retoucher->pipeline().Device();
-      CheckDevice(device);
-      CheckModules();
-      CheckClassifiers();
-      const SelfTest slimming = TestSlimming(*retoucher);
-      const SelfTest whitening = TestWhitening(*retoucher);
-      CheckRender("test slimming", slimming);
-      CheckRender("test whitening", whitening);
-      retoucher.reset();
-      if (!(slimming.passed && whitening.passed) && device.buffer_kind != BufferKind::Staged)
-        CheckCopies();
-      CheckCache(device);  // last: the first programs that are kept make the directory
-    } catch (const Failure& failure) {
-      code = failure.code();
-      Tell(code == ExitCode::NoDisplay ? "display" : "engine", false, failure.what());
-      Complain(failure.what());
-    }
-    bool ok = true;
-    for (const Check& check : checks_) ok = ok && check.ok;
+    if (asked_ != Device::Cpu) KeepDriverFromMissingItsCache();
+    Attempt([this] { CheckChoice(); });
+    const bool no_display = code_ == ExitCode::NoDisplay;
+    Attempt([&] {
+      if (asked_ != Device::Gl) Try(Device::Cpu);
+      if (asked_ != Device::Cpu && !no_display) Try(Device::Gl);
+      if (!trials_.empty()) Compare();
+    });
+    CheckModules();
+    CheckClassifiers();
+    const bool ok = std::none_of(checks_.begin(), checks_.end(), [](const Check& check) {
+      return check.finding == Finding::Failed;
+    });
     if (json_) PrintJson(ok);
-    return ok || code != ExitCode::Done ? code : ExitCode::Failed;
+    return ok || code_ != ExitCode::Done ? code_ : ExitCode::Failed;
   }
 
  private:
-  void Tell(const std::string& name, bool ok, const std::string& detail) {
-    checks_.push_back({name, ok, detail});
+  /// Does it, or tells why it cannot be done; the first time decides how the command ends.
+  void Attempt(const std::function<void()>& what) {
+    try {
+      what();
+    } catch (const Failure& failure) {
+      if (code_ == ExitCode::Done) code_ = failure.code();
+      Tell(failure.code() == ExitCode::NoDisplay ? "display" : "engine", false, failure.what());
+      Complain(failure.what());
+    }
+  }
+
+  void Tell(const std::string& name, Finding finding, const std::string& detail) {
+    checks_.push_back({name, finding, detail});
     if (json_) return;
+    const char* const word = finding == Finding::Ok       ? "OK"
+                             : finding == Finding::Failed ? "FAILED"
+                                                          : "NONE";
     char line[64];
-    std::snprintf(line, sizeof(line), "%-7s %-17s ", ok ? "OK" : "FAILED", name.c_str());
+    std::snprintf(line, sizeof(line), "%-7s %-17s ", word, name.c_str());
     Print(line + detail);
   }
 
-  void CheckDevice(const DeviceInfo& device) {
+  void Tell(const std::string& name, bool ok, const std::string& detail) {
+    Tell(name, ok ? Finding::Ok : Finding::Failed, detail);
+  }
+
+  /// What the other commands compute with. Throws Failure where they cannot.
+  void CheckChoice() {
+    choice_ = Retoucher(asked_).pipeline().Device();
+    Tell("device", true, std::string(Name(choice_.device)) + ": " + choice_.reason);
+  }
+
+  /// Looks at a device. It may be missing where it is not the one that the commands take.
+  void Try(Device device) {
+    Trial trial{device, {}, {}, {}};
+    try {
+      Retoucher retoucher(device);
+      trial.info = retoucher.pipeline().Device();
+      device == Device::Gl ? CheckDriver(trial.info)
+                           : Tell(Name(device), true, DeviceText(trial.info));
+      trial.slimming = TestSlimming(retoucher);
+      trial.whitening = TestWhitening(retoucher);
+      trial.frame_ms = Measure(retoucher, kTimed, kTimedSeconds).median_ms;
+    } catch (const Failure& failure) {
+      const bool missing =
+          failure.code() == ExitCode::NoDisplay || failure.code() == ExitCode::Usage;
+      if (!missing || choice_.device == device) throw;
+      Tell(Name(device), Finding::Absent, failure.what());
+      if (device == Device::Gl) no_gl_ = failure.what();
+      return;
+    }
+    Tell(Name(device) + std::string(" slimming"), trial.slimming.passed, trial.slimming.sentence);
+    Tell(Name(device) + std::string(" whitening"), trial.whitening.passed,
+         trial.whitening.sentence);
+    if (device == Device::Gl) {
+      if (!trial.passed() && trial.info.buffer_kind != BufferKind::Staged) CheckCopies();
+      CheckCache(trial.info);  // after the first programs: keeping them makes the directory
+    }
+    trials_.push_back(std::move(trial));
+  }
+
+  void CheckDriver(const DeviceInfo& device) {
     Tell("display", true, Name(device.display));
     Tell("driver", true, device.vendor + ", " + device.renderer + ", " + device.version);
     Tell("buffers", true, Name(device.buffer_kind));
@@ -110,6 +181,24 @@ class Doctor {
     }
   }
 
+  /// How fast the devices are, and how far their pictures are apart.
+  void Compare() {
+    std::string speeds;
+    for (const Trial& trial : trials_) {
+      speeds += (speeds.empty() ? "" : ", ") + std::string(Name(trial.device)) + " " +
+                Shown(trial.frame_ms, "%.2f") + " ms";
+    }
+    Tell("speed", true,
+         speeds + " for a frame of " + std::to_string(kTimed.width) + " x " +
+             std::to_string(kTimed.height) + ", slimmed and whitened");
+    if (trials_.size() < 2) return;
+    difference_ = std::max(LargestDifference(trials_[0].slimming, trials_[1].slimming),
+                           LargestDifference(trials_[0].whitening, trials_[1].whitening));
+    Tell("same picture", *difference_ <= kMostBetweenDevices,
+         "largest difference between the devices " + std::to_string(*difference_) +
+             "/255 (allowed: " + std::to_string(kMostBetweenDevices) + "/255)");
+  }
+
   void CheckModules() {
     CheckModule("face finder", kFaceFinderModule, LoadFaceFinder);
     CheckModule("drawing", kDrawingModule, [] { Draw(); });
@@ -130,15 +219,11 @@ class Doctor {
          folder.empty() ? "not found; install the package opencv-data" : folder);
   }
 
-  void CheckRender(const std::string& name, const SelfTest& test) {
-    Tell(name, test.passed, test.sentence);
-  }
-
   // Whether it is the memory shared with the driver that spoils the tests: the library found it in
   // order on images of its own, or it would not be in use.
   void CheckCopies() {
     setenv("LUMORA_BUFFER", Name(BufferKind::Staged), 1);
-    Retoucher retoucher;
+    Retoucher retoucher(Device::Gl);
     const bool passed = TestSlimming(retoucher).passed && TestWhitening(retoucher).passed;
     Tell("copied buffers", passed,
          passed ? "the tests pass with LUMORA_BUFFER=staged; set it to work with this driver"
@@ -146,23 +231,46 @@ class Doctor {
   }
 
   void PrintJson(bool ok) const {
-    nlohmann::ordered_json checks = nlohmann::ordered_json::array();
+    Json checks = Json::array();
     for (const Check& check : checks_) {
-      checks.push_back({{"name", check.name}, {"ok", check.ok}, {"detail", check.detail}});
+      checks.push_back({{"name", check.name},
+                        {"ok", check.finding != Finding::Failed},
+                        {"detail", check.detail}});
     }
-    PrintReport({{"ok", ok}, {"checks", checks}});
+    Json frame_ms = {{"cpu", Json()}, {"gl", Json()}};
+    for (const Trial& trial : trials_) frame_ms[Name(trial.device)] = trial.frame_ms;
+    PrintReport({{"ok", ok},
+                 {"device", DeviceJson(choice_.device)},
+                 {"reason", choice_.reason},
+                 {"no_gl", no_gl_.empty() ? Json() : Json(no_gl_)},
+                 {"frame_ms", frame_ms},
+                 {"largest_difference", difference_ ? Json(*difference_) : Json()},
+                 {"checks", checks}});
   }
 
+  Device asked_;
   bool json_;
+  ExitCode code_ = ExitCode::Done;
+  DeviceInfo choice_;
+  std::string no_gl_;  ///< why there is none
+  std::vector<Trial> trials_;
+  std::optional<int> difference_;
   std::vector<Check> checks_;
+};
+
+struct DoctorOptions {
+  Device device = Device::Auto;
+  bool json = false;
 };
 
 }  // namespace
 
 Action OfferDoctor(Options options) {
-  auto json = std::make_shared<bool>(false);
-  options.Flag("--json", json.get(), "print the findings for machines");
-  return [json] { return Doctor(*json).Run(); };
+  auto chosen = std::make_shared<DoctorOptions>();
+  AddDevice(options, &chosen->device);
+  options.Flag("--json", &chosen->json, "print the findings for machines");
+  options.Explain("Without --device both devices are tried.");
+  return [chosen] { return Doctor(chosen->device, chosen->json).Run(); };
 }
 
 }  // namespace lumora::tools

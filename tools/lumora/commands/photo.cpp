@@ -29,6 +29,7 @@ constexpr int kMiddleTone = 128;  // on the same side of it as the mean: too dar
 struct PhotoOptions {
   std::string in, out;
   LookOptions look;
+  Device device = Device::Auto;
   Chain chain = Chain::Auto;
   std::string faces, compare, explain;
   bool json = false;
@@ -145,7 +146,9 @@ class Photo {
     if (Draws(options_)) before_ = edit_->picture().Bgr();
     if (found_.empty() || IsOff(look_)) return;  // exactly off: nothing is started
     const Frame420 frame = edit_->picture().Frame();
-    edit_->Merge(frame, Retoucher().Process(frame, Faces(), look_, &report_, options_.chain));
+    Retoucher retoucher(options_.device);
+    edit_->Merge(frame, retoucher.Process(frame, Faces(), look_, &report_, options_.chain));
+    used_ = retoucher.pipeline().Device().device;
     for (const FaceTone& tone : report_.tones) NoteTone(tone);
   }
 
@@ -193,6 +196,7 @@ class Photo {
          {"faces", faces},
          {"tones", TonesJson(report_.tones)},
          {"chain", Name(report_.chain == ChainUsed::NoCall ? ChainUsed::None : report_.chain)},
+         {"device", DeviceJson(used_)},
          {"buffer", Name(report_.buffer_kind)},
          {"blocks", BlocksJson(report_.blocks)},
          {"timings_ms", timings_},
@@ -205,6 +209,7 @@ class Photo {
   std::unique_ptr<PictureEdit> edit_;
   std::vector<FoundFace> found_;
   Image before_;
+  Device used_ = Device::Auto;  // nothing had to be computed
   Report report_;
   Json timings_;
 };
@@ -216,6 +221,7 @@ Action OfferPhoto(Options options) {
   AddPictures(options, &chosen->in, &chosen->out);
   chosen->look.AddTo(options);
   AddChain(options, &chosen->chain);
+  AddDevice(options, &chosen->device);
   options.Text("--faces", Need::Optional, &chosen->faces,
                "FACES.json: take the faces from there instead of looking for them");
   AddCompare(options, &chosen->compare);

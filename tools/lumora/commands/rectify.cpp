@@ -21,6 +21,7 @@ namespace {
 struct RectifyOptions {
   std::string in, out, compare;
   std::optional<int> degree, camera;
+  Device device = Device::Auto;
   std::vector<float> radial;
   bool json = false;
   Appetite appetite{kBytesForWhole};
@@ -34,8 +35,9 @@ ExitCode Rectify(const RectifyOptions& options) {
   const Image before = options.compare.empty() ? Image() : edit.picture().Bgr();
   const Frame420 frame = edit.picture().Frame();
   Report report;
-  edit.Merge(frame, Retoucher().Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in,
-                                               const FrameView& out) {
+  Retoucher retoucher(options.device);
+  edit.Merge(frame, retoucher.Run(frame, [&](Pipeline& pipeline, const ConstFrameView& in,
+                                             const FrameView& out) {
     if (options.degree) return pipeline.Rectify(in, out, *options.degree, &report);
     if (options.camera) {
       const Camera camera = *options.camera == 0 ? Camera::First : Camera::Second;
@@ -58,6 +60,7 @@ ExitCode Rectify(const RectifyOptions& options) {
                  {"width", edit.picture().size().width},
                  {"height", edit.picture().size().height},
                  {"chain", Name(report.chain)},
+                 {"device", DeviceJson(retoucher.pipeline().Device().device)},
                  {"buffer", Name(report.buffer_kind)},
                  {"timings_ms",
                   {{"upload", report.upload_ms},
@@ -86,6 +89,7 @@ Action OfferRectify(Options options) {
             "bent lines, by the parameter file of this device's camera (below\n"
             "LUMORA_SYSTEM_ROOT), or usual coefficients where there is none");
   AddCompare(options, &chosen->compare);
+  AddDevice(options, &chosen->device);
   AddForce(options, &chosen->appetite.force);
   AddReport(options, &chosen->json);
   return [chosen] { return Rectify(*chosen); };

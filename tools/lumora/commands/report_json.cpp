@@ -17,6 +17,18 @@ void PrintReport(const Json& report) {
   WriteWhole(kStandardStream, Bytes(text.begin(), text.end()));
 }
 
+Json DeviceJson(Device device) {
+  return device == Device::Auto ? Json() : Json(Name(device));
+}
+
+std::string DeviceText(const DeviceInfo& device) {
+  if (device.device != Device::Cpu) {
+    return device.renderer + ", " + Name(device.buffer_kind);
+  }
+  return std::string(Name(Device::Cpu)) + ", " + device.simd + ", " +
+         std::to_string(device.threads) + (device.threads == 1 ? " thread" : " threads");
+}
+
 Json LookJson(const Look& look) {
   return {{"slim", look.slim},
           {"whiten", look.whiten},

@@ -5,10 +5,12 @@
 
 namespace lumora::tools {
 
-Retoucher::Retoucher() {
+Retoucher::Retoucher(Device device) {
   Status status;
-  pipeline_ = Pipeline::Create(&status);
-  ThrowUnlessOk(status);
+  PipelineOptions options;
+  options.device = device;
+  pipeline_ = Pipeline::Create(options, &status);
+  ThrowUnlessMade(status);
 }
 
 Frame420 Retoucher::Process(const Frame420& frame, const std::vector<Face>& faces, const Look& look,

@@ -14,8 +14,9 @@ namespace lumora::tools {
 
 class Retoucher {
  public:
-  /// Starts the engine. Throws Failure (NoDisplay, Failed).
-  Retoucher();
+  /// Starts what computes the pictures. Throws Failure (NoDisplay, Failed, or Usage for a
+  /// LUMORA_DEVICE that there is not).
+  explicit Retoucher(Device device);
 
   /// The frame with the look applied to its faces. Throws Failure (Failed).
   Frame420 Process(const Frame420& frame, const std::vector<Face>& faces, const Look& look,

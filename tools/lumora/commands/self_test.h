@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Small renders whose results are known without the GPU.
+// Small renders whose results are known without a GPU.
 #ifndef LUMORA_TOOLS_COMMANDS_SELF_TEST_H_
 #define LUMORA_TOOLS_COMMANDS_SELF_TEST_H_
 
@@ -12,9 +12,16 @@ namespace lumora::tools {
 struct SelfTest {
   bool passed = false;
   std::string sentence;
+  Frame420 result;
 };
 
-/// Slims a synthetic face and compares every sample with the same warp computed on the CPU. Throws
+/// How far the results of two devices may be apart: each of them may be off by half of it.
+inline constexpr int kMostBetweenDevices = 4;
+
+/// The largest difference of the samples of two results, in steps of 1/255.
+int LargestDifference(const SelfTest& one, const SelfTest& other);
+
+/// Slims a synthetic face and compares every sample with the same warp in double precision. Throws
 /// Failure when the pipeline itself fails.
 SelfTest TestSlimming(Retoucher& retoucher);
 

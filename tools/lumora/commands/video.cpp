@@ -34,6 +34,7 @@ using Json = nlohmann::ordered_json;
 struct VideoOptions {
   std::string in, out, faces;
   LookOptions look;
+  Device device = Device::Auto;
   int detect_every = 5;
   std::string range = "auto";
   bool json = false;
@@ -94,7 +95,7 @@ class Video {
         stretched_(reader_.header()) {}
 
   ExitCode Run() {
-    if (!IsOff(look_)) retoucher_ = std::make_unique<Retoucher>();
+    if (!IsOff(look_)) retoucher_ = std::make_unique<Retoucher>(options_.device);
     const std::unique_ptr<FaceSource> faces = Faces();
     ChooseRange();
     Y4mWriter writer(options_.out, reader_.header());
@@ -171,6 +172,11 @@ class Video {
     if (report.faces > 0) buffer_kind_ = report.buffer_kind;
   }
 
+  /// Auto where nothing had to be computed.
+  Device Used() const {
+    return retoucher_ == nullptr ? Device::Auto : retoucher_->pipeline().Device().device;
+  }
+
   void Tell(double seconds) const {
     const Size size = reader_.header().size;
     const auto count = static_cast<double>(frames_);
@@ -186,6 +192,7 @@ class Video {
                  {"faces_left_out", left_out_},
                  {"face_found", needs_faces_ ? Json(frames_with_faces_ > 0) : Json()},
                  {"chain", faces_ > 0 ? "preview" : "none"},
+                 {"device", DeviceJson(Used())},
                  {"buffer", Name(buffer_kind_)},
                  {"seconds", seconds},
                  {"frames_per_second", seconds > 0 ? count / seconds : 0},
@@ -241,6 +248,7 @@ Action OfferVideo(Options options) {
                 "look for faces in every n-th frame and follow them in between");
   options.Choice("--range", Need::Optional, &chosen->range, {"auto", "full", "limited"},
                  "range of the samples: full, limited, or auto (as the clip says, else limited)");
+  AddDevice(options, &chosen->device);
   AddForce(options, &chosen->appetite.force);
   AddReport(options, &chosen->json);
   options.Flag("--require-face", &chosen->require_face,

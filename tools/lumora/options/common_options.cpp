@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/lumora/options/common_options.h"
 
+#include <map>
+
 namespace lumora::tools {
 
 void AddPictures(Options& options, std::string* in, std::string* out) {
@@ -12,6 +14,14 @@ void AddPictures(Options& options, std::string* in, std::string* out) {
 void AddCompare(Options& options, std::string* compare) {
   options.Text("--compare", Need::Optional, compare,
                "also write a picture with before and after side by side");
+}
+
+void AddDevice(Options& options, Device* device) {
+  std::map<std::string, Device> named;
+  for (const Device one : {Device::Auto, Device::Gl, Device::Cpu}) named[Name(one)] = one;
+  options.Choice("--device", device, named,
+                 "what computes the pictures: gl, cpu, or auto (gl on a GPU, else cpu, unless\n"
+                 "LUMORA_DEVICE names one)");
 }
 
 void AddForce(Options& options, bool* force) {

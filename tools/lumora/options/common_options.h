@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "lumora/pipeline/device.h"
 #include "tools/lumora/options/options.h"
 
 namespace lumora::tools {
@@ -14,6 +15,9 @@ void AddPictures(Options& options, std::string* in, std::string* out);
 
 /// --compare.
 void AddCompare(Options& options, std::string* compare);
+
+/// --device: what computes the pictures.
+void AddDevice(Options& options, Device* device);
 
 /// --force.
 void AddForce(Options& options, bool* force);

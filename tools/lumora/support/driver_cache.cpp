@@ -34,6 +34,15 @@ fs::path UsersCaches() {
 
 }  // namespace
 
+bool MayStartMesa(Device device) {
+  if (device == Device::Auto) {
+    const char* const setting = std::getenv("LUMORA_DEVICE");
+    device = FindDevice(setting != nullptr ? setting : "").value_or(Device::Auto);
+  }
+  std::error_code ignored;
+  return device == Device::Gl || (device == Device::Auto && fs::exists("/dev/dri", ignored));
+}
+
 bool DriverCanCacheBelow(const fs::path& caches) {
   if (caches.empty()) return false;
   std::error_code ignored;

@@ -5,7 +5,13 @@
 
 #include <filesystem>
 
+#include "lumora/pipeline/device.h"
+
 namespace lumora::tools {
+
+/// Whether a pipeline that is made for `device` may bring Mesa's drivers in: they work through the
+/// nodes in /dev/dri, and without those only who asks for gl gets one, a software renderer.
+bool MayStartMesa(Device device);
 
 /// Whether Mesa has its folder below `caches`, the user's folder for caches, or can make it there.
 /// Leaves nothing behind.

@@ -42,6 +42,13 @@ inline void ThrowUnlessOk(const Status& status) {
                 status.message);
 }
 
+/// The same for a pipeline or converter that was to be made: what cannot be used then is how the
+/// command was called.
+inline void ThrowUnlessMade(const Status& status) {
+  if (status.code == StatusCode::InvalidArgument) throw Failure(ExitCode::Usage, status.message);
+  ThrowUnlessOk(status);
+}
+
 }  // namespace lumora::tools
 
 #endif  // LUMORA_TOOLS_SUPPORT_FAILURE_H_
