@@ -17,7 +17,7 @@ namespace lumora {
 /// What the weights of a row are made of: for kernels that compute them on their way. The weight of
 /// column x of the mask's bounds is, with `right` = (x % step) / step and i = x / step,
 ///
-///     top    = above[i] + right * (above[i + 1] - above[i])
+///     top = above[i] + right * (above[i + 1] - above[i])
 ///     bottom = below[i] + right * (below[i + 1] - below[i])
 ///     top + down * (bottom - top)
 ///
