@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pipeline/backends/cpu/workers.h"
 
+#include <oneapi/tbb/info.h>
 #include <oneapi/tbb/parallel_for.h>
 #include <oneapi/tbb/task_arena.h>
 
@@ -10,7 +11,8 @@
 namespace lumora::cpu {
 
 struct Workers::Arena {
-  explicit Arena(int threads) : tasks(threads) {}
+  // The pool has no more threads than the machine and warns who asks for more.
+  explicit Arena(int threads) : tasks(std::min(threads, tbb::info::default_concurrency())) {}
   tbb::task_arena tasks;
 };
 
