@@ -13,7 +13,7 @@ constexpr int kWarpColumns = 32;
 constexpr int kWarpSlack = 4;
 
 /// Where pixels come from. A place is that of a pixel's centre relative to the circle's, in pixels:
-///   share  = |place| / radius / hold, at most 1, hold = |place - limiter| / reach, at most 1
+///   share = |place| / radius / hold, at most 1, hold = |place - limiter| / reach, at most 1
 ///   weight = share * (2 - border), at most 1
 ///   source = place * (1 + strength * |place| * (1 - weight))
 /// where `border` is a power of the distance to the nearest border of the frame, a number of the

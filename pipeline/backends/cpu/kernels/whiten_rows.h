@@ -13,7 +13,7 @@ constexpr int kWhitenColumns = 16;
 /// What whitening makes of a pixel, between its own colour and full effect. A place is that of the
 /// pixel's centre relative to that of the outer ellipse, in pixels; its position in the ellipse is
 /// the length of the vector that the four factors make of it. In the hexcone model
-///   intensity  i' = gain i / (1 - i + gain i), the logistic curve of i, moved by log(gain)
+///   intensity i' = gain i / (1 - i + gain i), the logistic curve of i, moved by log(gain)
 ///   saturation s' = s + saturation
 /// both mixed with the pixel's own by the position. Between the steps colours are whole numbers of
 /// 1/255, as images hold them.
