@@ -6,7 +6,6 @@
 
 #include "lumora/geometry/rounding.h"
 #include "lumora/geometry/warp.h"
-#include "pipeline/backends/cpu/kernels/warp_rows.h"
 #include "pipeline/frames/frame_copy.h"
 #include "pipeline/plan/circle_spans.h"
 #include "pipeline/plan/warp_geometry.h"
@@ -74,6 +73,20 @@ float BorderAt(int pixel, int size, float exponent) {
   return std::pow(std::max(std::min(share, 1 - share), 0.f), exponent);
 }
 
+/// Stores what lies in the circle of two rows, the first of which is row `y` of the frame from
+/// column `x` on.
+void StoreSpans(const WarpRows& rows, int x, int y, const CircleSpans& spans,
+                const FrameView& frame) {
+  const auto store = [&](const uint8_t* from, int row, const RowSpan& span) {
+    if (span.begin == span.end) return;
+    std::copy_n(from + (span.begin - x), span.end - span.begin,
+                frame.planes[0] + row * frame.strides[0] + span.begin);
+  };
+  store(rows.luma[0], y, spans.upper);
+  store(rows.luma[1], y + 1, spans.lower);
+  StoreChromaPairs(rows.chroma + (2 * spans.chroma.begin - x), y / 2, spans.chroma, frame);
+}
+
 }  // namespace
 
 void Slimming::Prepare(const FramePlan& plan, int width, int height, const Workers& workers) {
@@ -107,18 +120,9 @@ void Slimming::DrawFace(const FacePlan& face, Chain chain, Beyond beyond, const 
   for (int column = 0; column < place.width; ++column) {
     borders_[static_cast<size_t>(column)] = BorderAt(place.x + column, size.width, warp.edge_fade);
   }
-  WarpSource source{};
-  source.luma = tile_.luma();
-  source.chroma = tile_.chroma();
-  source.stride = tile_.stride();
-  source.columns = place.width;
-  source.rows = place.height;
-  source.x = static_cast<float>(place.x) + 0.5f - face.centre.x;
-  source.y = static_cast<float>(place.y) + 0.5f - face.centre.y;
-
+  const WarpSource source = SourceFor(face);
   const int bottom = std::min(face.bounds.y + face.bounds.height, frame.height);
-  const int pairs = std::max(0, (bottom - face.bounds.y + 1) / 2);
-  workers.Run(pairs, [&](int pair, int worker) {
+  workers.Run(std::max(0, (bottom - face.bounds.y + 1) / 2), [&](int pair, int worker) {
     const int y = face.bounds.y + 2 * pair;
     const CircleSpans spans = CircleSpansAt(face, y, frame.width, frame.height);
     if (spans.chroma.begin == spans.chroma.end) return;
@@ -131,23 +135,27 @@ void Slimming::DrawFace(const FacePlan& face, Chain chain, Beyond beyond, const 
     rows.y = static_cast<float>(y) + 0.5f - face.centre.y;
     rows.columns = last - first;
     rows.column_borders = borders_.data() + first;
-    rows.luma[0] = memory;
-    rows.luma[1] = memory + place.width;
-    rows.chroma = memory + 2 * place.width;
     for (int row = 0; row < 2; ++row) {
       rows.row_borders[row] = BorderAt(y + row, size.height, warp.edge_fade);
+      rows.luma[row] = memory + row * place.width;
     }
+    rows.chroma = memory + 2 * place.width;
     DrawWarp(shape, source, rows);
-
-    const int shift = place.x + first;  // of the rows' first column in the frame
-    const auto store = [&](const uint8_t* from, int row, RowSpan span) {
-      std::copy_n(from + (span.begin - shift), span.end - span.begin,
-                  frame.planes[0] + row * frame.strides[0] + span.begin);
-    };
-    store(rows.luma[0], y, spans.upper);
-    store(rows.luma[1], y + 1, spans.lower);
-    StoreChromaPairs(rows.chroma + (2 * spans.chroma.begin - shift), y / 2, spans.chroma, frame);
+    StoreSpans(rows, place.x + first, y, spans, frame);
   });
+}
+
+WarpSource Slimming::SourceFor(const FacePlan& face) const {
+  const PixelRectangle& place = tile_.place();
+  WarpSource source{};
+  source.luma = tile_.luma();
+  source.chroma = tile_.chroma();
+  source.stride = tile_.stride();
+  source.columns = place.width;
+  source.rows = place.height;
+  source.x = static_cast<float>(place.x) + 0.5f - face.centre.x;
+  source.y = static_cast<float>(place.y) + 0.5f - face.centre.y;
+  return source;
 }
 
 }  // namespace lumora::cpu

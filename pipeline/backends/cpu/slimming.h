@@ -3,8 +3,11 @@
 #ifndef LUMORA_PIPELINE_BACKENDS_CPU_SLIMMING_H_
 #define LUMORA_PIPELINE_BACKENDS_CPU_SLIMMING_H_
 
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
+#include "pipeline/backends/cpu/kernels/warp_rows.h"
 #include "pipeline/backends/cpu/tile.h"
 #include "pipeline/backends/cpu/workers.h"
 #include "pipeline/plan/frame_plan.h"
@@ -22,6 +25,8 @@ class Slimming {
  private:
   void DrawFace(const FacePlan& face, Chain chain, Beyond beyond, const FrameView& frame,
                 Workers& workers);
+  /// The tile as the kernel takes it.
+  WarpSource SourceFor(const FacePlan& face) const;
   /// The rows of one worker: two of luma and one of chroma.
   uint8_t* RowsOf(int worker) {
     return rows_.data() + 3 * static_cast<size_t>(worker) * static_cast<size_t>(tile_.stride());
