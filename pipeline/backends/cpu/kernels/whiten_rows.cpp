@@ -60,10 +60,8 @@ struct Yuv {
 
 template <bool kRound>
 HWY_INLINE Rgb RgbOf(F y, F cr, F cb) {
-  const auto channel = [](F value) HWY_ATTR {
-    value = Clamp(value, 255.f);
-    return kRound ? Rounded(value) : value;
-  };
+  const auto channel = [](F value)
+                           HWY_ATTR { return kRound ? Rounded(Clamp(value, 255.f)) : value; };
   return {channel(hn::Add(hn::Sub(y, Number(0.701f * 255)), hn::Mul(cr, Number(1.402f)))),
           channel(hn::Sub(hn::Sub(hn::Add(y, Number(0.529f * 255)), hn::Mul(cb, Number(0.344f))),
                           hn::Mul(cr, Number(0.714f)))),
@@ -83,10 +81,10 @@ HWY_INLINE Hsi HsiOf(const Rgb& rgb) {
       hn::IfThenElse(red, hn::Zero(Floats()), hn::IfThenElse(green, Number(2.f), Number(4.f)));
   F h = hn::Add(hn::Mul(hn::Sub(minuend, subtrahend), scale), sector);
   h = hn::Add(h, hn::IfThenElseZero(hn::Lt(h, hn::Zero(Floats())), Number(6.f)));
-  const F s = hn::Div(delta, hn::Max(most, least));
+  const F s = hn::Min(hn::Div(delta, hn::Max(most, least)), Number(1.f));
   return {hn::Mul(Rounded(hn::Mul(h, Number(255.f / 6))), Number(6.f / 255)),
           hn::Mul(Rounded(hn::Mul(s, Number(255.f))), Number(1.f / 255)),
-          hn::Mul(Rounded(most), Number(1.f / 255))};
+          hn::Mul(Rounded(hn::Min(most, Number(255.f))), Number(1.f / 255))};
 }
 
 HWY_INLINE Hsi Lift(const Hsi& from, F position, const WhitenTone& tone) {

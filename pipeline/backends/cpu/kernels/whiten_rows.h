@@ -24,7 +24,8 @@ struct WhitenTone {
   float saturation;          ///< 0..1
   float darkest;             ///< luma up to which nothing changes, 0..255
   float luma_scale;          ///< 1 / (luma from which everything does - darkest)
-  bool round_rgb;            ///< whether red, green and blue are whole numbers, too
+  bool round_rgb;            ///< whether red, green and blue are such numbers, too; else they may
+                             ///< lie beyond 0 and 1
 };
 
 /// Two rows of a frame, which change in place. A pixel moves towards its whitened colour by its

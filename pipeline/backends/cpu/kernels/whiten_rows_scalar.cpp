@@ -20,7 +20,7 @@ float Rounded(float value) {
 }
 
 struct Rgb {
-  float r, g, b;  // 0..255
+  float r, g, b;  // 0..255, or beyond where they are not held in an image
 };
 
 /// Hue in sixths of a turn, saturation and intensity 0..1.
@@ -30,8 +30,7 @@ struct Hsi {
 
 Rgb RgbOf(float y, float cr, float cb, bool round) {
   const auto channel = [round](float value) {
-    value = Clamp(value, 255.f);
-    return round ? Rounded(value) : value;
+    return round ? Rounded(Clamp(value, 255.f)) : value;
   };
   return {channel((y - 0.701f * 255) + cr * 1.402f),
           channel(((y + 0.529f * 255) - cb * 0.344f) - cr * 0.714f),
@@ -52,8 +51,8 @@ Hsi HsiOf(const Rgb& rgb) {
   }
   if (h < 0) h = h + 6.f;
   const float s = delta / std::max(most, kLeast);
-  return {Rounded(h * (255.f / 6)) * (6.f / 255), Rounded(s * 255.f) * (1.f / 255),
-          Rounded(most) * (1.f / 255)};
+  return {Rounded(h * (255.f / 6)) * (6.f / 255), Rounded(std::min(s, 1.f) * 255.f) * (1.f / 255),
+          Rounded(std::min(most, 255.f)) * (1.f / 255)};
 }
 
 Hsi Lift(const Hsi& from, float position, const WhitenTone& tone) {

@@ -76,8 +76,6 @@ class WhitenScene {
                                   FromByte(bytes_[pair]), FromByte(bytes_[pair + 1]), 1};
     reference::Texel rgb = reference::Multiply(reference::YuvToRgbMatrix(), yuv);
     if (tone.round_rgb) rgb = stored(rgb);
-    rgb = {std::clamp(rgb.r, 0.0, 1.0), std::clamp(rgb.g, 0.0, 1.0), std::clamp(rgb.b, 0.0, 1.0),
-           1};
     const reference::Texel hsi = stored(reference::RgbToHsi(rgb, 0));
     reference::WhiteningUniforms uniforms;
     for (auto& ellipse : uniforms.ellipses) ellipse = {0, 0, 0, 0, 0, 0, 9, 9, 1};
