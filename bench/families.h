@@ -13,6 +13,7 @@ void RegisterStartUp();    ///< programs and first frames, in processes of their
 void RegisterMemory();     ///< peak memory of a capture, in a process of its own
 void RegisterPipeline();   ///< the pipeline over the engine
 void RegisterCpu();        ///< the pipeline on the cpu
+void RegisterKernels();    ///< the cpu's kernels and their plain forms
 void RegisterPhoto();      ///< the command over a photo, where the tools are built
 void RegisterStages();     ///< times of single steps, without anything to compare with
 

@@ -28,6 +28,7 @@ int Run(int argc, char** argv) {
   RegisterMemory();
   RegisterPipeline();
   RegisterCpu();
+  RegisterKernels();
 #if defined(LUMORA_BENCH_COMMAND)
   RegisterPhoto();
 #endif
