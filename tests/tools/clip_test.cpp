@@ -115,6 +115,24 @@ TEST(SampleRange, WhatChangedIsWithinTheLimitedRange) {
   for (size_t i = 1024; i < original.size(); ++i) EXPECT_NEAR(limited.bytes()[i], 240, 1) << i;
 }
 
+TEST(SampleRange, ASingleChangedSampleIsFoundWhereverItIs) {
+  const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W37 H35", "");
+  ClipFrame before(header), limited(header);
+  const size_t luma = 37 * 35;
+  for (size_t i = 0; i < before.bytes().size(); ++i) {
+    ClipFrame after = before;
+    after.bytes()[i] = 200;
+    ClipFrame merged = limited;
+    MergeFromFull(before, after, merged);
+    for (size_t j = 0; j < merged.bytes().size(); ++j) {
+      const long expected = j != i     ? limited.bytes()[j]
+                            : i < luma ? std::lround(16 + 200 * 219 / 255.0)
+                                       : std::lround(128 + 72 * 224 / 255.0);
+      ASSERT_EQ(merged.bytes()[j], expected) << i << " " << j;
+    }
+  }
+}
+
 TEST(SampleRange, MonoStaysWithoutColour) {
   const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W32 H32 Cmono", "");
   ClipFrame limited(header), full(header);

@@ -149,9 +149,10 @@ class Video {
     }
   }
 
-  /// The frame that goes into the file.
+  /// The frame that goes into the file. One without faces is not even copied.
   const ClipFrame& Process(ClipFrame& input, const std::vector<Face>& faces) {
-    if (!faces.empty()) ++frames_with_faces_;
+    if (faces.empty()) return input;
+    ++frames_with_faces_;
     if (retoucher_ == nullptr) return input;
     if (!limited_) {
       Engage(input, output_, faces);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 
 #include "tools/lumora/images/colours.h"
 
@@ -11,6 +12,8 @@ namespace lumora::tools {
 namespace {
 
 using Table = std::array<uint8_t, 256>;
+
+constexpr size_t kRun = 64;  // samples that are compared at once
 
 constexpr double kZero = 16;  // of luma
 constexpr double kLumaSteps = 219, kChromaSteps = 224, kFullSteps = 255;
@@ -28,13 +31,9 @@ Table Straight(double from, double factor, double to) {
   return table;
 }
 
-/// The tables of luma and chroma, each for its part of an I420 frame.
+/// The tables of luma and chroma.
 struct Tables {
   Table luma, chroma;
-
-  const Table& At(size_t place, size_t luma_samples) const {
-    return place < luma_samples ? luma : chroma;
-  }
 };
 
 const Tables kStretch = {Straight(kZero, kFullSteps / kLumaSteps, 0),
@@ -47,21 +46,40 @@ size_t LumaSamples(const ClipFrame& frame) {
   return static_cast<size_t>(view.width) * static_cast<size_t>(view.height);
 }
 
+/// Calls `work(table, from, to)` for the samples of luma and those of chroma, which end at `end`.
+template <typename Work>
+void ForBoth(const Tables& tables, const ClipFrame& frame, size_t end, const Work& work) {
+  const size_t luma = std::min(LumaSamples(frame), end);
+  work(tables.luma, size_t{0}, luma);
+  work(tables.chroma, luma, end);
+}
+
 }  // namespace
 
 void StretchToFull(const ClipFrame& limited, ClipFrame& full) {
-  const size_t luma = LumaSamples(limited);
-  for (size_t i = 0; i < limited.bytes().size(); ++i) {
-    full.bytes()[i] = kStretch.At(i, luma)[limited.bytes()[i]];
-  }
+  const uint8_t* const source = limited.bytes().data();
+  uint8_t* const target = full.bytes().data();
+  ForBoth(kStretch, limited, limited.bytes().size(), [&](const Table& table, size_t i, size_t end) {
+    for (; i < end; ++i) target[i] = table[source[i]];
+  });
 }
 
 void MergeFromFull(const ClipFrame& before, const ClipFrame& after, ClipFrame& limited) {
-  const size_t luma = LumaSamples(limited);
-  for (size_t i = 0; i < limited.stored(); ++i) {
-    const uint8_t sample = after.bytes()[i];
-    if (sample != before.bytes()[i]) limited.bytes()[i] = kShrink.At(i, luma)[sample];
-  }
+  const uint8_t* const old = before.bytes().data();
+  const uint8_t* const now = after.bytes().data();
+  uint8_t* const target = limited.bytes().data();
+  ForBoth(kShrink, limited, limited.stored(), [&](const Table& table, size_t i, size_t end) {
+    while (i < end) {
+      const size_t run = std::min(kRun, end - i);  // most of a frame is as it was
+      if (std::memcmp(old + i, now + i, run) == 0) {
+        i += run;
+        continue;
+      }
+      for (const size_t stop = i + run; i < stop; ++i) {
+        if (now[i] != old[i]) target[i] = table[now[i]];
+      }
+    }
+  });
 }
 
 }  // namespace lumora::tools
