@@ -59,6 +59,7 @@ Status MakeGlConverter(std::unique_ptr<ConverterBackend>* converter);
 /// The processor. `threads`, 1 and more, is how many work on one frame, the caller's among them.
 /// Its operations run on their callers' threads, any number at once.
 Status MakeCpuBackend(int threads, std::unique_ptr<Backend>* backend);
+Status MakeCpuConverter(std::unique_ptr<ConverterBackend>* converter);
 
 }  // namespace lumora
 

@@ -11,7 +11,6 @@
 #include "pipeline/frames/frame_layout.h"
 #include "pipeline/support/camera_lens.h"
 #include "pipeline/support/number_bounds.h"
-#include "pipeline/support/stopwatch.h"
 
 namespace lumora::cpu {
 namespace {
@@ -122,19 +121,6 @@ void DrawChroma(const Remap& remap, const ConstFrameView& in, const FrameView& o
   }
 }
 
-void DrawFrame(const Remap& remap, const ConstFrameView& in, const FrameView& out, OwnFrame* memory,
-               Report* report) {
-  Stopwatch stopwatch;
-  const ConstFrameView source = SourceApart(in, out, memory);
-  if (report != nullptr) {
-    report->upload_ms = stopwatch.Lap();
-    // Nothing may fail any more once `out` is written.
-    report->blocks.push_back({0, 0, in.width, in.height});
-  }
-  DrawRowPairs(remap, source, out, 0, RowPairs(in));
-  if (report != nullptr) report->engine_ms = stopwatch.Lap();
-}
-
 }  // namespace
 
 Remap KeystoneRemap(int width, int height, int degree) {
@@ -216,16 +202,6 @@ void DrawRowPairs(const Remap& remap, const ConstFrameView& in, const FrameView&
 
 ConstFrameView SourceApart(const ConstFrameView& in, const FrameView& out, OwnFrame* memory) {
   return Overlap(in, out) ? memory->Copy(in) : in;
-}
-
-void RectifyOnCpu(const ConstFrameView& in, const FrameView& out, int degree, OwnFrame* memory,
-                  Report* report) {
-  DrawFrame(KeystoneRemap(in.width, in.height, degree), in, out, memory, report);
-}
-
-void RectifyRadialOnCpu(const ConstFrameView& in, const FrameView& out, const Lens& lens,
-                        OwnFrame* memory, Report* report) {
-  DrawFrame(LensRemap(in.width, in.height, CoefficientsOf(lens)), in, out, memory, report);
 }
 
 }  // namespace lumora::cpu

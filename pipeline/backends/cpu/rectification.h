@@ -5,7 +5,6 @@
 
 #include "lumora/pipeline/frame.h"
 #include "lumora/pipeline/lens.h"
-#include "lumora/pipeline/report.h"
 #include "pipeline/backends/cpu/kernels/remap_rows.h"
 #include "pipeline/frames/own_frame.h"
 
@@ -32,13 +31,6 @@ void DrawRowPairs(const Remap& remap, const ConstFrameView& in, const FrameView&
 /// A frame's source while it is drawn: `in` itself, or a copy in `memory` where `out` lies over it.
 /// Throws where memory is short.
 ConstFrameView SourceApart(const ConstFrameView& in, const FrameView& out, OwnFrame* memory);
-
-/// The operations of Backend on the calling thread alone. `memory` serves frame after frame, one at
-/// a time. They throw where memory is short; then `out` is as it was. They do not fail otherwise.
-void RectifyOnCpu(const ConstFrameView& in, const FrameView& out, int degree, OwnFrame* memory,
-                  Report* report);
-void RectifyRadialOnCpu(const ConstFrameView& in, const FrameView& out, const Lens& lens,
-                        OwnFrame* memory, Report* report);
 
 }  // namespace lumora::cpu
 

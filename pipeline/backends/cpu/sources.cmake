@@ -6,6 +6,8 @@ find_package(TBB REQUIRED)
 # Kernels: the same bytes on every instruction set, so every operation is rounded by itself. The plain forms are what
 # runs where no vector unit is known: -O3 makes GCC vectorise what it can.
 set(lumora_cpu_kernels
+  backends/cpu/kernels/colour_rows.cpp
+  backends/cpu/kernels/colour_rows_scalar.cpp
   backends/cpu/kernels/instruction_set.cpp
   backends/cpu/kernels/mask_weights.cpp
   backends/cpu/kernels/mask_weights_scalar.cpp
@@ -21,6 +23,7 @@ set_source_files_properties(${lumora_cpu_kernels} PROPERTIES
 set(lumora_cpu_sources
   ${lumora_cpu_kernels}
   backends/cpu/cpu_backend.cpp
+  backends/cpu/cpu_converter.cpp
   backends/cpu/rectification.cpp
   backends/cpu/slimming.cpp
   backends/cpu/tile.cpp

@@ -5,11 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "lumora/platform/settings.h"
+#include "pipeline/backends/backend.h"
 #include "pipeline/backends/cpu/corrected_model.h"
 #include "pipeline/backends/cpu/random_lens.h"
 #include "pipeline/frames/frame_memory.h"
@@ -61,9 +63,33 @@ void ExpectModel(const CorrectedModel& model, const Samples& after, const std::s
   }
 }
 
-TEST(CpuRectification, KeystonesAreThoseOfTheReference) {
+/// With one thread and with several, in turn.
+class CpuRectification : public testing::Test {
+ protected:
+  CpuRectification() {
+    EXPECT_TRUE(MakeCpuBackend(1, &one_).ok());
+    EXPECT_TRUE(MakeCpuBackend(3, &three_).ok());
+  }
+
+  void Rectify(const ConstFrameView& in, const FrameView& out, int degree, Report* report) {
+    EXPECT_TRUE(Next().Rectify(in, out, degree, report).ok());
+  }
+  void RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
+                     Report* report) {
+    EXPECT_TRUE(Next().RectifyRadial(in, out, lens, report).ok());
+  }
+
+ private:
+  Backend& Next() {
+    one_.swap(three_);
+    return *one_;
+  }
+
+  std::unique_ptr<Backend> one_, three_;
+};
+
+TEST_F(CpuRectification, KeystonesAreThoseOfTheReference) {
   std::mt19937 random(1);
-  OwnFrame memory;
   for (int round = 0; round < 150; ++round) {
     const auto [width, height] = RandomSize(random);
     const int degree = std::uniform_int_distribution<>(-100, 100)(random);
@@ -72,7 +98,7 @@ TEST(CpuRectification, KeystonesAreThoseOfTheReference) {
     FrameMemory out(RandomFormat(random), width, height, RandomSlack(random));
     in.Fill(samples);
     Report report;
-    cpu::RectifyOnCpu(in.const_view(), out.view(), degree, &memory, &report);
+    Rectify(in.const_view(), out.view(), degree, &report);
     ExpectModel(
         KeystoneModel(samples, width, height, degree), out.Read(),
         std::to_string(width) + " x " + std::to_string(height) + " by " + std::to_string(degree));
@@ -84,9 +110,8 @@ TEST(CpuRectification, KeystonesAreThoseOfTheReference) {
   }
 }
 
-TEST(CpuRectification, LensesAreThoseOfTheReference) {
+TEST_F(CpuRectification, LensesAreThoseOfTheReference) {
   std::mt19937 random(2);
-  OwnFrame memory;
   for (int round = 0; round < 150; ++round) {
     const auto [width, height] = RandomSize(random);
     const LensCoefficients lens = round == 0 ? LensCoefficients{} : RandomLens(random);
@@ -94,7 +119,7 @@ TEST(CpuRectification, LensesAreThoseOfTheReference) {
     FrameMemory in(RandomFormat(random), width, height, RandomSlack(random));
     FrameMemory out(RandomFormat(random), width, height, RandomSlack(random));
     in.Fill(samples);
-    cpu::RectifyRadialOnCpu(in.const_view(), out.view(), lens, &memory, nullptr);
+    RectifyRadial(in.const_view(), out.view(), lens, nullptr);
     ExpectModel(
         LensModel(samples, width, height, lens), out.Read(),
         std::to_string(width) + " x " + std::to_string(height) + " round " + std::to_string(round));
@@ -103,9 +128,8 @@ TEST(CpuRectification, LensesAreThoseOfTheReference) {
 }
 
 // Beyond the engine's frame everything is mirrored, again and again.
-TEST(CpuRectification, LensesThatShowFarMoreThanTheFrameMirrorIt) {
+TEST_F(CpuRectification, LensesThatShowFarMoreThanTheFrameMirrorIt) {
   std::mt19937 random(3);
-  OwnFrame memory;
   for (const float factor : {2.f, -3.f, 7.f, -12.5f}) {
     const auto [width, height] = RandomSize(random);
     const LensCoefficients lens = {factor, 0, 0, 0};
@@ -117,13 +141,12 @@ TEST(CpuRectification, LensesThatShowFarMoreThanTheFrameMirrorIt) {
     }
     FrameMemory in(PixelFormat::I420, width, height), out(PixelFormat::NV12, width, height);
     in.Fill(samples);
-    cpu::RectifyRadialOnCpu(in.const_view(), out.view(), lens, &memory, nullptr);
+    RectifyRadial(in.const_view(), out.view(), lens, nullptr);
     ExpectModel(LensModel(samples, width, height, lens), out.Read(), std::to_string(factor));
   }
 }
 
-TEST(CpuRectification, TheLargestCoefficientsStayWithinTheFrame) {
-  OwnFrame memory;
+TEST_F(CpuRectification, TheLargestCoefficientsStayWithinTheFrame) {
   const float most = kLargestCoefficient;
   for (const LensCoefficients& lens :
        {LensCoefficients{most, most, most, most}, LensCoefficients{-most, most, -most, most},
@@ -135,22 +158,21 @@ TEST(CpuRectification, TheLargestCoefficientsStayWithinTheFrame) {
         plane->assign(plane->size(), uint8_t{77});
       }
       in.Fill(samples);
-      cpu::RectifyRadialOnCpu(in.const_view(), out.view(), lens, &memory, nullptr);
+      RectifyRadial(in.const_view(), out.view(), lens, nullptr);
       EXPECT_TRUE(out.Read() == samples);
       EXPECT_TRUE(out.GuardsIntact());
     }
   }
 }
 
-TEST(CpuRectification, NothingToBendIsACopy) {
-  OwnFrame memory;
+TEST_F(CpuRectification, NothingToBendIsACopy) {
   for (const auto [width, height] : {Size{97, 133}, Size{64, 32}, Size{33, 35}}) {
     const Samples samples = NoiseSamples(width, height);
     for (const PixelFormat from : kAllFormats) {
       for (const PixelFormat to : kAllFormats) {
         FrameMemory in(from, width, height, 5), out(to, width, height, 2);
         in.Fill(samples);
-        cpu::RectifyOnCpu(in.const_view(), out.view(), 0, &memory, nullptr);
+        Rectify(in.const_view(), out.view(), 0, nullptr);
         EXPECT_TRUE(out.Read() == samples);
         EXPECT_TRUE(out.GuardsIntact());
       }
@@ -158,9 +180,8 @@ TEST(CpuRectification, NothingToBendIsACopy) {
   }
 }
 
-TEST(CpuRectification, AFrameMayLieOverItsSource) {
+TEST_F(CpuRectification, AFrameMayLieOverItsSource) {
   std::mt19937 random(4);
-  OwnFrame memory;
   for (int round = 0; round < 24; ++round) {
     const auto [width, height] = RandomSize(random);
     const Samples samples = NoiseSamples(width, height, static_cast<uint32_t>(round));
@@ -170,9 +191,9 @@ TEST(CpuRectification, AFrameMayLieOverItsSource) {
     const bool lens = round % 2 == 0;
     const auto rectify = [&](const FrameView& out, Report* report) {
       if (lens) {
-        cpu::RectifyRadialOnCpu(in.const_view(), out, LensCoefficients{}, &memory, report);
+        RectifyRadial(in.const_view(), out, LensCoefficients{}, report);
       } else {
-        cpu::RectifyOnCpu(in.const_view(), out, 17, &memory, report);
+        Rectify(in.const_view(), out, 17, report);
       }
     };
     rectify(apart.view(), nullptr);
@@ -194,13 +215,12 @@ TEST(CpuRectification, AFrameMayLieOverItsSource) {
   }
 }
 
-TEST(CpuRectification, RowsDrawnApartAreThoseOfTheWhole) {
+TEST_F(CpuRectification, RowsDrawnApartAreThoseOfTheWhole) {
   const Samples samples = NoiseSamples(161, 131);
   FrameMemory in(PixelFormat::NV21, 161, 131), whole(PixelFormat::NV12, 161, 131),
       parts(PixelFormat::NV12, 161, 131);
   in.Fill(samples);
-  OwnFrame memory;
-  cpu::RectifyRadialOnCpu(in.const_view(), whole.view(), LensCoefficients{}, &memory, nullptr);
+  RectifyRadial(in.const_view(), whole.view(), LensCoefficients{}, nullptr);
   const cpu::Remap remap = cpu::LensRemap(161, 131, LensCoefficients{});
   const int pairs = cpu::RowPairs(in.const_view());
   for (const auto& [begin, end] : {std::pair(40, pairs), std::pair(0, 13), std::pair(13, 40)}) {
@@ -209,7 +229,7 @@ TEST(CpuRectification, RowsDrawnApartAreThoseOfTheWhole) {
   EXPECT_TRUE(parts.Read() == whole.Read());
 }
 
-TEST(CpuRectification, CamerasAreWhatTheirFilesSay) {
+TEST(CpuLens, CamerasAreWhatTheirFilesSay) {
   const TempDirectory root;
   WriteFile(root.file("sys/android_camera/sensor"), "back one\n");
   WriteFile(root.file("sys/android_camera2/sensor"), "front two\n");
