@@ -45,7 +45,11 @@ class CpuBackend final : public Backend {
     if (plan.slims) desk.slimming.Prepare(plan, in.width, in.height, desk.workers);
     TellBlocks(plan, in, report);
     stopwatch.Lap();
-    CopyFrame(in, out);  // asks for memory, if at all, before it writes
+    if (Overlap(in, out)) {
+      CopyFrame(in, out);  // asks for memory, if at all, before it writes
+    } else {
+      cpu::CopyInBands(in, out, desk.workers);
+    }
     report->upload_ms = stopwatch.Lap();
     if (plan.whitens) {
       desk.whitening.Draw(plan, out, desk.workers);

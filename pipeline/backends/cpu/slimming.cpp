@@ -115,7 +115,7 @@ void Slimming::DrawFace(const FacePlan& face, Chain chain, Beyond beyond, const 
   const Warp warp = WarpOf(face, chain, size);
   const WarpShape shape = ShapeOf(warp, size, chain == Chain::Capture);
   tile_.SetPlace(PlaceOf(face, size));
-  tile_.Load(AsConst(frame), beyond);
+  tile_.Load(AsConst(frame), beyond, workers);
   const PixelRectangle& place = tile_.place();
   for (int column = 0; column < place.width; ++column) {
     borders_[static_cast<size_t>(column)] = BorderAt(place.x + column, size.width, warp.edge_fade);

@@ -84,7 +84,7 @@ void Tile::SetPlace(const PixelRectangle& place) {
   if (needed > bytes_.size()) bytes_.resize(needed);
 }
 
-void Tile::Load(const ConstFrameView& frame, Beyond beyond) {
+void Tile::Load(const ConstFrameView& frame, Beyond beyond, Workers& workers) {
   uint8_t* const luma = bytes_.data();
   uint8_t* const chroma = luma + PlaneBytes(place_.height);
   const PixelRectangle inside = CutToImage(place_, frame.width, frame.height);
@@ -96,7 +96,7 @@ void Tile::Load(const ConstFrameView& frame, Beyond beyond) {
   view.planes[0] = luma + (inside.y - place_.y) * stride + (inside.x - place_.x);
   view.planes[1] = chroma + (inside.y - place_.y) / 2 * stride + (inside.x - place_.x);
   view.strides = {stride, stride, 0};
-  CopyFrame(PartOf(frame, inside), view);
+  CopyInBands(PartOf(frame, inside), view, workers);
 
   const int padded_width = RoundUpTo32(frame.width), padded_height = RoundUpTo32(frame.height);
   Surround({luma, place_.width, 1, place_.x, place_.y, place_.width, place_.height},
@@ -107,6 +107,15 @@ void Tile::Load(const ConstFrameView& frame, Beyond beyond) {
       {ChromaSize(frame.width), padded_width / 2}, {ChromaSize(frame.height), padded_height / 2},
       {inside.x / 2, inside.x / 2 + ChromaSize(inside.width)},
       {inside.y / 2, inside.y / 2 + ChromaSize(inside.height)}, beyond);
+}
+
+void CopyInBands(const ConstFrameView& in, const FrameView& out, Workers& workers) {
+  constexpr int kRows = 32;
+  workers.Run((in.height + kRows - 1) / kRows, [&](int band, int) {
+    const int y = band * kRows;
+    const PixelRectangle part = {0, y, in.width, std::min(kRows, in.height - y)};
+    CopyFrame(PartOf(in, part), PartOf(out, part));
+  });
 }
 
 }  // namespace lumora::cpu

@@ -9,6 +9,7 @@
 
 #include "lumora/geometry/rectangle.h"
 #include "lumora/pipeline/frame.h"
+#include "pipeline/backends/cpu/workers.h"
 
 namespace lumora::cpu {
 
@@ -28,7 +29,7 @@ class Tile {
   /// any place before.
   void SetPlace(const PixelRectangle& place);
   /// Copies what `frame` has there. Asks for no memory.
-  void Load(const ConstFrameView& frame, Beyond beyond);
+  void Load(const ConstFrameView& frame, Beyond beyond, Workers& workers);
 
   const PixelRectangle& place() const { return place_; }
   int stride() const { return place_.width; }  ///< bytes from row to row, in both planes
@@ -41,6 +42,9 @@ class Tile {
   PixelRectangle place_;
   std::vector<uint8_t> bytes_;
 };
+
+/// Copies a frame to memory that it shares no byte with, as CopyFrame does.
+void CopyInBands(const ConstFrameView& in, const FrameView& out, Workers& workers);
 
 /// The part of a frame in a rectangle with an even corner.
 template <typename Byte>

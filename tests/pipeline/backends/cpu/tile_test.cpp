@@ -36,6 +36,7 @@ TEST(Tile, HoldsTheFrameAndWhatLiesAroundIt) {
     return std::uniform_int_distribution<>(least, most)(random);
   };
   Tile tile;
+  cpu::Workers workers(2);
   for (int i = 0; i < 200; ++i) {
     const int width = whole(32, 150), height = whole(32, 120);
     FrameMemory memory(kAllFormats[i % 3], width, height, whole(0, 9));
@@ -47,7 +48,7 @@ TEST(Tile, HoldsTheFrameAndWhatLiesAroundIt) {
     if (place.x >= width || place.y >= height) continue;
     const Beyond beyond = i % 2 == 0 ? Beyond::Repeat : Beyond::Mirror;
     tile.SetPlace(place);
-    tile.Load(memory.const_view(), beyond);
+    tile.Load(memory.const_view(), beyond, workers);
     ASSERT_EQ(tile.stride(), place.width);
     const int chroma_width = (width + 1) / 2;
     for (int y = 0; y < place.height; ++y) {
