@@ -55,7 +55,7 @@ void SkinMask::MakeGrid(const Face& face, const Ellipse& outer) {
   step_ = std::max(1, std::max(bounds_.width, bounds_.height) / kGridSteps);
   columns_ = bounds_.width / step_ + 2;
   const int rows = bounds_.height / step_ + 2;
-  grid_.resize(static_cast<size_t>(columns_) * static_cast<size_t>(rows));
+  grid_.resize(static_cast<size_t>(columns_) * static_cast<size_t>(rows) + MaskRow::kBeyond);
   FillSkinGrid({bounds_.x, bounds_.y, step_, columns_, rows}, face, outer, grid_.data());
 }
 

@@ -23,6 +23,9 @@ namespace lumora {
 ///
 /// each operation rounded by itself, and 0 outside of `held`.
 struct MaskRow {
+  /// So many floats behind those of a row may be read, which mean something else or nothing.
+  static constexpr int kBeyond = 16;
+
   const float* above = nullptr;  ///< the grid's numbers above the row or on it
   const float* below = nullptr;  ///< those of the next row of the grid
   float down = 0;                ///< how far the row lies from the first to the second, below 1

@@ -39,12 +39,14 @@ void MaskWeights(const MaskRow& row, const MaskTaps& taps, const RowSpan& column
     }
     const auto at = hn::Iota(whole, column);
     const auto held = hn::AndNot(hn::Lt(at, begin), hn::Lt(at, end));
-    // Numbers of columns that are not held may lie beyond the grid.
-    const auto number = hn::IfThenElseZero(held, hn::LoadU(whole, taps.numbers() + column));
+    // A vector's columns lie between no more numbers than it has lanes.
+    const int first = taps.numbers()[column];
+    const auto number = hn::IndicesFromVec(
+        d, hn::Sub(hn::LoadU(whole, taps.numbers() + column), hn::Set(whole, first)));
     const F right = hn::LoadU(d, taps.shares() + column);
     const auto along = [&](const float* numbers) HWY_ATTR {
-      const F left = hn::GatherIndex(d, numbers, number);
-      const F next = hn::GatherIndex(d, numbers + 1, number);
+      const F left = hn::TableLookupLanes(hn::LoadU(d, numbers + first), number);
+      const F next = hn::TableLookupLanes(hn::LoadU(d, numbers + first + 1), number);
       return hn::Add(left, hn::Mul(right, hn::Sub(next, left)));
     };
     const F top = along(row.above);
