@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 
 #include "lumora/geometry/rounding.h"
@@ -11,6 +12,7 @@
 #include "pipeline/backends/cpu/tile.h"
 #include "pipeline/frames/frame_copy.h"
 #include "pipeline/frames/frame_layout.h"
+#include "pipeline/plan/face_means.h"
 #include "pipeline/support/angles.h"
 
 namespace lumora::cpu {
@@ -21,7 +23,7 @@ size_t ColumnsOf(const SkinMask& mask) {
   return static_cast<size_t>(RoundUpTo32(mask.bounds().width));
 }
 
-WhitenTone ToneOf(const WhiteningJob& job, Chain chain) {
+WhitenTone ToneOf(const WhiteningJob& job, const WhiteningShifts& shifts, Chain chain) {
   const Ellipse& outer = job.outer;
   const double angle = static_cast<double>(outer.angle_degrees) / kDegreesPerRadian;
   const auto cosine = static_cast<float>(std::cos(angle));
@@ -31,12 +33,24 @@ WhitenTone ToneOf(const WhiteningJob& job, Chain chain) {
   tone.along_y = sine / outer.half_along;
   tone.across_x = -sine / outer.half_across;
   tone.across_y = cosine / outer.half_across;
-  tone.gain = static_cast<float>(std::exp(kLogitSlope * static_cast<double>(job.shifts.intensity)));
-  tone.saturation = job.shifts.saturation / 255;
+  tone.gain = static_cast<float>(std::exp(kLogitSlope * static_cast<double>(shifts.intensity)));
+  tone.saturation = shifts.saturation / 255;
   tone.darkest = job.mask.darkest();
   tone.luma_scale = 1 / (job.mask.lit() - job.mask.darkest());
   tone.round_rgb = chain == Chain::Preview;  // whose colours go through an image on their way
   return tone;
+}
+
+bool Meet(const PixelRectangle& a, const PixelRectangle& b) {
+  return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+}
+
+/// What the levels of a face come to in the frame as it is.
+WhiteningShifts ShiftsIn(const ConstFrameView& frame, const FACE_INFO_t& record,
+                         const WhiteningJob& job) {
+  const FaceMeans means = MeansOf(frame, MeasureFace(record));
+  return ComputeShifts({means.intensity, means.saturation, 1}, job.intensity_level,
+                       job.saturation_level);
 }
 
 /// Two rows of a frame as kernels take them: what lies beyond an odd border repeats it.
@@ -92,14 +106,25 @@ void Whitening::Prepare(const FramePlan& plan, const Workers& workers) {
 }
 
 void Whitening::Draw(const FramePlan& plan, const FrameView& frame, Workers& workers) {
-  for (const WhiteningJob& job : plan.whitening.jobs) DrawFace(job, plan.chain, frame, workers);
+  const std::vector<WhiteningJob>& jobs = plan.whitening.jobs;
+  for (size_t i = 0; i < jobs.size(); ++i) {
+    const WhiteningJob& job = jobs[i];
+    // A face that lies over others is measured as they have left it.
+    const bool is_over = std::any_of(jobs.begin(), jobs.begin() + static_cast<std::ptrdiff_t>(i),
+                                     [&job](const WhiteningJob& earlier) {
+                                       return Meet(earlier.mask.bounds(), job.mask.bounds());
+                                     });
+    const WhiteningShifts shifts =
+        is_over ? ShiftsIn(AsConst(frame), plan.faces[job.face].record, job) : job.shifts;
+    DrawFace(job, shifts, plan.chain, frame, workers);
+  }
 }
 
-void Whitening::DrawFace(const WhiteningJob& job, Chain chain, const FrameView& frame,
-                         Workers& workers) {
+void Whitening::DrawFace(const WhiteningJob& job, const WhiteningShifts& shifts, Chain chain,
+                         const FrameView& frame, Workers& workers) {
   const PixelRectangle bounds = CutToImage(job.mask.bounds(), frame.width, frame.height);
   if (IsEmpty(bounds)) return;
-  const WhitenTone tone = ToneOf(job, chain);
+  const WhitenTone tone = ToneOf(job, shifts, chain);
   taps_.Set(job.mask.RowAt(bounds.y).step, ColumnsOf(job.mask) + kWhitenColumns);
   workers.Run((bounds.height + 1) / 2, [&](int pair, int worker) {
     const auto offset = static_cast<size_t>(worker) * columns_;

@@ -21,7 +21,8 @@ class Whitening {
   void Draw(const FramePlan& plan, const FrameView& frame, Workers& workers);
 
  private:
-  void DrawFace(const WhiteningJob& job, Chain chain, const FrameView& frame, Workers& workers);
+  void DrawFace(const WhiteningJob& job, const WhiteningShifts& shifts, Chain chain,
+                const FrameView& frame, Workers& workers);
 
   size_t columns_ = 0;  // that the memory is for
   MaskTaps taps_;
