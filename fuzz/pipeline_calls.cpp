@@ -107,7 +107,7 @@ bool IsSound(const View& view, const View& whole) {
 lumora::Pipeline& ThePipeline() {
   static lumora::Pipeline& pipeline = []() -> lumora::Pipeline& {
     lumora::Status status;
-    auto made = lumora::Pipeline::Create(&status);
+    auto made = lumora::Pipeline::Create({lumora::Device::Gl}, &status);
     Require(made != nullptr, "there is a pipeline");
     return *made.release();  // outlives the driver's own end
   }();

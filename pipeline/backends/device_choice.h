@@ -19,16 +19,36 @@ struct DeviceChoice {
   std::string reason;
 };
 
+/// What can be chosen from. Each answer may cost more than the one before, so nothing is asked that
+/// does not matter.
+class Candidates {
+ public:
+  virtual ~Candidates() = default;
+  virtual bool HasGpuNode() = 0;
+  /// Opens gl, in place of what is open.
+  virtual Status OpenGl() = 0;
+  /// What gl, which is open, runs on.
+  virtual DeviceInfo GlDevice() = 0;
+  /// Opens cpu, in place of what is open.
+  virtual Status OpenCpu() = 0;
+};
+
+/// Opens the device that was asked for, or that the setting names where that was Auto: null or
+/// empty is no setting. Auto is gl on a renderer that is hardware, and cpu everywhere else.
+/// Failure: InvalidArgument for what is no device; what opening a device came back with, but
+/// NoDisplay only where it had to be gl.
+Status ChooseDevice(Device asked, const char* setting, Candidates& candidates,
+                    DeviceChoice* choice);
+
+/// Whether a renderer of GL is a program for the CPU.
+bool IsSoftware(const DeviceInfo& device);
+
 /// What a backend tells, with what the choice adds to it.
 inline DeviceInfo Chosen(const DeviceChoice& choice, DeviceInfo info) {
   info.device = choice.device;
   info.reason = choice.reason;
   return info;
 }
-
-/// What a request for `asked` comes to where the setting is `setting`, null or empty when there is
-/// none. The reason is empty for Auto. InvalidArgument for what is no device.
-Status SettleWish(Device asked, const char* setting, DeviceChoice* wish);
 
 }  // namespace lumora
 

@@ -3,32 +3,64 @@
 
 #include <cstdlib>
 
+#include "pipeline/backends/gl_module.h"
+#include "pipeline/backends/gpu_nodes.h"
 #include "pipeline/support/failure.h"
 
 namespace lumora {
 namespace {
 
-template <typename Made>
-Status Open(Device device, Status (*make_gl)(std::unique_ptr<Made>*), std::unique_ptr<Made>* made,
-            DeviceChoice* choice) {
-  if (Status status = SettleWish(device, std::getenv(kDeviceSetting), choice); !status.ok()) {
-    return status;
-  }
-  if (choice->device == Device::Cpu) return Invalid("this library has no device cpu yet");
-  if (choice->device == Device::Auto) *choice = {Device::Gl, "it is the only one"};
-  return make_gl(made);
+/// What the environment says; null when it does not.
+const char* Setting(const char* name) {
+  const char* const text = std::getenv(name);
+  return text != nullptr && *text != '\0' ? text : nullptr;
 }
+
+/// The backends of this machine. What is opened is left at `made`.
+template <typename Made>
+class Machine : public Candidates {
+ public:
+  using MakeGl = Status (*GlModule::*)(std::unique_ptr<Made>*);
+
+  Machine(MakeGl make_gl, std::unique_ptr<Made>* made) : make_gl_(make_gl), made_(made) {}
+
+  bool HasGpuNode() override {
+    const char* const root = Setting("LUMORA_SYSTEM_ROOT");
+    return lumora::HasGpuNode(root != nullptr ? root : "");
+  }
+  Status OpenGl() override {
+    made_->reset();
+    const GlModule* module = nullptr;
+    if (Status status = FindGlModule(&module); !status.ok()) return status;
+    return (module->*make_gl_)(made_);
+  }
+  DeviceInfo GlDevice() override { return (*made_)->Device(); }
+  Status OpenCpu() override {
+    made_->reset();
+    return Invalid("this library has no device cpu yet");
+  }
+
+ private:
+  MakeGl make_gl_;
+  std::unique_ptr<Made>* made_;
+};
 
 }  // namespace
 
 Status OpenBackend(Device device, int /*threads*/, std::unique_ptr<Backend>* backend,
                    DeviceChoice* choice) {
-  return Open(device, MakeGlBackend, backend, choice);
+  const char* const setting = Setting(kDeviceSetting);
+  if (device == Device::Auto && setting == nullptr) device = Device::Gl;
+  Machine<Backend> machine(&GlModule::make_backend, backend);
+  return ChooseDevice(device, setting, machine, choice);
 }
 
 Status OpenConverter(Device device, std::unique_ptr<ConverterBackend>* converter,
                      DeviceChoice* choice) {
-  return Open(device, MakeGlConverter, converter, choice);
+  const char* const setting = Setting(kDeviceSetting);
+  if (device == Device::Auto && setting == nullptr) device = Device::Gl;
+  Machine<ConverterBackend> machine(&GlModule::make_converter, converter);
+  return ChooseDevice(device, setting, machine, choice);
 }
 
 }  // namespace lumora

@@ -28,7 +28,7 @@ class PipelineTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     Status status;
-    pipeline_ = Pipeline::Create(&status);
+    pipeline_ = Pipeline::Create({Device::Gl}, &status);
     ASSERT_NE(pipeline_, nullptr) << status.message;
   }
   static void TearDownTestSuite() { pipeline_.reset(); }

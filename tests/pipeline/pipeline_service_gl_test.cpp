@@ -165,7 +165,7 @@ TEST_F(PipelineTest, LivesBesideOthersAndOutlivesThem) {
 
   std::vector<std::unique_ptr<Pipeline>> others;
   for (int i = 0; i < 3; ++i) {
-    others.push_back(Pipeline::Create(nullptr));
+    others.push_back(Pipeline::Create({Device::Gl}, nullptr));
     ASSERT_NE(others.back(), nullptr);
   }
   std::vector<int> wrong(others.size(), 0);
@@ -190,16 +190,16 @@ TEST_F(PipelineTest, LivesBesideOthersAndOutlivesThem) {
 TEST(PipelineCreate, WithoutAContextGivesNullAndASentence) {
   const NoContexts fault;
   Status status;
-  EXPECT_EQ(Pipeline::Create(&status), nullptr);
+  EXPECT_EQ(Pipeline::Create({Device::Gl}, &status), nullptr);
   EXPECT_EQ(status.code, StatusCode::NoDisplay);
   EXPECT_FALSE(status.message.empty());
-  EXPECT_EQ(Pipeline::Create(nullptr), nullptr);
+  EXPECT_EQ(Pipeline::Create({Device::Gl}, nullptr), nullptr);
 }
 
 TEST(PipelineCreate, WorksAgainAndAgain) {
   for (int i = 0; i < 3; ++i) {
     Status status{StatusCode::EngineFailed, "old"};
-    const auto pipeline = Pipeline::Create(&status);
+    const auto pipeline = Pipeline::Create({Device::Gl}, &status);
     ASSERT_NE(pipeline, nullptr) << status.message;
     EXPECT_TRUE(status.ok());
     EXPECT_TRUE(status.message.empty());

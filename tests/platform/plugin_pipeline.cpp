@@ -3,6 +3,6 @@
 #include "lumora/pipeline/pipeline.h"
 
 extern "C" __attribute__((visibility("default"))) int Work() {
-  const auto pipeline = lumora::Pipeline::Create(nullptr);
+  const auto pipeline = lumora::Pipeline::Create({lumora::Device::Gl}, nullptr);
   return pipeline != nullptr && !pipeline->Device().renderer.empty() ? 1 : 0;
 }

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Compares one aspect of a shared library with what is committed, or renews that with UPDATE.
 #
-#   cmake -DKIND=<symbols|pages|types> -DLIBRARY=<file> -DNAME=<target> -DCOMMITTED=<folder> -DTOOLCHAIN=<text>
+#   cmake -DKIND=<symbols|pages|drivers|types> -DLIBRARY=<file> -DNAME=<target> -DCOMMITTED=<folder> -DTOOLCHAIN=<text>
 #         -DHEADERS=<folder> -DNM= -DREADELF= -DABIDW= -DABIDIFF= -DSCRATCH=<folder> [-DUPDATE=ON] -P
 cmake_minimum_required(VERSION 3.25)
 
@@ -64,6 +64,18 @@ function(check_pages)
       message(FATAL_ERROR "${NAME}: not aligned to 0x4000:${segment}")
     endif()
   endforeach()
+endfunction()
+
+# The library itself takes no driver along.
+function(check_drivers)
+  run(table "${READELF}" -dW "${LIBRARY}")
+  string(REGEX MATCHALL "\\(NEEDED\\)[^\n]*" needed "${table}")
+  if(NOT needed)
+    message(FATAL_ERROR "nothing is known of what ${LIBRARY} needs")
+  endif()
+  if(needed MATCHES "libLumora\\.|EGL|GL|vulkan")
+    message(FATAL_ERROR "${NAME} needs what only its module may: ${needed}")
+  endif()
 endfunction()
 
 # Types, functions and variables that the headers declare: abidiff's view of a changed layout.

@@ -146,7 +146,7 @@ const Operation kRefusals[] = {
 template <typename Owner>
 std::unique_ptr<Owner> Make() {
   Status status;
-  std::unique_ptr<Owner> made = Owner::Create(&status);
+  std::unique_ptr<Owner> made = Owner::Create({Device::Gl}, &status);
   EXPECT_TRUE(status.ok()) << status.message;
   return made;
 }
@@ -233,7 +233,7 @@ TYPED_TEST(CreationAllocations, GiveAnObjectOrASentence) {
   Make<TypeParam>();
   std::unique_ptr<TypeParam> made;
   Status status;
-  const auto create = [&] { made = TypeParam::Create(&status); };
+  const auto create = [&] { made = TypeParam::Create({Device::Gl}, &status); };
   const Requests all = WithRefusal({}, create);
   EXPECT_GE(all.made, 3);
   ForEachRefusal(all.made, [&](const Refusal& refusal) {
@@ -243,7 +243,7 @@ TYPED_TEST(CreationAllocations, GiveAnObjectOrASentence) {
     EXPECT_GE(requests.refused, 1);
     EXPECT_EQ(made != nullptr, status.ok());
     EXPECT_EQ(status.ok(), status.message.empty());
-    EXPECT_FALSE(WithRefusal(refusal, [&] { TypeParam::Create(nullptr); }).thrown);
+    EXPECT_FALSE(WithRefusal(refusal, [&] { TypeParam::Create({Device::Gl}, nullptr); }).thrown);
     EXPECT_NE(nullptr, Make<TypeParam>());
   });
   // An end asks for nothing.

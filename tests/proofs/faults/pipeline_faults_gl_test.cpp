@@ -99,7 +99,7 @@ class PipelineFaults : public testing::TestWithParam<int> {
 };
 
 TEST_P(PipelineFaults, GiveTheFrameOrASentence) {
-  pipeline_ = Pipeline::Create(nullptr);
+  pipeline_ = Pipeline::Create({Device::Gl}, nullptr);
   ASSERT_NE(nullptr, pipeline_);
   Run();
   ChangeSize();
@@ -138,10 +138,10 @@ INSTANTIATE_TEST_SUITE_P(Operations, PipelineFaults, testing::Range(0, 6),
 TEST(PipelineCreation, GivesAPipelineOrASentence) {
   const LogCapture log;
   CallCounts counts{};
-  Pipeline::Create(nullptr);
+  Pipeline::Create({Device::Gl}, nullptr);
   {
     const FaultScope scope;
-    Pipeline::Create(nullptr);
+    Pipeline::Create({Device::Gl}, nullptr);
     counts = scope.counts();
   }
   const std::vector<Fault> faults = FaultsOf(counts);
@@ -151,12 +151,12 @@ TEST(PipelineCreation, GivesAPipelineOrASentence) {
     {
       const FaultScope scope(fault);
       Status status;
-      const std::unique_ptr<Pipeline> pipeline = Pipeline::Create(&status);
+      const std::unique_ptr<Pipeline> pipeline = Pipeline::Create({Device::Gl}, &status);
       EXPECT_EQ(pipeline != nullptr, status.ok());
       EXPECT_EQ(status.ok(), status.message.empty());
       EXPECT_EQ(1, scope.failed());
     }
-    EXPECT_NE(nullptr, Pipeline::Create(nullptr));
+    EXPECT_NE(nullptr, Pipeline::Create({Device::Gl}, nullptr));
   }
   TellInjected(faults.size());
 }

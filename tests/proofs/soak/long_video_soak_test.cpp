@@ -19,7 +19,7 @@ constexpr Look kLook = {80, 60, 40};
 /// A pipeline with frames to take from and to write to.
 class Projector {
  public:
-  Projector() : pipeline_(Pipeline::Create(nullptr)) {}
+  Projector() : pipeline_(Pipeline::Create({Device::Gl}, nullptr)) {}
 
   Samples show(const StreetFrame& frame, Report* report = nullptr, Chain chain = Chain::Auto) {
     in_.Fill(frame.samples);

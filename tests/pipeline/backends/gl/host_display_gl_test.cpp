@@ -69,7 +69,7 @@ class HostContext {
 template <typename Owner>
 std::unique_ptr<Owner> Make() {
   Status status;
-  std::unique_ptr<Owner> made = Owner::Create(&status);
+  std::unique_ptr<Owner> made = Owner::Create({Device::Gl}, &status);
   Require(made != nullptr, status.message.c_str());
   return made;
 }

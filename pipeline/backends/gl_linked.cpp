@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+// The gl backend as a part that is linked in.
+#include "pipeline/backends/gl_module.h"
+
+namespace lumora {
+
+Status FindGlModule(const GlModule** module) {
+  *module = lumora_pipeline_gl();
+  return {};
+}
+
+}  // namespace lumora
