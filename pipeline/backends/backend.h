@@ -49,7 +49,7 @@ class ConverterBackend {
                          Report* report) = 0;
 
   /// What it runs on.
-  virtual DeviceInfo Device() { return {}; }
+  virtual DeviceInfo Device() = 0;
 };
 
 /// The engine, and its converter, each on a thread of its own. NoDisplay where there is none.

@@ -2,10 +2,11 @@
 #include "pipeline/backends/open_backend.h"
 
 #include <cstdlib>
+#include <functional>
+#include <utility>
 
 #include "pipeline/backends/gl_module.h"
 #include "pipeline/backends/gpu_nodes.h"
-#include "pipeline/support/failure.h"
 
 namespace lumora {
 namespace {
@@ -21,8 +22,10 @@ template <typename Made>
 class Machine : public Candidates {
  public:
   using MakeGl = Status (*GlModule::*)(std::unique_ptr<Made>*);
+  using MakeCpu = std::function<Status(std::unique_ptr<Made>*)>;
 
-  Machine(MakeGl make_gl, std::unique_ptr<Made>* made) : make_gl_(make_gl), made_(made) {}
+  Machine(MakeGl make_gl, MakeCpu make_cpu, std::unique_ptr<Made>* made)
+      : make_gl_(make_gl), make_cpu_(std::move(make_cpu)), made_(made) {}
 
   bool HasGpuNode() override {
     const char* const root = Setting("LUMORA_SYSTEM_ROOT");
@@ -37,30 +40,28 @@ class Machine : public Candidates {
   DeviceInfo GlDevice() override { return (*made_)->Device(); }
   Status OpenCpu() override {
     made_->reset();
-    return Invalid("this library has no device cpu yet");
+    return make_cpu_(made_);
   }
 
  private:
   MakeGl make_gl_;
+  MakeCpu make_cpu_;
   std::unique_ptr<Made>* made_;
 };
 
 }  // namespace
 
-Status OpenBackend(Device device, int /*threads*/, std::unique_ptr<Backend>* backend,
+Status OpenBackend(Device device, int threads, std::unique_ptr<Backend>* backend,
                    DeviceChoice* choice) {
-  const char* const setting = Setting(kDeviceSetting);
-  if (device == Device::Auto && setting == nullptr) device = Device::Gl;
-  Machine<Backend> machine(&GlModule::make_backend, backend);
-  return ChooseDevice(device, setting, machine, choice);
+  const auto make_cpu = [threads](auto* made) { return MakeCpuBackend(threads, made); };
+  Machine<Backend> machine(&GlModule::make_backend, make_cpu, backend);
+  return ChooseDevice(device, Setting(kDeviceSetting), machine, choice);
 }
 
 Status OpenConverter(Device device, std::unique_ptr<ConverterBackend>* converter,
                      DeviceChoice* choice) {
-  const char* const setting = Setting(kDeviceSetting);
-  if (device == Device::Auto && setting == nullptr) device = Device::Gl;
-  Machine<ConverterBackend> machine(&GlModule::make_converter, converter);
-  return ChooseDevice(device, setting, machine, choice);
+  Machine<ConverterBackend> machine(&GlModule::make_converter, MakeCpuConverter, converter);
+  return ChooseDevice(device, Setting(kDeviceSetting), machine, choice);
 }
 
 }  // namespace lumora
