@@ -89,8 +89,9 @@ TEST_F(VideoClip, TheLineForFfmpegDoesWhatWasWanted) {
     const std::string out = folder_ / name;
     const Result refused = RunLumora({"video", mp4, "-o", out, "--slim", "80", "--faces", faces_});
     const std::string line = refused.err.substr(refused.err.find('\n') + 1);
+    const std::string device = "export LUMORA_DEVICE=" + TestDevice() + "; ";
     const std::string path = "PATH='" + (folder_ / "") + "':\"$PATH\"; ";
-    EXPECT_EQ(std::system((path + line).c_str()), 0) << line;
+    EXPECT_EQ(std::system((device + path + line).c_str()), 0) << line;
     EXPECT_TRUE(TextOf(out) == expected) << line;
   }
 }
