@@ -10,7 +10,7 @@ namespace lumora {
 /// Which of two ways a frame is to take. The look is the same either way.
 enum class Chain {
   Auto,     ///< preview up to a width of 1280 pixels, capture above
-  Preview,  ///< the whole frame at once; sides are limited by the driver's textures
+  Preview,  ///< the whole frame at once; sides are limited by the driver's textures, on gl
   Capture,  ///< only the blocks around faces, for stills of any size
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// YUV frames to RGB and HSI images, on the GPU.
+// YUV frames to RGB and HSI images, on the GPU or the processor.
 #ifndef LUMORA_PIPELINE_CONVERTER_H_
 #define LUMORA_PIPELINE_CONVERTER_H_
 
@@ -13,15 +13,18 @@
 
 namespace lumora {
 
-/// Converts frames. Owns a converter of the engine library on a worker thread of its own; any
-/// number of converters and pipelines may live side by side.
+/// Converts frames. On gl it owns a converter of the engine library on a worker thread of its own;
+/// on cpu it works on its callers' threads. Any number of converters and pipelines may live side by
+/// side.
 ///
-/// Thread-safety: every member may be called from any thread; calls are served one after another.
+/// Thread-safety: every member may be called from any thread. On gl calls are served one after
+/// another; on cpu they run at once, each on its caller's thread.
 class LUMORA_PIPELINE_API Converter {
  public:
   /// A converter, which the caller owns, on a device as in PipelineOptions. Failure: null, and
   /// `status`, which may be null, tells why: InvalidArgument for a device, or a LUMORA_DEVICE, that
-  /// there is not; NoDisplay; EngineFailed where memory is short.
+  /// there is not; NoDisplay where it had to be gl, and there is none; EngineFailed where memory is
+  /// short.
   static std::unique_ptr<Converter> Create(lumora::Device device, Status* status);
 
   /// The same with Device::Auto.
@@ -37,7 +40,7 @@ class LUMORA_PIPELINE_API Converter {
   /// rows are not written. `report` may be null.
   ///
   /// Failure: both images are left as they were. InvalidArgument for frames and images that cannot
-  /// be used, TooLarge for a frame beyond the driver's textures, EngineFailed.
+  /// be used; on gl TooLarge for a frame beyond the driver's textures; EngineFailed.
   Status Convert(const ConstFrameView& in, const ImageView& rgb, const ImageView& hsi,
                  Report* report = nullptr);
 

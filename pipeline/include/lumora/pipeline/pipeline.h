@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // libLumoraPipeline: frames in, beautified frames out.
 //
-// The pipeline owns an engine on a worker thread of its own and may be called from any thread.
-// Every failure comes back as a Status with a sentence that can be shown to a user. Nothing is
-// thrown, and memory that is short ("out of memory") leaves everything fit for the next call.
+// A pipeline computes on one of two devices and may be called from any thread. On gl it owns an
+// engine of libLumora on a worker thread of its own; on cpu it computes the same looks on its
+// callers' threads, and takes neither a display nor a driver. The two differ by a few steps of 255
+// in what they change. Every failure comes back as a Status with a sentence that can be shown to a
+// user. Nothing is thrown, and memory that is short ("out of memory") leaves everything fit for the
+// next call.
 //
-// An EGL display that the first pipeline or converter initialises stays so until the process ends:
-// the host program may use the same display before, beside and after them.
+// What gl takes (libLumora, EGL, OpenGL ES and a module of this library) is loaded when gl is asked
+// for or may be chosen, and then stays. An EGL display that the first pipeline or converter
+// initialises stays so until the process ends: the host program may use the same display before,
+// beside and after them.
 #ifndef LUMORA_PIPELINE_PIPELINE_H_
 #define LUMORA_PIPELINE_PIPELINE_H_
 
@@ -29,10 +34,14 @@ inline constexpr int kMostThreads = 256;
 
 /// What a pipeline is to work with.
 struct PipelineOptions {
-  /// Auto: what the environment variable LUMORA_DEVICE names ("auto", "gl" or "cpu"), else the
-  /// pipeline's own choice.
+  /// Auto: what the environment variable LUMORA_DEVICE names ("auto", "gl" or "cpu"), else gl where
+  /// its renderer is hardware, and cpu where it is software or there is none. A machine that shows
+  /// no GPU below /dev is not asked for a renderer.
   lumora::Device device = lumora::Device::Auto;
-  int threads = 1;  ///< 1 to kMostThreads, how many work on one frame; without effect on gl
+
+  /// 1 to kMostThreads: how many threads work on one frame, the caller's among them, with the same
+  /// result whatever the number. Without effect on gl.
+  int threads = 1;
 };
 
 /// One frame to process, and how. Nothing in it is owned: planes and faces stay as they are until
@@ -47,14 +56,14 @@ struct FrameRequest {
 
 /// Beautifies and corrects frames.
 ///
-/// Thread-safety: every member may be called from any thread; calls are served one after another.
-/// Destruction, on any thread, comes after the last call has returned. Pipelines are independent of
-/// each other.
+/// Thread-safety: every member may be called from any thread. On gl calls are served one after
+/// another; on cpu they run at once, each on its caller's thread. Destruction, on any thread, comes
+/// after the last call has returned. Pipelines are independent of each other.
 class LUMORA_PIPELINE_API Pipeline {
  public:
   /// A pipeline, which the caller owns. Failure: null, and `status`, which may be null, tells why:
-  /// InvalidArgument for options, or a LUMORA_DEVICE, that cannot be used; NoDisplay; EngineFailed
-  /// where memory is short.
+  /// InvalidArgument for options, or a LUMORA_DEVICE, that cannot be used; NoDisplay where it had
+  /// to be gl, and there is none; EngineFailed where memory is short.
   static std::unique_ptr<Pipeline> Create(const PipelineOptions& options, Status* status);
 
   /// The same with no options set.
@@ -78,17 +87,17 @@ class LUMORA_PIPELINE_API Pipeline {
   /// cheeks or chin coincide with it. A face that leaves the frame is slimmed less and less. Any
   /// number of faces is processed, one after another where they overlap.
   ///
-  /// The result depends on nothing but the request. `report` may be null.
+  /// The result depends on nothing but the request and the device. `report` may be null.
   ///
   /// Failure: `out` is left as it was. InvalidArgument for frames, scales or faces that cannot be
-  /// used (a number of a face that is not finite, or beyond the bounds of Face); TooLarge for a
-  /// preview beyond the driver's textures; EngineFailed.
+  /// used (a number of a face that is not finite, or beyond the bounds of Face); on gl TooLarge for
+  /// a preview beyond the driver's textures; EngineFailed.
   Status Process(const FrameRequest& request, Report* report = nullptr);
 
   /// Keystone correction: `out` receives `in` mapped onto a quadrilateral of it. `degree`, -100 to
   /// 100, is in hundredths of the frame's size: a positive one shortens the left side of what is
   /// sampled by so much at both ends, a negative one the right; 0 is a copy. Frames, `report` and
-  /// failure as in Process; both sides end with the driver's textures.
+  /// failure as in Process; on gl both sides end with the driver's textures.
   Status Rectify(const ConstFrameView& in, const FrameView& out, int degree,
                  Report* report = nullptr);
 

@@ -27,7 +27,7 @@ struct FaceTone {
 /// and keeps its memory. After a failed call it is empty.
 struct Report {
   ChainUsed chain = ChainUsed::NoCall;
-  BufferKind buffer_kind = BufferKind::None;  ///< how CPU and GPU shared memory
+  BufferKind buffer_kind = BufferKind::None;  ///< gl: how CPU and GPU shared memory
   int faces = 0;                  ///< faces processed: those that can be, see Pipeline::Process
   std::vector<FaceTone> tones;    ///< the faces that were whitened
   std::vector<PixelRect> blocks;  ///< what was drawn, clipped to the frame: one rectangle a block
@@ -36,7 +36,7 @@ struct Report {
   double upload_ms = 0;  ///< copying the caller's frame in; 0 where nothing was done
   double whiten_ms = 0;  ///< whitening with its blending; set-up included; 0 when off
   double slim_ms = 0;    ///< slimming; set-up included; 0 when off
-  double engine_ms = 0;  ///< all of the engine's work: whitening, slimming, rectifying, converting
+  double engine_ms = 0;  ///< all of the drawing: whitening, slimming, rectifying, converting
   double download_ms = 0;  ///< copying the result out; where nothing was done the whole copy
 };
 

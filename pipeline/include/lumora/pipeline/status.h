@@ -11,9 +11,9 @@ namespace lumora {
 enum class StatusCode {
   Ok,
   InvalidArgument,  ///< the call's arguments cannot be used; nothing was done
-  NoDisplay,        ///< no EGL display or context could be had on this machine
-  TooLarge,         ///< the frame is larger than the driver's textures
-  EngineFailed,     ///< the engine refused to process (its log says why)
+  NoDisplay,        ///< gl: no EGL display or context, or no EGL, could be had on this machine
+  TooLarge,         ///< gl: the frame is larger than the driver's textures
+  EngineFailed,     ///< memory was short, or the engine refused to process (its log says why)
 };
 
 /// Success, or a code and a sentence that can be shown to a user.
