@@ -32,11 +32,11 @@ struct Report {
   std::vector<FaceTone> tones;    ///< the faces that were whitened
   std::vector<PixelRect> blocks;  ///< what was drawn, clipped to the frame: one rectangle a block
                                   ///< of a capture, the whole frame in the preview chain
-  double plan_ms = 0;    ///< working out what the look does to the faces, on the calling thread
-  double upload_ms = 0;  ///< copying the caller's frame in; 0 where nothing was done
-  double whiten_ms = 0;  ///< whitening with its blending; set-up included; 0 when off
-  double slim_ms = 0;    ///< slimming; set-up included; 0 when off
-  double engine_ms = 0;  ///< all of the drawing: whitening, slimming, rectifying, converting
+  double plan_ms = 0;      ///< working out what the look does to the faces, on the calling thread
+  double upload_ms = 0;    ///< copying the caller's frame in; 0 where nothing was done
+  double whiten_ms = 0;    ///< whitening with its blending; set-up included; 0 when off
+  double slim_ms = 0;      ///< slimming; set-up included; 0 when off
+  double engine_ms = 0;    ///< all of the drawing: whitening, slimming, rectifying, converting
   double download_ms = 0;  ///< copying the result out; where nothing was done the whole copy
 };
 
