@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pipeline/support/camera_lens.h"
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "lumora/engine/internal/lens_files.h"
@@ -18,7 +20,13 @@ namespace lumora {
 namespace {
 
 std::string SystemRoot() {
-  if (&platform::SystemRoot != nullptr) return platform::SystemRoot();
+  if (&platform::SystemRoot != nullptr) {
+    std::string root = platform::SystemRoot();
+    if (!root.empty()) return root;
+    // It is empty where memory was short, too: throws where it still is, and asks again.
+    std::make_unique<char[]>(PATH_MAX);
+    return platform::SystemRoot();
+  }
   const char* const set = std::getenv("LUMORA_SYSTEM_ROOT");
   std::string root = set != nullptr ? set : "";
   while (!root.empty() && root.back() == '/') root.pop_back();
