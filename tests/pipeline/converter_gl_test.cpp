@@ -25,7 +25,7 @@ class ConverterTest : public ::testing::Test {
  protected:
   void SetUp() override {
     Status status;
-    converter_ = Converter::Create(Device::Gl, &status);
+    converter_ = Converter::Create(TestedDevice(), &status);
     ASSERT_NE(converter_, nullptr) << status.message;
   }
   std::unique_ptr<Converter> converter_;
@@ -149,8 +149,8 @@ TEST_F(ConverterTest, LivesBesidePipelinesAndOtherConverters) {
   std::vector<std::thread> threads;
   for (size_t i = 0; i < wrong.size(); ++i) {
     threads.emplace_back([&, i] {
-      const auto pipeline = Pipeline::Create({Device::Gl}, nullptr);
-      const auto converter = Converter::Create(Device::Gl, nullptr);
+      const auto pipeline = Pipeline::Create({TestedDevice()}, nullptr);
+      const auto converter = Converter::Create(TestedDevice(), nullptr);
       FrameMemory mine(PixelFormat::NV21, 96, 64), out(PixelFormat::NV21, 96, 64);
       mine.Fill(samples);
       const Face face = FaceIn(96, 64);

@@ -39,7 +39,7 @@ Call Beautify(Look look, Chain chain) {
 
 Bytes ByPipeline(const Call& call) {
   Status status;
-  const auto pipeline = Pipeline::Create({Device::Gl}, &status);
+  const auto pipeline = Pipeline::Create({TestedDevice()}, &status);
   FrameMemory in(PixelFormat::NV21, kWidth, kHeight), out(PixelFormat::NV21, kWidth, kHeight);
   in.Fill(NoiseSamples(kWidth, kHeight));
   if (pipeline) status = call(*pipeline, in.const_view(), out.view());
@@ -49,7 +49,7 @@ Bytes ByPipeline(const Call& call) {
 
 Bytes ByConverter() {
   Status status;
-  const auto converter = Converter::Create(Device::Gl, &status);
+  const auto converter = Converter::Create(TestedDevice(), &status);
   FrameMemory in(PixelFormat::NV21, kWidth, kHeight);
   in.Fill(NoiseSamples(kWidth, kHeight));
   Bytes images(2, std::vector<uint8_t>(size_t{kWidth} * kHeight * 3));

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -23,12 +24,18 @@ inline Face FaceIn(int width, int height, float at_x = 0.5f) {
   return FaceFromEyes({at_x * w - 0.06f * w, y}, {at_x * w + 0.06f * w, y});
 }
 
+/// The device that tests of any device are run on: gl, or that of LUMORA_TEST_DEVICE.
+inline Device TestedDevice() {
+  const char* const name = std::getenv("LUMORA_TEST_DEVICE");
+  return name == nullptr ? Device::Gl : FindDevice(name).value();
+}
+
 /// All tests share one pipeline.
 class PipelineTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     Status status;
-    pipeline_ = Pipeline::Create({Device::Gl}, &status);
+    pipeline_ = Pipeline::Create({TestedDevice()}, &status);
     ASSERT_NE(pipeline_, nullptr) << status.message;
   }
   static void TearDownTestSuite() { pipeline_.reset(); }

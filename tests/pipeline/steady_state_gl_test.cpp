@@ -79,7 +79,7 @@ TEST_F(SteadyState, RectifiedFrames) {
 }
 
 TEST_F(SteadyState, ConvertedFrames) {
-  const auto converter = Converter::Create(Device::Gl, nullptr);
+  const auto converter = Converter::Create(TestedDevice(), nullptr);
   ASSERT_NE(nullptr, converter);
   std::vector<uint8_t> pixels(static_cast<size_t>(kWidth * kHeight) * 3);
   const ImageView image{pixels.data(), kWidth, kHeight, 3, kWidth * 3};

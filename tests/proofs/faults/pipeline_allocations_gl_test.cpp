@@ -3,6 +3,7 @@
 // the result or a sentence, nothing hangs and nothing is thrown, and the next call works.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -21,6 +22,12 @@ namespace lumora::test {
 namespace {
 
 constexpr int kFrameHeight = 64;
+
+// The device that everything is tried on: gl, or that of LUMORA_TEST_DEVICE.
+Device TestedDevice() {
+  const char* const name = std::getenv("LUMORA_TEST_DEVICE");
+  return name == nullptr ? Device::Gl : FindDevice(name).value();
+}
 
 // Directories whose names are longer than a text without memory of its own.
 class Surroundings {
@@ -146,7 +153,7 @@ const Operation kRefusals[] = {
 template <typename Owner>
 std::unique_ptr<Owner> Make() {
   Status status;
-  std::unique_ptr<Owner> made = Owner::Create({Device::Gl}, &status);
+  std::unique_ptr<Owner> made = Owner::Create({TestedDevice()}, &status);
   EXPECT_TRUE(status.ok()) << status.message;
   return made;
 }
@@ -233,7 +240,7 @@ TYPED_TEST(CreationAllocations, GiveAnObjectOrASentence) {
   Make<TypeParam>();
   std::unique_ptr<TypeParam> made;
   Status status;
-  const auto create = [&] { made = TypeParam::Create({Device::Gl}, &status); };
+  const auto create = [&] { made = TypeParam::Create({TestedDevice()}, &status); };
   const Requests all = WithRefusal({}, create);
   EXPECT_GE(all.made, 3);
   ForEachRefusal(all.made, [&](const Refusal& refusal) {
@@ -243,7 +250,8 @@ TYPED_TEST(CreationAllocations, GiveAnObjectOrASentence) {
     EXPECT_GE(requests.refused, 1);
     EXPECT_EQ(made != nullptr, status.ok());
     EXPECT_EQ(status.ok(), status.message.empty());
-    EXPECT_FALSE(WithRefusal(refusal, [&] { TypeParam::Create({Device::Gl}, nullptr); }).thrown);
+    EXPECT_FALSE(
+        WithRefusal(refusal, [&] { TypeParam::Create({TestedDevice()}, nullptr); }).thrown);
     EXPECT_NE(nullptr, Make<TypeParam>());
   });
   // An end asks for nothing.

@@ -37,7 +37,8 @@ struct Report {
   double whiten_ms = 0;    ///< whitening with its blending; set-up included; 0 when off
   double slim_ms = 0;      ///< slimming; set-up included; 0 when off
   double engine_ms = 0;    ///< all of the drawing: whitening, slimming, rectifying, converting
-  double download_ms = 0;  ///< copying the result out; where nothing was done the whole copy
+  double download_ms = 0;  ///< copying the result out; where nothing was done the whole copy;
+                           ///< cpu: 0, which draws in the output
 };
 
 }  // namespace lumora

@@ -266,7 +266,7 @@ TEST_F(WhiteningTest, AResultDoesNotDependOnWhatCameBefore) {
   }
   std::vector<Samples> first;
   for (const auto& [look, chain] : requests) {
-    const auto alone = Pipeline::Create({Device::Gl}, nullptr);
+    const auto alone = Pipeline::Create({TestedDevice()}, nullptr);
     FrameMemory in(PixelFormat::NV21, width, height), out(PixelFormat::NV21, width, height);
     in.Fill(samples);
     ASSERT_TRUE(alone->Process({in.const_view(), out.view(), faces, look, chain}).ok());
