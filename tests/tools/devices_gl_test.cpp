@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -14,6 +16,8 @@
 namespace lumora::test {
 namespace {
 
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 using testing::HasSubstr;
 
 using Words = std::vector<std::string>;
@@ -82,6 +86,113 @@ TEST_F(Devices, NoneWorksWhereNothingIsToBeDrawn) {
     ASSERT_EQ(result.exit_code, 0) << result.err;
     EXPECT_EQ(nlohmann::json::parse(result.out).at("device"), nullptr);
   }
+}
+
+/// A machine without a GPU, and places for caches that nobody has used.
+class Untouched {
+ public:
+  explicit Untouched(const Folder& folder) : caches_(folder / "caches") {
+    fs::create_directory(caches_);
+    fs::create_directory(folder / "root");
+    fs::last_write_time(caches_, kLongAgo);
+    environment_.set = {{"LUMORA_SYSTEM_ROOT", folder / "root"},
+                        {"LUMORA_CACHE_DIR", (caches_ / "lumora").string()},
+                        {"XDG_CACHE_HOME", caches_.string()},
+                        {"LD_DEBUG", "libs"},
+                        {"LD_DEBUG_OUTPUT", folder / "loaded"}};
+    loaded_ = folder / "";
+  }
+
+  Environment With(const std::string& device) const {
+    Environment environment = environment_;
+    environment.set.emplace_back("LUMORA_DEVICE", device);
+    return environment;
+  }
+
+  /// Whether not even a file was made and removed there.
+  bool Holds() const { return fs::last_write_time(caches_) == kLongAgo; }
+
+  /// What the dynamic linker did since the last call.
+  std::string Loaded() const {
+    std::string text;
+    for (const auto& entry : fs::directory_iterator(loaded_)) {
+      if (entry.path().stem() != "loaded") continue;
+      const Bytes bytes = ReadFile(entry.path().string());
+      text.append(bytes.begin(), bytes.end());
+      fs::remove(entry.path());
+    }
+    return text;
+  }
+
+ private:
+  static inline const fs::file_time_type kLongAgo = fs::file_time_type::clock::now() - 1000h;
+  fs::path caches_, loaded_;
+  Environment environment_;
+};
+
+TEST_F(Devices, TheProcessorNeedsNoDriverAndNoCache) {
+  const Untouched machine(folder_);
+  const auto drivers = testing::ContainsRegex("libEGL|libGLES|libvulkan|_dri|libLumora\\.so");
+  for (const std::string& device : {std::string("cpu"), std::string("auto"), std::string()}) {
+    for (const Words& words : {Photo(), Video(), Rectify(), Convert()}) {
+      SCOPED_TRACE(words.front() + " " + device);
+      const Result result = RunLumora(words, {}, machine.With(device));
+      EXPECT_EQ(result.exit_code, 0) << result.err;
+      EXPECT_EQ(result.err, "");
+      const std::string loaded = machine.Loaded();
+      EXPECT_THAT(loaded, HasSubstr("libLumoraPipeline"));
+      EXPECT_THAT(loaded, testing::Not(drivers));
+      EXPECT_TRUE(machine.Holds());
+    }
+  }
+  // That the question is asked the right way.
+  EXPECT_EQ(RunLumora(Photo(), {}, machine.With("gl")).exit_code, 0);
+  EXPECT_THAT(machine.Loaded(), drivers);
+  EXPECT_FALSE(machine.Holds());
+}
+
+TEST_F(Devices, WithoutADisplayTheProcessorWorks) {
+  Environment no_driver = {
+      {{"__EGL_VENDOR_LIBRARY_FILENAMES", "/dev/null"}, {"LUMORA_DEVICE", ""}}};
+  const Result doctor = RunLumora({"doctor", "--json"}, {}, no_driver);
+  EXPECT_EQ(doctor.exit_code, 0) << doctor.out << doctor.err;
+  EXPECT_EQ(doctor.err, "");
+  const auto report = nlohmann::json::parse(doctor.out);
+  if (report.at("no_gl") == nullptr) GTEST_SKIP() << "EGL is not dispatched to vendors here";
+  EXPECT_EQ(report.at("device"), "cpu");
+  EXPECT_THAT(report.at("no_gl").get<std::string>(), HasSubstr("display"));
+  EXPECT_GT(report.at("frame_ms").at("cpu").get<double>(), 0);
+  EXPECT_EQ(report.at("frame_ms").at("gl"), nullptr);
+  EXPECT_EQ(report.at("largest_difference"), nullptr);
+  EXPECT_THAT(RunLumora({"doctor"}, {}, no_driver).out, HasSubstr("\nNONE    gl     "));
+  for (const Words& words : {Photo(), Video(), Rectify(), Convert()}) {
+    SCOPED_TRACE(words.front());
+    EXPECT_EQ(RunLumora(words, {}, no_driver).exit_code, 0);
+    const Result asked = RunLumora(With(words, {"--device", "gl"}), {}, no_driver);
+    EXPECT_EQ(asked.exit_code, 4);
+    EXPECT_EQ(Lines(asked.err), 1) << asked.err;
+  }
+  EXPECT_EQ(RunLumora({"doctor", "--device", "gl"}, {}, no_driver).exit_code, 4);
+  EXPECT_EQ(RunLumora({"doctor", "--device", "cpu"}, {}, no_driver).exit_code, 0);
+}
+
+TEST_F(Devices, DoctorTriesBoth) {
+  const Result result = RunLumora({"doctor", "--json"});
+  ASSERT_EQ(result.exit_code, 0) << result.out << result.err;
+  const auto report = nlohmann::json::parse(result.out);
+  EXPECT_EQ(report.at("device"), TestDevice());
+  EXPECT_GT(report.at("frame_ms").at("cpu").get<double>(), 0);
+  EXPECT_GT(report.at("frame_ms").at("gl").get<double>(), 0);
+  EXPECT_GE(report.at("largest_difference").get<int>(), 0);
+  EXPECT_LE(report.at("largest_difference").get<int>(), 4);
+  const std::string text = RunLumora({"doctor"}).out;
+  for (const char* row : {"device            ", "cpu slimming", "gl slimming", "cpu whitening",
+                          "gl whitening", "same picture", "speed             cpu "}) {
+    EXPECT_THAT(text, HasSubstr(std::string("OK      ") + row));
+  }
+  const std::string one = RunLumora({"doctor", "--device", "cpu"}).out;
+  EXPECT_THAT(one, HasSubstr("device            cpu: it was asked for\n"));
+  EXPECT_THAT(one, testing::Not(HasSubstr("gl slimming")));
 }
 
 }  // namespace

@@ -39,8 +39,10 @@ bool MayStartMesa(Device device) {
     const char* const setting = std::getenv("LUMORA_DEVICE");
     device = FindDevice(setting != nullptr ? setting : "").value_or(Device::Auto);
   }
+  const char* const root = std::getenv("LUMORA_SYSTEM_ROOT");
+  const fs::path nodes = std::string(root != nullptr ? root : "") + "/dev/dri";
   std::error_code ignored;
-  return device == Device::Gl || (device == Device::Auto && fs::exists("/dev/dri", ignored));
+  return device == Device::Gl || (device == Device::Auto && fs::exists(nodes, ignored));
 }
 
 bool DriverCanCacheBelow(const fs::path& caches) {
