@@ -16,7 +16,10 @@ TEST(Bench, MeasuresEveryEffectAtEverySize) {
   const Result result = RunLumora({"bench", "--seconds", "0", "--largest", "12", "--json"});
   ASSERT_EQ(result.exit_code, 0) << result.err;
   const auto report = nlohmann::json::parse(result.out);
-  EXPECT_NE(report.at("renderer").get<std::string>(), "");
+  const bool on_gl = TestDevice() == "gl";
+  EXPECT_EQ(report.at("renderer").get<std::string>().empty(), !on_gl);
+  EXPECT_EQ(report.at("simd").get<std::string>().empty(), on_gl);
+  EXPECT_EQ(report.at("threads"), on_gl ? 0 : 1);
 
   using Row = std::tuple<std::string, int, std::string>;
   std::set<Row> expected, found;

@@ -98,7 +98,7 @@ TEST(Doctor, ReportsForMachines) {
   const auto report = nlohmann::json::parse(result.out);
   EXPECT_TRUE(report.at("ok").get<bool>());
   EXPECT_GE(report.at("checks").size(), 13u);
-  EXPECT_EQ(report.at("device"), "gl");
+  EXPECT_EQ(report.at("device"), TestDevice());
   EXPECT_EQ(report.at("reason"), "LUMORA_DEVICE asks for it");
   EXPECT_EQ(report.at("no_gl"), nullptr);
   EXPECT_GT(report.at("frame_ms").at("gl").get<double>(), 0);
@@ -173,7 +173,8 @@ TEST(DriverCache, IsNotMissedAloudWhereThereIsNoPlaceForIt) {
 
 TEST(NoDisplay, EndsWithCode4) {
   // Without a driver library there is no display.
-  const Environment no_driver = {{{"__EGL_VENDOR_LIBRARY_FILENAMES", "/dev/null"}}};
+  const Environment no_driver = {
+      {{"__EGL_VENDOR_LIBRARY_FILENAMES", "/dev/null"}, {"LUMORA_DEVICE", "gl"}}};
   const Folder folder;
   const Result doctor = RunLumora({"doctor"}, {}, no_driver);
   if (doctor.exit_code == 0) GTEST_SKIP() << "EGL is not dispatched to vendors here";

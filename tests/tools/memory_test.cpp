@@ -2,6 +2,7 @@
 #include "tools/lumora/support/memory.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -75,6 +76,18 @@ TEST(Memory, HalfOfItMayBeAskedFor) {
   EXPECT_NO_THROW(tools::CheckMemory(limit / 2, "in.png"));
   EXPECT_THROW(tools::CheckMemory(limit / 2 + 1, "in.png"), tools::Failure);
   EXPECT_THROW(tools::CheckMemory(limit, "in.png"), tools::Failure);
+}
+
+TEST(Memory, ThePeakIsWhatThisProgramHeld) {
+  constexpr size_t kHeld = 64 * kMiB;
+  const double before = tools::PeakMemory();
+  EXPECT_GT(before, 1);
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  EXPECT_LE(before, static_cast<double>(usage.ru_maxrss) / 1024 + 1);
+  const auto room = static_cast<size_t>(before) * kMiB + kHeld;
+  const std::vector<char> held(room, 'x');
+  EXPECT_GT(tools::PeakMemory(), before + static_cast<double>(kHeld / kMiB) - 1);
 }
 
 }  // namespace

@@ -153,7 +153,7 @@ TEST_F(PhotoPng, ReportAndSidePicturesTellWhatWasDone) {
   EXPECT_EQ(report.at("height"), 333);
   EXPECT_EQ(report.at("look").at("slim"), 100);
   EXPECT_EQ(report.at("chain"), "preview");
-  EXPECT_FALSE(report.at("buffer").get<std::string>().empty());
+  EXPECT_EQ(report.at("buffer").get<std::string>().empty(), TestDevice() == "cpu");
   EXPECT_GT(report.at("timings_ms").at("engine").get<double>(), 0);
   ASSERT_EQ(report.at("faces").size(), 1u);
   const auto& face = report.at("faces")[0];

@@ -139,9 +139,7 @@ class Doctor {
       trial.whitening = TestWhitening(retoucher);
       trial.frame_ms = Measure(retoucher, kTimed, kTimedSeconds).median_ms;
     } catch (const Failure& failure) {
-      const bool missing =
-          failure.code() == ExitCode::NoDisplay || failure.code() == ExitCode::Usage;
-      if (!missing || choice_.device == device) throw;
+      if (failure.code() != ExitCode::NoDisplay || choice_.device == device) throw;
       Tell(Name(device), Finding::Absent, failure.what());
       if (device == Device::Gl) no_gl_ = failure.what();
       return;
