@@ -2,6 +2,9 @@
 // The shared library on its own: everything that the headers declare can be linked.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "lumora/pipeline/converter.h"
@@ -12,6 +15,27 @@
 
 namespace lumora::test {
 namespace {
+
+// First, so that these threads are the first to want the module of the gl backend.
+TEST(SharedLibrary, MakesPipelinesAndConvertersOnAllThreadsAtOnce) {
+  std::vector<std::thread> threads;
+  std::array<std::array<std::string, 2>, 6> failures;
+  for (size_t i = 0; i < failures.size(); ++i) {
+    threads.emplace_back([&failure = failures[i], device = i % 3 == 0 ? Device::Cpu : Device::Gl] {
+      Status status;
+      const auto pipeline = Pipeline::Create({device}, &status);
+      failure[0] = pipeline != nullptr && pipeline->Device().device == device
+                       ? ""
+                       : "none: " + status.message;
+      const auto converter = Converter::Create(device, &status);
+      failure[1] = converter != nullptr && converter->Device().device == device
+                       ? ""
+                       : "none: " + status.message;
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const auto& [pipeline, converter] : failures) EXPECT_EQ(pipeline + converter, "");
+}
 
 TEST(SharedLibrary, OffersTheFaceAdapters) {
   const Face from_eyes = FaceFromEyes({100, 100}, {140, 100});
@@ -29,6 +53,7 @@ TEST(SharedLibrary, OffersThePipeline) {
   ASSERT_NE(pipeline, nullptr) << status.message;
   EXPECT_FALSE(pipeline->Device().renderer.empty());
   EXPECT_EQ(pipeline->Device().device, Device::Gl);
+  EXPECT_EQ(pipeline->Device().reason, "it was asked for");
   std::vector<uint8_t> bytes(64 * 64 * 3 / 2, 128);
   const FrameView frame{
       PixelFormat::NV21, 64, 64, {bytes.data(), bytes.data() + 64 * 64, nullptr}, {64, 64, 0}};
