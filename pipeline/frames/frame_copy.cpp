@@ -140,6 +140,10 @@ void PaddedFrame::Store(const FrameView& out) const {
   CopyApart(PackedView(luma(), chroma(), width_, place_, out.width, out.height), out);
 }
 
+ConstFrameView PaddedFrame::Part(const PixelRectangle& area) const {
+  return PackedView(luma(), chroma(), width_, {area.x, area.y}, area.width, area.height);
+}
+
 void PaddedFrame::StoreLuma(int row, RowSpan columns, const FrameView& out) const {
   const auto begin = static_cast<std::ptrdiff_t>(columns.begin);
   std::memcpy(out.planes[0] + row * out.strides[0] + begin,

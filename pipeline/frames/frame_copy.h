@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "lumora/geometry/rectangle.h"
 #include "lumora/geometry/rounding.h"
 #include "lumora/pipeline/frame.h"
 #include "pipeline/frames/row_span.h"
@@ -47,6 +48,9 @@ class PaddedFrame {
   /// another place have no such rows.
   void StoreLuma(int row, RowSpan columns, const FrameView& out) const;
   void StoreChroma(int row, RowSpan columns, const FrameView& out) const;
+
+  /// A part of it, at an even place, with even sides.
+  ConstFrameView Part(const PixelRectangle& area) const;
 
   int width() const { return width_; }    ///< pixels, and bytes from row to row in both planes
   int height() const { return height_; }  ///< pixels

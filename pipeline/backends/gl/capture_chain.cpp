@@ -42,7 +42,7 @@ Status WhitenCapture(const ChainFrame& chain, const FramePlan& plan) {
     if (!done) return EngineRefused();
     const android::FaceProcessRect& area = engine.m_rcFaceProcess[0];
     ReportBlocks(engine, {area.X, area.Y, area.Width, area.Height}, &chain.report);
-    Blend(work, job.mask, &frame, &chain.memory.weights);
+    Blend(work, {}, job.mask, &frame, &chain.memory.weights);
   }
   return {};
 }

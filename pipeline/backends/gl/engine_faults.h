@@ -12,6 +12,7 @@
 
 namespace lumora {
 
+inline constexpr char kNoContext[] = "the driver gives it no context";
 inline constexpr char kNoProgram[] = "a shader program could not be loaded";
 inline constexpr char kNoMemory[] = "there is not enough memory for its images";
 inline constexpr char kNotDrawable[] = "the driver cannot draw into its images";

@@ -57,12 +57,16 @@ Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const 
 
 Status EngineHost::RunEffects(const FramePlan& plan, Report* report) {
   const bool capture = plan.chain == Chain::Capture;
-  const ChainFrame frame = {setup_, frame_, memory_, *report};
+  const ChainFrame frame = {setup_, crop_setups_, frame_, memory_, *report};
   Stopwatch stopwatch;
   // A driver that failed may have left anything behind: the next frame finds a new set-up.
   const auto checked = [this](Status status) {
     if (status.ok()) status = CheckGlErrors();
-    if (!status.ok()) setup_.Release();
+    if (!status.ok()) {
+      crop_setups_.Release();
+      setup_.Release();
+      setup_.Use();
+    }
     return status;
   };
   ClearGlErrors();
@@ -104,7 +108,6 @@ Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, Frame
   Stopwatch stopwatch;
   frame_.Load(in, place);
   report->upload_ms = stopwatch.Lap();
-  // A set-up for whitening serves as well, so that a stream may change its mind.
   if (Status status = setup_.Preview(frame_.width(), frame_.height(), false); !status.ok()) {
     return status;
   }
@@ -131,7 +134,9 @@ Status EngineHost::Correct(const ConstFrameView& in, const FrameView& out, Frame
 
 void EngineHost::FreeMemory() {
   frame_ = PaddedFrame();
+  const bool whole_frames = memory_.whole_frames;
   memory_ = ChainMemory();
+  memory_.whole_frames = whole_frames;
 }
 
 }  // namespace lumora

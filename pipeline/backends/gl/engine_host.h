@@ -12,11 +12,11 @@
 
 namespace lumora {
 
-/// Owns one engine and runs frames through its chains.
+/// Owns the engines of one pipeline and runs frames through its chains.
 ///
-/// Thread: constructed, used and destroyed on one thread, which has no other engine. All operations
-/// leave `out` as it was when they fail, and `in` and `out` may be the same memory. Reports are
-/// empty before, and may be null.
+/// Thread: constructed, used and destroyed on one thread. All operations leave a context current
+/// and, when they fail, `out` as it was; `in` and `out` may be the same memory. Reports are empty
+/// before, and may be null.
 class EngineHost {
  public:
   /// Whether the engine has its context; nothing else may be called where it has none.
@@ -29,6 +29,11 @@ class EngineHost {
   Status RectifyRadial(const ConstFrameView& in, const FrameView& out, const Lens& lens,
                        Report* report);
 
+  /// Whitens whole frames from now on, as if crops did not pay.
+  void WhitenWholeFrames() { memory_.whole_frames = true; }
+  /// How many set-ups for crops were made so far.
+  int crop_setups_made() const { return crop_setups_.made(); }
+
  private:
   Status RunEffects(const FramePlan& plan, Report* report);
   /// The way of both corrections: `draw` draws from the input image to the first work image.
@@ -38,6 +43,7 @@ class EngineHost {
   void FreeMemory();
 
   EngineSetup setup_;
+  CropSetups crop_setups_;
   PaddedFrame frame_;
   ChainMemory memory_;
   ReportPlace reports_;

@@ -33,16 +33,24 @@ EngineSetup::EngineSetup() {
   if (engine_.m_bEGLReady) platform::KeepDisplay(engine_.m_eglDisplay);
 }
 
+bool EngineSetup::Use() {
+  if (!engine_.m_bEGLReady) return false;
+  return eglGetCurrentContext() == engine_.m_eglContext ||
+         eglMakeCurrent(engine_.m_eglDisplay, engine_.m_eglSurface, engine_.m_eglSurface,
+                        engine_.m_eglContext) != EGL_FALSE;
+}
+
 Status EngineSetup::Preview(int width, int height, bool colour) {
-  const bool fits = state_ == State::ColourPreview || (state_ == State::Preview && !colour);
-  if (fits && width == width_ && height == height_) return {};
+  if (!Use()) return NotSetUp(kNoContext);
+  const State state = colour ? State::ColourPreview : State::Preview;
+  if (state_ == state && width == width_ && height == height_) return {};
   if (Status status = CheckTextureSize(width, height); !status.ok()) return status;
   Release();
   int stride = 0;
   engine_.Init(width, height, width, height, &stride, colour);
   width_ = width;
   height_ = height;
-  return Keep(colour ? State::ColourPreview : State::Preview, PreviewFault(colour));
+  return Keep(state, PreviewFault(colour));
 }
 
 void EngineSetup::SetPreviewFilters(GLint filter) {
@@ -55,6 +63,7 @@ void EngineSetup::SetPreviewFilters(GLint filter) {
 }
 
 Status EngineSetup::CaptureBlocks(int width, int height) {
+  if (!Use()) return NotSetUp(kNoContext);
   Release();
   int stride = 0;
   engine_.InitCapture(nullptr, nullptr, width, height, &stride, true);
@@ -62,6 +71,7 @@ Status EngineSetup::CaptureBlocks(int width, int height) {
 }
 
 Status EngineSetup::CapturePlanes(PaddedFrame& frame) {
+  if (!Use()) return NotSetUp(kNoContext);
   if (Status status = CheckTextureSize(frame.width(), frame.height()); !status.ok()) return status;
   Release();
   int stride = 0;
@@ -92,12 +102,15 @@ void EngineSetup::UpdatePlanes(const PaddedFrame& frame, int first_row, int rows
 }
 
 void EngineSetup::Release() {
+  if (state_ == State::None) return;
+  Use();
   if (state_ == State::Preview || state_ == State::ColourPreview) engine_.DeInit();
   if (state_ == State::Blocks || state_ == State::Planes) {
     engine_.DeInitCapture();
     engine_.m_spLargeBuffer.clear();
   }
   state_ = State::None;
+  width_ = height_ = 0;
 }
 
 /// The engine's set-up itself does not tell whether it worked.

@@ -16,7 +16,9 @@ BEAUTYSHOT_EFFECT_t EngineEffect(Effect effect);
 /// Owns one engine and keeps to its order of calls: one set-up at a time, released by its own
 /// counterpart. A set-up that fails leaves the engine without one.
 ///
-/// Thread: constructed, used and destroyed on one thread, which has no other engine.
+/// Thread: constructed, used and destroyed on one thread. Where that has more engines, each set-up
+/// makes its own context current before it works; whoever used another one since asks for its
+/// set-up again.
 class EngineSetup {
  public:
   EngineSetup();
@@ -26,11 +28,15 @@ class EngineSetup {
 
   android::GPUBeautyFace& engine() { return engine_; }
 
+  /// Makes the engine's context the thread's. False where there is none or the driver refuses.
+  bool Use();
+
   /// The preview chain for frames of that size, kept as long as it fits. `colour` adds what
-  /// whitening needs; a set-up that has it serves slimming too.
+  /// whitening needs.
   Status Preview(int width, int height, bool colour);
-  /// Whether the preview set-up that there is has been made with `colour`.
-  bool has_colour() const { return state_ == State::ColourPreview; }
+  /// The size of the preview set-up that there is, 0 where there is none.
+  int width() const { return width_; }
+  int height() const { return height_; }
 
   /// Makes all images of the preview set-up be sampled with that filter. The engine's passes leave
   /// some with another one than they found, so that results would depend on the frames before.
@@ -56,7 +62,7 @@ class EngineSetup {
 
   android::GPUBeautyFace engine_;
   State state_ = State::None;
-  int width_ = 0;  // of the preview set-up
+  int width_ = 0;
   int height_ = 0;
 };
 

@@ -24,7 +24,7 @@ size_t RowStart(const PaddedFrame& frame, int row) {
 
 }  // namespace
 
-void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
+void Blend(const PaddedFrame& processed, FramePlace place, const SkinMask& mask, PaddedFrame* frame,
            std::vector<float>* memory) {
   const PixelRectangle& bounds = mask.bounds();
   if (IsEmpty(bounds)) return;
@@ -32,11 +32,13 @@ void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* fram
   memory->resize(2 * columns);
   float* const upper = memory->data();
   float* const lower = upper + columns;
+  const auto first_column = static_cast<size_t>(bounds.x);
+  const auto first_processed = static_cast<size_t>(bounds.x - place.left);
   const auto blend_luma = [&](int y, float* weights) {
     mask.Row(y, weights);
-    const size_t start = RowStart(*frame, y) + static_cast<size_t>(bounds.x);
-    uint8_t* const to = frame->luma() + start;
-    const uint8_t* const from = processed.luma() + start;
+    uint8_t* const to = frame->luma() + RowStart(*frame, y) + first_column;
+    const uint8_t* const from =
+        processed.luma() + RowStart(processed, y - place.top) + first_processed;
     for (size_t x = 0; x < columns; ++x) {
       weights[x] *= mask.ShareOf(to[x]);
       to[x] = Mix(to[x], from[x], weights[x]);
@@ -45,9 +47,9 @@ void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* fram
   for (int y = bounds.y; y < bounds.y + bounds.height; y += 2) {
     blend_luma(y, upper);
     blend_luma(y + 1, lower);
-    const size_t start = RowStart(*frame, y / 2) + static_cast<size_t>(bounds.x);
-    uint8_t* const to = frame->chroma() + start;
-    const uint8_t* const from = processed.chroma() + start;
+    uint8_t* const to = frame->chroma() + RowStart(*frame, y / 2) + first_column;
+    const uint8_t* const from =
+        processed.chroma() + RowStart(processed, (y - place.top) / 2) + first_processed;
     for (size_t x = 0; x < columns; x += 2) {
       const float weight = (upper[x] + upper[x + 1] + lower[x] + lower[x + 1]) / 4;
       to[x] = Mix(to[x], from[x], weight);

@@ -11,9 +11,9 @@
 
 namespace lumora {
 
-/// Moves the pixels of `frame` towards `processed`, of the same size, by the weights of `mask`.
-/// `memory` is for its own use.
-void Blend(const PaddedFrame& processed, const SkinMask& mask, PaddedFrame* frame,
+/// Moves the pixels of `frame` towards `processed`, a part of it that holds the bounds of `mask`
+/// and begins at `place`, by the weights of `mask`. `memory` is for its own use.
+void Blend(const PaddedFrame& processed, FramePlace place, const SkinMask& mask, PaddedFrame* frame,
            std::vector<float>* memory);
 
 /// Copies the pixels in a face's circle from `processed`, and the chroma samples with any pixel in

@@ -30,8 +30,8 @@ struct Report {
   BufferKind buffer_kind = BufferKind::None;  ///< gl: how CPU and GPU shared memory
   int faces = 0;                  ///< faces processed: those that can be, see Pipeline::Process
   std::vector<FaceTone> tones;    ///< the faces that were whitened
-  std::vector<PixelRect> blocks;  ///< what was drawn, clipped to the frame: one rectangle a block
-                                  ///< of a capture, the whole frame in the preview chain
+  std::vector<PixelRect> blocks;  ///< what the chain takes in, clipped to the frame: one rectangle
+                                  ///< a block of a capture, the whole frame in the preview chain
   double plan_ms = 0;      ///< working out what the look does to the faces, on the calling thread
   double upload_ms = 0;    ///< copying the caller's frame in; 0 where nothing was done
   double whiten_ms = 0;    ///< whitening with its blending; set-up included; 0 when off

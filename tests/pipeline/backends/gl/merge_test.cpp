@@ -70,7 +70,7 @@ TEST_F(MergeTest, ACircleIsCopiedWithEveryChromaSampleThatItTouchesAndNothingEls
 TEST_F(MergeTest, BlendingMovesEachPixelByItsWeight) {
   const Portrait portrait;
   std::vector<float> memory;
-  Blend(processed_, portrait.mask, &frame_, &memory);
+  Blend(processed_, {}, portrait.mask, &frame_, &memory);
   const float share = portrait.mask.ShareOf(60);
   for (int y = 0; y < kHeight; y += 3) {
     for (int x = 0; x < kWidth; x += 3) {
@@ -101,7 +101,7 @@ TEST(Blend, KeepsEverySampleOutsideTheEllipseInFramesOfOddSides) {
     const std::vector<Face> faces = {random.In(width, height)};
     const SkinMask mask(faces[0], WhiteningEllipses(faces[0])[kFaceEllipse], kSkin, width, height);
     frame.Copy(before);
-    Blend(processed, mask, &frame, &memory);
+    Blend(processed, {}, mask, &frame, &memory);
     const TouchedArea area(faces, {}, width, height);
     for (int y = 0; y < height; ++y) {
       for (int x = 0; x < width; ++x) {
@@ -132,7 +132,7 @@ TEST_F(MergeTest, BlendingMovesChromaByTheMeanWeightOfItsFourPixels) {
     processed_.chroma()[i + 1] = 20;
   }
   std::vector<float> memory;
-  Blend(processed_, portrait.mask, &frame_, &memory);
+  Blend(processed_, {}, portrait.mask, &frame_, &memory);
   const auto weight = [&](int x, int y) {
     return portrait.mask.ShareOf(before[static_cast<size_t>(y * kWidth + x)]) *
            portrait.WeightAt({static_cast<float>(x), static_cast<float>(y)});
