@@ -7,6 +7,10 @@
 
 namespace lumora::cpu {
 
+/// Floats from here on have no fractions: a sum with it is rounded to the nearest whole number, to
+/// the even one of two.
+constexpr float kNoFractions = 8388608;
+
 /// Positions along a row of a QuadMap: straight and even.
 struct QuadRow {
   float x, step_x;

@@ -57,38 +57,47 @@ struct Places {
   F x, y;
 };
 
-HWY_INLINE Places PlacesOf(const QuadRow& row, F x) {
-  return {hn::Add(Number(row.x), hn::Mul(Number(row.step_x), x)),
-          hn::Add(Number(row.y), hn::Mul(Number(row.step_y), x))};
-}
+// What a row has in common, in vectors: what is stored in between may be anything, so the compiler
+// would load and spread the numbers for every vector anew.
 
-HWY_INLINE Places PlacesOf(const LensRow& row, F x) {
-  const LensMap& map = row.map;
-  const F dx = hn::Sub(x, Number(map.centre_x));
-  const F s = hn::Add(hn::Mul(hn::Mul(dx, dx), Number(map.share_x)), Number(row.share));
-  F factor = hn::Add(Number(map.k[2]), hn::Mul(Number(map.k[3]), s));
-  factor = hn::Add(Number(map.k[1]), hn::Mul(factor, s));
-  factor = hn::Add(Number(map.k[0]), hn::Mul(factor, s));
-  return {hn::Add(Number(map.middle_x), hn::Mul(dx, factor)),
-          hn::Add(Number(map.middle_y), hn::Mul(Number(row.dy), factor))};
-}
+struct QuadPlaces {
+  explicit QuadPlaces(const QuadRow& row)
+      : x(Number(row.x)),
+        step_x(Number(row.step_x)),
+        y(Number(row.y)),
+        step_y(Number(row.step_y)) {}
 
-/// Positions in 1/256, seen from the centre of the pixel before the longer line: in the upper half
-/// of each lane the pixel behind the position, in the other the weight, times 256.
-HWY_INLINE W StepsAt(const RemapAxis& axis, F position) {
-  const Floats d;
-  const F period = Number(2 * axis.length);
-  const F zero = hn::Zero(d);
-  F inside = position;
-  // Within the line nothing is mirrored, and the formula gives the number itself.
-  if (!hn::AllTrue(d, hn::And(hn::Ge(position, zero), hn::Le(position, Number(axis.length))))) {
-    const F turns = hn::Floor(hn::Mul(position, Number(1 / (2 * axis.length))));
-    inside = hn::Min(hn::Max(hn::Sub(position, hn::Mul(turns, period)), zero), period);
-    inside = hn::Min(inside, hn::Sub(period, inside));
+  HWY_INLINE Places At(F column) const {
+    return {hn::Add(x, hn::Mul(step_x, column)), hn::Add(y, hn::Mul(step_y, column))};
   }
-  const F steps = hn::Add(hn::Mul(inside, Number(256.f)), Number(128.5f));
-  return hn::ShiftLeft<8>(hn::BitCast(Words(), hn::ConvertTo(Ints(), steps)));
-}
+
+  F x, step_x, y, step_y;
+};
+
+struct LensPlaces {
+  explicit LensPlaces(const LensRow& row)
+      : centre_x(Number(row.map.centre_x)),
+        share_x(Number(row.map.share_x)),
+        dy(Number(row.dy)),
+        share(Number(row.share)),
+        middle_x(Number(row.map.middle_x)),
+        middle_y(Number(row.map.middle_y)),
+        k0(Number(row.map.k[0])),
+        k1(Number(row.map.k[1])),
+        k2(Number(row.map.k[2])),
+        k3(Number(row.map.k[3])) {}
+
+  HWY_INLINE Places At(F column) const {
+    const F dx = hn::Sub(column, centre_x);
+    const F s = hn::Add(hn::Mul(hn::Mul(dx, dx), share_x), share);
+    F factor = hn::Add(k2, hn::Mul(k3, s));
+    factor = hn::Add(k1, hn::Mul(factor, s));
+    factor = hn::Add(k0, hn::Mul(factor, s));
+    return {hn::Add(middle_x, hn::Mul(dx, factor)), hn::Add(middle_y, hn::Mul(dy, factor))};
+  }
+
+  F centre_x, share_x, dy, share, middle_x, middle_y, k0, k1, k2, k3;
+};
 
 /// Two neighbours, and the weight of the second in 1/256.
 struct Taps {
@@ -96,29 +105,63 @@ struct Taps {
   H weight;
 };
 
-HWY_INLINE Taps TapsOf(const RemapAxis& axis, H next, H weight) {
-  const H last = Half(axis.last);
-  return {hn::Min(hn::SaturatedSub(next, Half(axis.first + 1)), last),
-          hn::Min(hn::SaturatedSub(next, Half(axis.first)), last), hn::ShiftRight<8>(weight)};
-}
+struct Axis {
+  explicit Axis(const RemapAxis& axis)
+      : length(Number(axis.length)),
+        period(Number(2 * axis.length)),
+        inverse_period(Number(1 / (2 * axis.length))),
+        before(Half(axis.first + 1)),
+        first(Half(axis.first)),
+        last(Half(axis.last)) {}
 
-/// The taps of a lane of 16 bits each.
-HWY_INLINE Taps TapsOfEach(const RemapAxis& axis, W low, W high) {
-  const Halves d;
-  const H low_halves = hn::BitCast(d, low);
-  const H high_halves = hn::BitCast(d, high);
-  return TapsOf(axis, hn::ConcatOdd(d, high_halves, low_halves),
-                hn::ConcatEven(d, high_halves, low_halves));
-}
+  /// Positions in 1/256, seen from the centre of the pixel before the longer line: in the upper
+  /// half of each lane the pixel behind the position, in the other the weight, times 256.
+  HWY_INLINE W StepsAt(F position) const {
+    const Floats d;
+    const F zero = hn::Zero(d);
+    F inside = position;
+    // Within the line nothing is mirrored.
+    if (!hn::AllTrue(d, hn::And(hn::Ge(position, zero), hn::Le(position, length)))) {
+      const F turns = hn::Floor(hn::Mul(position, inverse_period));
+      F rest = hn::Sub(position, hn::Mul(turns, period));
+      rest = hn::Min(hn::Max(rest, zero), period);
+      const F mirrored = hn::Min(rest, hn::Sub(period, rest));
+      const auto within = hn::And(hn::Ge(position, zero), hn::Le(position, length));
+      inside = hn::IfThenElse(within, position, mirrored);
+    }
+    // The sum has no room for fractions, and the number in its lower bits.
+    const F steps = hn::Add(hn::Mul(inside, Number(256.f)), Number(kNoFractions));
+    const W words = hn::ShiftLeft<8>(hn::BitCast(Words(), steps));
+    return hn::Add(words, hn::Set(Words(), 128 * 256));
+  }
 
-/// The taps of two lanes together.
-HWY_INLINE Taps TapsOfPairs(const RemapAxis& axis, W steps) {
-  const Halves d;
-  const W low = hn::And(steps, hn::Set(Words(), 0xFFFF));
-  const W high = hn::ShiftRight<16>(steps);
-  return TapsOf(axis, hn::BitCast(d, hn::Or(high, hn::ShiftLeft<16>(high))),
-                hn::BitCast(d, hn::Or(low, hn::ShiftLeft<16>(low))));
-}
+  /// The taps of a lane of 16 bits each.
+  HWY_INLINE Taps TapsOfEach(F low, F high) const {
+    const Halves d;
+    const H low_halves = hn::BitCast(d, StepsAt(low));
+    const H high_halves = hn::BitCast(d, StepsAt(high));
+    return TapsOf(hn::ConcatOdd(d, high_halves, low_halves),
+                  hn::ConcatEven(d, high_halves, low_halves));
+  }
+
+  /// The taps of two lanes together.
+  HWY_INLINE Taps TapsOfPairs(F position) const {
+    const Halves d;
+    const W steps = StepsAt(position);
+    const W low = hn::And(steps, hn::Set(Words(), 0xFFFF));
+    const W high = hn::ShiftRight<16>(steps);
+    return TapsOf(hn::BitCast(d, hn::Or(high, hn::ShiftLeft<16>(high))),
+                  hn::BitCast(d, hn::Or(low, hn::ShiftLeft<16>(low))));
+  }
+
+  HWY_INLINE Taps TapsOf(H next, H weight) const {
+    return {hn::Min(hn::SaturatedSub(next, before), last),
+            hn::Min(hn::SaturatedSub(next, first), last), hn::ShiftRight<8>(weight)};
+  }
+
+  F length, period, inverse_period;
+  H before, first, last;
+};
 
 /// The windows of all groups of 8 lanes in a row of the source.
 template <class D>
@@ -193,42 +236,48 @@ struct Layout {
 
 /// Centres of the pixels that samples are drawn for, from `sample` on.
 template <class L>
-HWY_INLINE F CentresFrom(const Remap& remap, int sample) {
-  const Floats d;
-  const F lane = hn::Iota(d, static_cast<float>(sample));
-  if constexpr (L::kLuma) return hn::Add(lane, Number(0.5f));
-  const F first = hn::Add(lane, lane);
-  const auto before =
-      hn::Lt(hn::Add(hn::Add(first, first), Number(2.f)), Number(static_cast<float>(remap.width)));
-  return hn::Add(first, hn::IfThenElse(before, Number(1.5f), Number(0.5f)));
+HWY_INLINE F CentresFrom(F width, int sample) {
+  const F lane = hn::Iota(Floats(), static_cast<float>(sample));
+  if constexpr (L::kLuma) {
+    return hn::Add(lane, Number(0.5f));
+  } else {
+    const F first = hn::Add(lane, lane);
+    const auto before = hn::Lt(hn::Add(hn::Add(first, first), Number(2.f)), width);
+    return hn::Add(first, hn::IfThenElse(before, Number(1.5f), Number(0.5f)));
+  }
 }
+
+/// What a row is drawn with.
+template <class RowPlaces>
+struct RowTools {
+  RowPlaces places;
+  Axis columns, rows;
+  F width;
+};
 
 struct BothTaps {
   Taps across, down;
 };
 
-template <class L, class RowMap>
-HWY_INLINE BothTaps TapsFrom(const Remap& remap, const RowMap& map, int sample) {
-  const Places low = PlacesOf(map, CentresFrom<L>(remap, sample));
-  const W low_x = StepsAt(remap.columns, low.x);
-  const W low_y = StepsAt(remap.rows, low.y);
+template <class L, class RowPlaces>
+HWY_INLINE BothTaps TapsFrom(const RowTools<RowPlaces>& tools, int sample) {
+  const Places low = tools.places.At(CentresFrom<L>(tools.width, sample));
   if constexpr (L::kPairs) {
-    return {TapsOfPairs(remap.columns, low_x), TapsOfPairs(remap.rows, low_y)};
+    return {tools.columns.TapsOfPairs(low.x), tools.rows.TapsOfPairs(low.y)};
   } else {
     const auto lanes = static_cast<int>(hn::Lanes(Floats()));
-    const Places high = PlacesOf(map, CentresFrom<L>(remap, sample + lanes));
-    return {TapsOfEach(remap.columns, low_x, StepsAt(remap.columns, high.x)),
-            TapsOfEach(remap.rows, low_y, StepsAt(remap.rows, high.y))};
+    const Places high = tools.places.At(CentresFrom<L>(tools.width, sample + lanes));
+    return {tools.columns.TapsOfEach(low.x, high.x), tools.rows.TapsOfEach(low.y, high.y)};
   }
 }
 
 /// Draws a vector; false where its pixels come from too far apart.
-template <class L, class RowMap>
-HWY_INLINE bool DrawVector(const Remap& remap, const RemapSource& source, const RowMap& map,
-                           int sample, uint8_t* HWY_RESTRICT out) {
+template <class L, class RowPlaces>
+HWY_INLINE bool DrawVector(const RowTools<RowPlaces>& tools, const RemapSource& source, int sample,
+                           uint8_t* HWY_RESTRICT out) {
   const Halves d;
   const Shorts ds;
-  const BothTaps taps = TapsFrom<L>(remap, map, sample);
+  const BothTaps taps = TapsFrom<L>(tools, sample);
   Neighbours found;
   if constexpr (L::kLuma) {
     if (!Find(source, taps.across.first, taps.across.first, taps.across.second, taps.down.first,
@@ -261,21 +310,24 @@ HWY_INLINE bool DrawVector(const Remap& remap, const RemapSource& source, const 
   return true;
 }
 
-template <class L, class RowMap>
-HWY_INLINE void Draw(const Remap& remap, const RemapSource& source, const RowMap& map, int row,
+template <class L, class RowPlaces>
+HWY_INLINE void Draw(const Remap& remap, const RemapSource& given, const RowPlaces& places, int row,
                      int begin, int end, uint8_t* out) {
+  const RowTools<RowPlaces> tools = {places, Axis(remap.columns), Axis(remap.rows),
+                                     Number(static_cast<float>(remap.width))};
+  const RemapSource source = given;
   for (int i = begin; i < end; i += L::kStep, out += kHalves) {
     const int count = std::min(end - i, L::kStep);
     if (count == L::kStep) {
-      if (DrawVector<L>(remap, source, map, i, out)) continue;
+      if (DrawVector<L>(tools, source, i, out)) continue;
     } else {
       HWY_ALIGN uint8_t rest[kHalves];
-      if (DrawVector<L>(remap, source, map, i, rest)) {
+      if (DrawVector<L>(tools, source, i, rest)) {
         std::memcpy(out, rest, static_cast<size_t>(count * L::kUnit));
         continue;
       }
     }
-    scalar::RemapRow(remap, source, row, i, i + count, out);
+    scalar::RemapRow(remap, given, row, i, i + count, out);
   }
 }
 
@@ -285,9 +337,9 @@ HWY_INLINE void DrawKind(const Remap& remap, const RemapSource& source, int row,
   using L = Layout<kKind>;
   const float y = RowCentre(remap, kKind, row);
   if (remap.kind == Remap::Kind::Quad) {
-    Draw<L>(remap, source, RowOf(remap.quad, y), row, begin, end, out);
+    Draw<L>(remap, source, QuadPlaces(RowOf(remap.quad, y)), row, begin, end, out);
   } else {
-    Draw<L>(remap, source, RowOf(remap.lens, y), row, begin, end, out);
+    Draw<L>(remap, source, LensPlaces(RowOf(remap.lens, y)), row, begin, end, out);
   }
 }
 

@@ -42,7 +42,8 @@ float Mirrored(const RemapAxis& axis, float position) {
 
 Taps TapsAt(const RemapAxis& axis, float position) {
   // Seen from the centre of the pixel before the longer line, in 1/256.
-  const int steps = static_cast<int>(Mirrored(axis, position) * 256 + 128.5f);
+  const float lifted = Mirrored(axis, position) * 256 + kNoFractions;
+  const int steps = static_cast<int>(lifted - kNoFractions) + 128;
   const int next = steps / 256 - axis.first;
   return {std::clamp(next - 1, 0, axis.last), std::clamp(next, 0, axis.last), steps % 256};
 }
