@@ -78,7 +78,8 @@ TEST_P(RemapRows, AreThoseOfThePlainFormAndTouchNothingElse) {
       const Plane plane(kind, width, height, random);
       for (int row = up_to(8); row < plane.rows; row += 1 + up_to(20)) {
         const int begin = up_to(3) == 0 ? up_to(plane.samples - 1) : 0;
-        const int end = up_to(3) == 0 ? begin + up_to(plane.samples - begin) : plane.samples;
+        const int end =
+            up_to(3) == 0 ? begin + 1 + up_to(plane.samples - begin - 1) : plane.samples;
         const auto bytes = static_cast<size_t>((end - begin) * plane.unit);
         std::vector<uint8_t> expected(bytes);
         cpu::scalar::RemapRow(remap, plane.source, row, begin, end, expected.data());
