@@ -5,7 +5,7 @@
 namespace lumora {
 
 Status FindGlModule(const GlModule** module) {
-  *module = lumora_pipeline_gl();
+  *module = LumoraPipelineGl();
   return {};
 }
 

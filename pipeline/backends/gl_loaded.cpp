@@ -49,7 +49,7 @@ Status Load(const GlModule** module) {
     return NotThere("cannot be loaded: " + (reason != nullptr ? reason : place));
   }
   const auto entry =
-      reinterpret_cast<decltype(&lumora_pipeline_gl)>(dlsym(library, "lumora_pipeline_gl"));
+      reinterpret_cast<decltype(&LumoraPipelineGl)>(dlsym(library, "LumoraPipelineGl"));
   const GlModule* const found = entry != nullptr ? entry() : nullptr;
   if (found == nullptr || found->version != std::string_view(LUMORA_VERSION)) {
     dlclose(library);

@@ -29,6 +29,6 @@ Status FindGlModule(const GlModule** module);
 }  // namespace lumora
 
 /// The module's one name.
-extern "C" __attribute__((visibility("default"))) const lumora::GlModule* lumora_pipeline_gl();
+extern "C" __attribute__((visibility("default"))) const lumora::GlModule* LumoraPipelineGl();
 
 #endif  // LUMORA_PIPELINE_BACKENDS_GL_MODULE_H_

@@ -2,7 +2,7 @@
 // What the gl backend shows of itself.
 #include "pipeline/backends/gl_module.h"
 
-const lumora::GlModule* lumora_pipeline_gl() {
+const lumora::GlModule* LumoraPipelineGl() {
   static constexpr lumora::GlModule kModule = {LUMORA_VERSION, lumora::MakeGlBackend,
                                                lumora::MakeGlConverter};
   return &kModule;
