@@ -26,6 +26,7 @@ Status CropSetups::Find(int width, int height, int64_t most_pixels, EngineSetup*
     engine = std::move(engines_.front());
     engines_.erase(engines_.begin());
   }
+  engines_.reserve(kMost);  // before the engine's context is the thread's: nothing may throw then
   if (engine == nullptr) engine = std::make_unique<EngineSetup>();
   ++made_;
   if (Status status = engine->Preview(width, height, true); !status.ok()) return status;

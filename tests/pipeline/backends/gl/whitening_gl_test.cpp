@@ -362,6 +362,28 @@ TEST_F(WhiteningTest, AnEngineThatCannotDrawFailsWithASentenceAndRecovers) {
   }
 }
 
+TEST_F(WhiteningTest, AnEngineWithoutAContextFailsWithASentenceAndRecovers) {
+  const int width = 96, height = 64;
+  const std::vector<Face> faces = {FaceIn(width, height)};
+  const auto pipeline = Pipeline::Create({Device::Gl}, nullptr);
+  ASSERT_NE(pipeline, nullptr);
+  FrameMemory in(PixelFormat::NV21, width, height), out(PixelFormat::NV21, width, height);
+  in.Fill(SkinSamples(width, height, 150, 60));
+  const auto before = out.Everything();
+  const Look look = LookOf(0, 80);
+  {
+    const NoContexts fault;
+    const Status status =
+        pipeline->Process({in.const_view(), out.view(), faces, look, Chain::Preview});
+    EXPECT_EQ(status.code, StatusCode::EngineFailed);
+    EXPECT_THAT(status.message, testing::HasSubstr("context"));
+  }
+  EXPECT_EQ(out.Everything(), before);
+  EXPECT_FALSE(pipeline->Device().renderer.empty());
+  EXPECT_TRUE(pipeline->Process({in.const_view(), out.view(), faces, look, Chain::Preview}).ok());
+  EXPECT_FALSE(out.Read() == in.Read());
+}
+
 TEST_F(WhiteningTest, TonesNameTheFacesByTheirPlaceAmongThoseThatWereGiven) {
   const int width = 400, height = 240;
   const std::vector<Face> faces = {FaceFromEyes({-300, 20}, {-280, 20}),
