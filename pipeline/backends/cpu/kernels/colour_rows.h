@@ -24,16 +24,19 @@ struct ImageRows {
 
 /// Converts rows. Nothing but their samples is read or written.
 ///
-/// Colours, of full-range luma and chroma around 127.5:
+/// Colours, of full-range luma and chroma around 127.5, rounded to the nearest and kept within
+/// 0..255:
+// clang-format off
 ///   red   = y + 1.402 cr - 178.755
 ///   green = y - 0.714 cr - 0.344 cb + 134.895
 ///   blue  = y + 1.772 cb - 225.93
-/// rounded to the nearest and kept within 0..255. From these bytes, largest and least of the three:
+/// From these bytes, largest and least of the three:
 ///   hue        = 42.5 * sixths, where red is the largest (green - blue) / (largest - least), or 6
 ///                more if that is below 0; else where green is it 2 + (blue - red) / (largest -
 ///                least); else 4 + (red - green) / (largest - least). 0 where all three are equal.
 ///   saturation = 255 * (largest - least) / largest, 0 for black
 ///   intensity  = largest
+// clang-format on
 /// rounded to the nearest, halves up.
 void ConvertColours(const ColourRows& in, const ImageRows& rgb, const ImageRows& hsi);
 
