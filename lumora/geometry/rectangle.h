@@ -27,6 +27,11 @@ constexpr bool IsEmpty(const PixelRectangle& rectangle) {
   return rectangle.width <= 0 || rectangle.height <= 0;
 }
 
+/// Whether two rectangles, none of which is empty, have a pixel in common.
+constexpr bool Meet(const PixelRectangle& a, const PixelRectangle& b) {
+  return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+}
+
 /// The smallest rectangle that holds both; an empty one adds nothing.
 inline PixelRectangle Union(const PixelRectangle& a, const PixelRectangle& b) {
   if (IsEmpty(a)) return b;

@@ -41,10 +41,6 @@ WhitenTone ToneOf(const WhiteningJob& job, const WhiteningShifts& shifts, Chain 
   return tone;
 }
 
-bool Meet(const PixelRectangle& a, const PixelRectangle& b) {
-  return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
-}
-
 /// What the levels of a face come to in the frame as it is.
 WhiteningShifts ShiftsIn(const ConstFrameView& frame, const FACE_INFO_t& record,
                          const WhiteningJob& job) {

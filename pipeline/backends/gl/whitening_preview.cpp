@@ -15,14 +15,19 @@ namespace {
 
 using Job = std::vector<WhiteningJob>::const_iterator;
 
-/// Jobs that the engine can do in one pass over a crop.
+/// Jobs that the engine can do in one pass over a crop: with the same levels, and apart. A face
+/// that lies over another works on what that one has left, as in captures.
 struct Group {
   Job begin, end;
 };
 
 Job GroupEnd(Job begin, Job end) {
-  return std::find_if(
-      begin, end, [&first = *begin](const WhiteningJob& job) { return !SameLevels(job, first); });
+  return std::find_if(begin, end, [&](const WhiteningJob& job) {
+    return !SameLevels(job, *begin) ||
+           std::any_of(begin, begin + (&job - &*begin), [&job](const WhiteningJob& earlier) {
+             return Meet(earlier.mask.bounds(), job.mask.bounds());
+           });
+  });
 }
 
 const PixelRectangle& ReachOf(const ChainFrame& chain, const Group& group, Job job) {
