@@ -66,7 +66,9 @@ void LoadRows(const ConstFrameView& frame, const PixelRectangle& part, const Row
   if (part.width % 2 != 0) {
     for (uint8_t* const row : to.luma) row[part.width] = row[part.width - 1];
   }
-  if (part.height == 1) std::memcpy(to.luma[1], to.luma[0], static_cast<size_t>(part.width) + 1);
+  if (part.height == 1) {
+    std::memcpy(to.luma[1], to.luma[0], static_cast<size_t>(RoundUpToEven(part.width)));
+  }
 }
 
 void StoreRows(const RowPair& from, const PixelRectangle& part, const FrameView& frame) {
