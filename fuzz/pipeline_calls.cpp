@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Faces, looks and frame views of any kind into the pipeline.
+// Faces, looks and frame views of any kind into the pipeline, on both devices.
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -8,6 +8,7 @@
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
 #include "lumora/pipeline/pipeline.h"
+#include "pipeline/frames/frame_difference.h"
 #include "pipeline/frames/frame_memory.h"
 
 namespace {
@@ -104,38 +105,84 @@ bool IsSound(const View& view, const View& whole) {
   return true;
 }
 
+lumora::Pipeline& MadeOn(lumora::Device device) {
+  lumora::Status status;
+  auto made = lumora::Pipeline::Create({device}, &status);
+  Require(made != nullptr, "there is a pipeline");
+  return *made.release();  // outlives the driver's own end
+}
+
 lumora::Pipeline& ThePipeline() {
-  static lumora::Pipeline& pipeline = []() -> lumora::Pipeline& {
-    lumora::Status status;
-    auto made = lumora::Pipeline::Create({lumora::Device::Gl}, &status);
-    Require(made != nullptr, "there is a pipeline");
-    return *made.release();  // outlives the driver's own end
-  }();
+  static lumora::Pipeline& pipeline = MadeOn(lumora::Device::Gl);
   return pipeline;
 }
 
-lumora::Status Call(const lumora::ConstFrameView& in, const lumora::FrameView& out, Input& input) {
+lumora::Pipeline& TheOther() {
+  static lumora::Pipeline& pipeline = MadeOn(lumora::Device::Cpu);
+  return pipeline;
+}
+
+/// What is asked of a pipeline.
+struct Request {
+  enum class Kind { Keystone, Lens, Look };
+  Kind kind = Kind::Look;
+  int degree = 0;
+  lumora::LensCoefficients lens;
   std::vector<Face> faces;
-  for (int i = input.between(0, 4); i > 0; --i) faces.push_back(TakeFace(input));
-  lumora::Report report;
+  lumora::Look look;
+  lumora::Chain chain = lumora::Chain::Auto;
+};
+
+Request TakeRequest(Input& input) {
+  Request request;
+  for (int i = input.between(0, 4); i > 0; --i) request.faces.push_back(TakeFace(input));
   switch (input.between(0, 9)) {
     case 0:
-      return ThePipeline().Rectify(in, out, input.any_int(), &report);
-    case 1: {
-      lumora::LensCoefficients lens;
-      for (float* k : {&lens.k0, &lens.k1, &lens.k2, &lens.k3}) *k = TakeNumber(input);
-      return ThePipeline().RectifyRadial(in, out, lens, &report);
-    }
+      request.kind = Request::Kind::Keystone;
+      request.degree = input.any_int();
+      break;
+    case 1:
+      request.kind = Request::Kind::Lens;
+      for (float* k : {&request.lens.k0, &request.lens.k1, &request.lens.k2, &request.lens.k3}) {
+        *k = TakeNumber(input);
+      }
+      break;
     default: {
       const auto scale = [&input] {
         return input.between(0, 7) == 0 ? input.any_int() : input.between(0, 100);
       };
-      lumora::Look look{scale(), scale(), scale(), lumora::Effect::Auto};
-      look.effect = static_cast<lumora::Effect>(input.between(-1, 5));
-      const auto chain = static_cast<lumora::Chain>(input.between(0, 2));
-      return ThePipeline().Process({in, out, faces, look, chain}, &report);
+      request.look = {scale(), scale(), scale(), lumora::Effect::Auto};
+      request.look.effect = static_cast<lumora::Effect>(input.between(-1, 5));
+      request.chain = static_cast<lumora::Chain>(input.between(0, 2));
+      break;
     }
   }
+  return request;
+}
+
+lumora::Status Call(lumora::Pipeline& pipeline, const lumora::ConstFrameView& in,
+                    const lumora::FrameView& out, const Request& request) {
+  lumora::Report report;
+  switch (request.kind) {
+    case Request::Kind::Keystone:
+      return pipeline.Rectify(in, out, request.degree, &report);
+    case Request::Kind::Lens:
+      return pipeline.RectifyRadial(in, out, request.lens, &report);
+    default:
+      return pipeline.Process({in, out, request.faces, request.look, request.chain}, &report);
+  }
+}
+
+/// Both pipelines change nothing that no face may change. Samples are noise here, and faces lie in
+/// any way over each other: only where one face is slimmed alone does each sample have a bound.
+void CompareLooks(const lumora::ConstFrameView& in, const lumora::ConstFrameView& by_gl,
+                  const lumora::ConstFrameView& by_cpu, const Request& request) {
+  if (request.kind != Request::Kind::Look) return;
+  const lumora::FrameDifference difference =
+      lumora::CompareResults(in, by_gl, by_cpu, request.faces, request.look);
+  Require(difference.stray() == 0, "what lies outside of every face stays as it was");
+  const bool slims_alone = !lumora::Whitens(request.look) && request.faces.size() <= 1;
+  Require(!slims_alone || difference.y.largest <= 2, "both devices slim a face alike");
 }
 
 /// A clean frame with a clean face.
@@ -173,7 +220,28 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   } else {
     Spoil(out_view, input);
   }
-  const lumora::Status status = Call(in_view, out_view, input);
+  const Request request = TakeRequest(input);
+  FrameMemory other = out;
+  lumora::FrameView other_view = other.view();
+  const lumora::FrameView whole = out.view();
+  for (size_t plane = 0; plane < 3; ++plane) {
+    const bool kept = out_view.planes[plane] == whole.planes[plane];
+    if (!kept) other_view.planes[plane] = out_view.planes[plane];
+  }
+  other_view.format = out_view.format;
+  other_view.width = out_view.width;
+  other_view.height = out_view.height;
+  other_view.strides = out_view.strides;
+  const lumora::Status status = Call(ThePipeline(), in_view, out_view, request);
+  const lumora::Status by_cpu = Call(TheOther(), in_view, other_view, request);
+  Require(status.code == by_cpu.code && status.message == by_cpu.message,
+          "both devices say the same");
+  Require(other.GuardsIntact(), "nothing between and around the rows is written on the processor");
+  Require(status.ok() || other.Everything() == out_before,
+          "a failure on the processor leaves the output as it was");
+  if (status.ok()) {
+    CompareLooks(in_view, lumora::AsConst(out_view), lumora::AsConst(other_view), request);
+  }
   Require(in.Everything() == in_before, "the input is only read");
   Require(out.GuardsIntact(), "nothing between and around the rows is written");
   Require(!status.ok() || (IsSound(in_view, in.const_view()) && IsSound(out_view, out.view())),
