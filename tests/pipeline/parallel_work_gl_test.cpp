@@ -37,14 +37,19 @@ Call Beautify(Look look, Chain chain) {
   };
 }
 
+Bytes By(Pipeline& pipeline, const Call& call) {
+  FrameMemory in(PixelFormat::NV21, kWidth, kHeight), out(PixelFormat::NV21, kWidth, kHeight);
+  in.Fill(NoiseSamples(kWidth, kHeight));
+  const Status status = call(pipeline, in.const_view(), out.view());
+  EXPECT_TRUE(status.ok()) << status.message;
+  return out.Everything();
+}
+
 Bytes ByPipeline(const Call& call) {
   Status status;
   const auto pipeline = Pipeline::Create({TestedDevice()}, &status);
-  FrameMemory in(PixelFormat::NV21, kWidth, kHeight), out(PixelFormat::NV21, kWidth, kHeight);
-  in.Fill(NoiseSamples(kWidth, kHeight));
-  if (pipeline) status = call(*pipeline, in.const_view(), out.view());
-  EXPECT_TRUE(status.ok()) << status.message;
-  return out.Everything();
+  EXPECT_NE(pipeline, nullptr) << status.message;
+  return pipeline ? By(*pipeline, call) : Bytes();
 }
 
 Bytes ByConverter() {
@@ -61,6 +66,14 @@ Bytes ByConverter() {
   return images;
 }
 
+Status Keystone(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
+  return pipeline.Rectify(in, out, 20);
+}
+
+Status ThroughALens(Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
+  return pipeline.RectifyRadial(in, out, LensCoefficients{});
+}
+
 TEST(ParallelWork, EveryKindGivesWhatItGivesAlone) {
   using Work = std::function<Bytes()>;
   const auto by_pipeline = [](Call call) {
@@ -70,12 +83,8 @@ TEST(ParallelWork, EveryKindGivesWhatItGivesAlone) {
       by_pipeline(Beautify(kFull, Chain::Preview)),
       by_pipeline(Beautify(SlimAndWhiten(), Chain::Preview)),
       by_pipeline(Beautify(SlimAndWhiten(), Chain::Capture)),
-      by_pipeline([](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-        return pipeline.Rectify(in, out, 20);
-      }),
-      by_pipeline([](Pipeline& pipeline, const ConstFrameView& in, const FrameView& out) {
-        return pipeline.RectifyRadial(in, out, LensCoefficients{});
-      }),
+      by_pipeline(Keystone),
+      by_pipeline(ThroughALens),
       ByConverter,
   };
   // At the same time first: nothing in the process has been made or asked for yet.
@@ -90,6 +99,40 @@ TEST(ParallelWork, EveryKindGivesWhatItGivesAlone) {
   for (std::thread& thread : threads) thread.join();
   for (size_t i = 0; i < works.size(); ++i) {
     EXPECT_TRUE(results[i] == std::vector<Bytes>(kRounds, works[i]())) << "work " << i;
+  }
+}
+
+TEST(ParallelWork, CallsOfOnePipelineGiveWhatTheyGiveAlone) {
+  const std::vector<Call> calls = {Beautify(kFull, Chain::Preview),
+                                   Beautify(SlimAndWhiten(), Chain::Preview),
+                                   Beautify(SlimAndWhiten(), Chain::Capture),
+                                   Beautify(kOff, Chain::Preview),
+                                   Keystone,
+                                   ThroughALens};
+  for (const int workers : {1, 2}) {  // on one frame
+    Status status;
+    const auto pipeline = Pipeline::Create({TestedDevice(), workers}, &status);
+    ASSERT_NE(pipeline, nullptr) << status.message;
+    constexpr size_t kThreads = 4, kRounds = 4;
+    // Every thread makes all of the calls, beginning with another one.
+    std::vector<std::vector<Bytes>> results(kThreads);
+    std::vector<std::thread> threads;
+    for (size_t thread = 0; thread < kThreads; ++thread) {
+      threads.emplace_back([&, thread] {
+        for (size_t i = 0; i < kRounds * calls.size(); ++i) {
+          results[thread].push_back(By(*pipeline, calls[(thread + i) % calls.size()]));
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    std::vector<Bytes> alone;
+    for (const Call& call : calls) alone.push_back(By(*pipeline, call));
+    for (size_t thread = 0; thread < kThreads; ++thread) {
+      for (size_t i = 0; i < results[thread].size(); ++i) {
+        EXPECT_TRUE(results[thread][i] == alone[(thread + i) % calls.size()])
+            << "thread " << thread << ", call " << i << ", " << workers << " workers";
+      }
+    }
   }
 }
 
