@@ -13,7 +13,7 @@
 // Applications may set a root from code, which they need the engine's library for: where that is
 // part of the process this finds it, elsewhere it is null.
 namespace lumora::platform {
-[[gnu::weak]] std::string SystemRoot();
+[[gnu::weak]] std::string SystemRoot();  // NOLINT(readability-redundant-declaration): it is weak
 }
 
 namespace lumora {

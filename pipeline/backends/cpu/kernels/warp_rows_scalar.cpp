@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "pipeline/backends/cpu/kernels/round_half_up.h"
 #include "pipeline/backends/cpu/kernels/warp_rows.h"
 
 namespace lumora::cpu::scalar {
@@ -39,7 +40,7 @@ struct Tap {
 Tap TapAt(float position, int samples) {
   const float inside = std::min(std::max(position, 0.f), static_cast<float>(samples - 1));
   const int first = std::min(static_cast<int>(inside), samples - 2);
-  return {first, static_cast<int>((inside - static_cast<float>(first)) * kOne + 0.5f)};
+  return {first, RoundHalfUp((inside - static_cast<float>(first)) * kOne)};
 }
 
 /// The tap of chroma samples, each of which stands for two pixels.

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "pipeline/backends/cpu/kernels/round_half_up.h"
 #include "pipeline/backends/cpu/kernels/whiten_rows.h"
 
 namespace lumora::cpu::scalar {
@@ -14,9 +15,8 @@ float Clamp(float value, float most) {
   return std::min(std::max(value, 0.f), most);
 }
 
-/// The nearest whole number; halves go up.
 float Rounded(float value) {
-  return static_cast<float>(static_cast<int>(value + 0.5f));
+  return static_cast<float>(RoundHalfUp(value));
 }
 
 struct Rgb {
@@ -87,7 +87,7 @@ float ShareOf(float luma, const WhitenTone& tone) {
 }
 
 uint8_t Mixed(float from, float to, float weight) {
-  return static_cast<uint8_t>(from + weight * (to - from) + 0.5f);
+  return static_cast<uint8_t>(RoundHalfUp(from + weight * (to - from)));
 }
 
 }  // namespace
