@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "bench/counters.h"
@@ -38,16 +39,24 @@ std::string PhotoIn(const std::string& folder) {
   return folder + "/portrait-1-before.png";
 }
 
+/// Where to find a face in it: wherever that is, nothing has to be searched.
+std::string FacesIn(const std::string& folder) {
+  const std::string path = folder + "/faces.json";
+  std::ofstream(path) << R"({"faces": [{"eyes": [[203, 101], [245, 103]]}]})";
+  return path;
+}
+
 /// Caches are warm: both sides run once before the first round.
-void PhotoByDevice(benchmark::State& state) {
+void PhotoByDevice(benchmark::State& state, bool search) {
   constexpr int kRounds = 15;
   const TemporaryFolder folder;
   const std::string photo = PhotoIn(folder.path());
+  const std::string faces = search ? "" : " --faces '" + FacesIn(folder.path()) + "'";
   const auto run = [&](const std::string& device, Times* times) {
     const double processor = ChildrenNow(), wall = WallNow();
     const std::string result = folder.path() + "/" + device + ".png";
-    RunCommand("LUMORA_DEVICE=" + device,
-               "photo '" + photo + "' -o '" + result + "' --slim 50 --whiten 40 --require-face");
+    RunCommand("LUMORA_DEVICE=" + device, "photo '" + photo + "' -o '" + result +
+                                              "' --slim 50 --whiten 40 --require-face" + faces);
     Require(fs::file_size(result) > 0, "there is no result");
     times->wall.push_back(WallNow() - wall);
     times->processor.push_back(ChildrenNow() - processor);
@@ -66,7 +75,8 @@ void PhotoByDevice(benchmark::State& state) {
 }  // namespace
 
 void RegisterPhoto() {
-  Register("cpu/photo", PhotoByDevice);
+  Register("cpu/photo", [](benchmark::State& state) { PhotoByDevice(state, true); });
+  Register("cpu/photo_faces_given", [](benchmark::State& state) { PhotoByDevice(state, false); });
 }
 
 }  // namespace lumora::bench
