@@ -31,13 +31,14 @@ void MaskWeights(const MaskRow& row, const MaskTaps& taps, const RowSpan& column
   const Ints whole;
   const auto lanes = static_cast<int>(hn::Lanes(d));
   const F down = hn::Set(d, row.down);
+  const auto lane = hn::Iota(whole, 0);  // once: it goes by memory
   const auto begin = hn::Set(whole, row.held.begin), end = hn::Set(whole, row.held.end);
   for (int column = columns.begin; column < columns.end; column += lanes, weights += lanes) {
     if (column + lanes <= row.held.begin || column >= row.held.end) {
       hn::StoreU(hn::Zero(d), d, weights);
       continue;
     }
-    const auto at = hn::Iota(whole, column);
+    const auto at = hn::Add(hn::Set(whole, column), lane);
     const auto held = hn::AndNot(hn::Lt(at, begin), hn::Lt(at, end));
     // A vector's columns lie between no more numbers than it has lanes.
     const int first = taps.numbers()[column];

@@ -175,10 +175,9 @@ struct Group {
 };
 
 /// The places of the pixels that chroma samples are taken from.
-HWY_INLINE Places ChromaPlaces(const Moved (&row)[2], float first_x) {
+HWY_INLINE Places ChromaPlaces(const Moved (&row)[2], F lane, float first_x) {
   const Floats d;
-  const F step = hn::Iota(d, 0.f);
-  const F middle = hn::Add(hn::Add(step, step), Number(first_x + 0.5f));
+  const F middle = hn::Add(hn::Add(lane, lane), Number(first_x + 0.5f));
   const auto right = hn::Ge(middle, hn::Zero(d));
   const auto choose = [&](F low, F high) HWY_ATTR {
     return hn::IfThenElse(right, hn::ConcatEven(d, high, low), hn::ConcatOdd(d, high, low));
@@ -187,7 +186,7 @@ HWY_INLINE Places ChromaPlaces(const Moved (&row)[2], float first_x) {
 }
 
 HWY_INLINE void DrawGroup(const WarpShape& shape, const WarpSource& source, const WarpRows& rows,
-                          int column) {
+                          F lane, int column) {
   const Floats d;
   const auto lanes = static_cast<int>(hn::Lanes(d));
   const float first_x = rows.x + static_cast<float>(column);
@@ -196,7 +195,7 @@ HWY_INLINE void DrawGroup(const WarpShape& shape, const WarpSource& source, cons
     const RowOfPlaces places = {rows.y + static_cast<float>(row), rows.row_borders[row]};
     for (int half = 0; half < 2; ++half) {
       const int at = half * lanes;
-      const F x = hn::Iota(d, first_x + static_cast<float>(at));
+      const F x = hn::Add(Number(first_x + static_cast<float>(at)), lane);
       Moved& moved = group.parts[row][half];
       moved = Move(shape, x, places, hn::LoadU(d, rows.column_borders + column + at));
       moved.to.x = hn::Sub(moved.to.x, Number(source.x));
@@ -219,7 +218,8 @@ HWY_INLINE void DrawGroup(const WarpShape& shape, const WarpSource& source, cons
     }
   }
   const int row = rows.y + 0.5f >= 0 ? 0 : 1;
-  const I pairs = ChromaAt(source, ChromaPlaces(group.parts[row], first_x), shape.smooth_chroma);
+  const I pairs =
+      ChromaAt(source, ChromaPlaces(group.parts[row], lane, first_x), shape.smooth_chroma);
   const hn::Rebind<uint8_t, Halves> pair_bytes;
   hn::StoreU(hn::DemoteTo(pair_bytes, hn::BitCast(hn::RebindToSigned<Halves>(), pairs)), pair_bytes,
              rows.chroma + column);
@@ -227,8 +227,9 @@ HWY_INLINE void DrawGroup(const WarpShape& shape, const WarpSource& source, cons
 
 void DrawWarp(const WarpShape& shape, const WarpSource& source, const WarpRows& rows) {
   const int step = 2 * static_cast<int>(hn::Lanes(Floats()));
+  const F lane = hn::Iota(Floats(), 0.f);  // once: it goes by memory
   for (int column = 0; column < rows.columns; column += step) {
-    DrawGroup(shape, source, rows, column);
+    DrawGroup(shape, source, rows, lane, column);
   }
 }
 

@@ -41,9 +41,9 @@ HWY_INLINE F Clamp(F value, float most) {
   return hn::Min(hn::Max(value, hn::Zero(Floats())), Number(most));
 }
 
-/// Values are not negative: cutting rounds down.
+/// Halves go up; values are not negative.
 HWY_INLINE F Rounded(F value) {
-  return hn::ConvertTo(Floats(), hn::ConvertTo(Ints(), hn::Add(value, Number(0.5f))));
+  return hn::Trunc(hn::Add(value, Number(0.5f)));
 }
 
 struct Rgb {
@@ -135,14 +135,14 @@ HWY_INLINE F PairSums(F values) {
 }
 
 template <bool kRoundRgb>
-HWY_INLINE void WhitenGroup(const WhitenTone& tone, const WhitenRows& rows, int column) {
+HWY_INLINE void WhitenGroup(const WhitenTone& tone, const WhitenRows& rows, F lane, int column) {
   const Floats d;
   const F masks[2] = {hn::LoadU(d, rows.weights[0] + column),
                       hn::LoadU(d, rows.weights[1] + column)};
   if (hn::AllFalse(d, hn::Gt(hn::Max(masks[0], masks[1]), hn::Zero(d)))) return;
   const F chroma = LoadBytes(rows.chroma + column);
   const F cr = hn::DupEven(chroma), cb = hn::DupOdd(chroma);
-  const F x = hn::Iota(d, rows.x + static_cast<float>(column));
+  const F x = hn::Add(Number(rows.x + static_cast<float>(column)), lane);
   const F along = hn::Mul(x, Number(tone.along_x)), across = hn::Mul(x, Number(tone.across_x));
   F cr_sums = hn::Zero(d), cb_sums = hn::Zero(d), weights = hn::Zero(d);
   for (int row = 0; row < 2; ++row) {
@@ -166,11 +166,12 @@ HWY_INLINE void WhitenGroup(const WhitenTone& tone, const WhitenRows& rows, int 
 
 void DrawWhitening(const WhitenTone& tone, const WhitenRows& rows) {
   const int step = static_cast<int>(hn::Lanes(Floats()));
+  const F lane = hn::Iota(Floats(), 0.f);  // once: it goes by memory
   for (int column = 0; column < rows.columns; column += step) {
     if (tone.round_rgb) {
-      WhitenGroup<true>(tone, rows, column);
+      WhitenGroup<true>(tone, rows, lane, column);
     } else {
-      WhitenGroup<false>(tone, rows, column);
+      WhitenGroup<false>(tone, rows, lane, column);
     }
   }
 }
