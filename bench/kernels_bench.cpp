@@ -125,10 +125,14 @@ Kernel Weighing(const SkinMask& mask, Weigh weigh) {
           "the mask is larger than the result");
   cpu::MaskTaps taps;
   taps.Set(mask.RowAt(bounds.y).step, static_cast<size_t>(columns));
-  return [=, &mask](uint8_t* result) {
-    auto* weights = reinterpret_cast<float*>(result);
-    for (int row = 0; row < mask.bounds().height; ++row, weights += columns) {
-      weigh(mask.RowAt(mask.bounds().y + row), taps, {0, columns}, weights);
+  std::vector<MaskRow> rows;
+  for (int row = 0; row < bounds.height; ++row) rows.push_back(mask.RowAt(bounds.y + row));
+  return [=](uint8_t* result) {
+    // Whoever draws weighs two rows and then the next two.
+    constexpr size_t kRows = 2;
+    auto* const weights = reinterpret_cast<float*>(result);
+    for (size_t row = 0; row < rows.size(); ++row) {
+      weigh(rows[row], taps, {0, columns}, weights + row % kRows * static_cast<size_t>(columns));
     }
   };
 }
