@@ -129,11 +129,14 @@ void PaddedFrame::Load(const ConstFrameView& in, FramePlace place) {
   SetSize(RoundUpTo(in.width, column_alignment_), RoundUpTo32(in.height));
   place_ = place;
   CopyApart(in, PackedView(luma(), chroma(), width_, place, in.width, in.height));
-  ExtendPlane(luma(), width_, height_, 1,
-              {place.left, place.left + in.width, place.top, place.top + in.height});
+  Extend(in.width, in.height);
+}
+
+void PaddedFrame::Extend(int width, int height) {
+  const auto [left, top] = place_;
+  ExtendPlane(luma(), width_, height_, 1, {left, left + width, top, top + height});
   ExtendPlane(chroma(), width_, height_ / 2, 2,
-              {place.left, place.left + 2 * ChromaSize(in.width), place.top / 2,
-               place.top / 2 + ChromaSize(in.height)});
+              {left, left + 2 * ChromaSize(width), top / 2, top / 2 + ChromaSize(height)});
 }
 
 void PaddedFrame::Store(const FrameView& out) const {

@@ -37,6 +37,9 @@ class PaddedFrame {
 
   /// Takes in a caller's frame. Memory is kept from frame to frame and grows as needed.
   void Load(const ConstFrameView& in, FramePlace place = {});
+  /// Repeats the outermost columns and rows anew, after the frame that was taken in, of width x
+  /// height pixels, has changed.
+  void Extend(int width, int height);
   /// Takes the sizes of `other`. What the frame then holds is not defined, and memory that is never
   /// written is not used.
   void Resize(const PaddedFrame& other);

@@ -36,7 +36,7 @@ Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const 
   frame_.Load(in);
   report->upload_ms = stopwatch.Lap();
 
-  Status status = RunEffects(plan, report);
+  Status status = RunEffects(plan, in, report);
   report->engine_ms = stopwatch.Lap();
   if (status.ok()) {
     // Nothing may fail any more once `out` is written.
@@ -55,7 +55,7 @@ Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const 
   return status;
 }
 
-Status EngineHost::RunEffects(const FramePlan& plan, Report* report) {
+Status EngineHost::RunEffects(const FramePlan& plan, const ConstFrameView& in, Report* report) {
   const bool capture = plan.chain == Chain::Capture;
   const ChainFrame frame = {setup_, crop_setups_, frame_, memory_, *report};
   Stopwatch stopwatch;
@@ -73,6 +73,8 @@ Status EngineHost::RunEffects(const FramePlan& plan, Report* report) {
   if (plan.whitens) {
     Status status = checked(capture ? WhitenCapture(frame, plan) : WhitenPreview(frame, plan));
     if (!status.ok()) return status;
+    // Slimming takes pixels from beyond the frame as well.
+    if (plan.slims) frame_.Extend(in.width, in.height);
     report->whiten_ms = stopwatch.Lap();
   }
   if (plan.slims) {

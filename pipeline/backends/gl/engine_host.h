@@ -35,7 +35,7 @@ class EngineHost {
   int crop_setups_made() const { return crop_setups_.made(); }
 
  private:
-  Status RunEffects(const FramePlan& plan, Report* report);
+  Status RunEffects(const FramePlan& plan, const ConstFrameView& in, Report* report);
   /// The way of both corrections: `draw` draws from the input image to the first work image.
   template <typename Draw>
   Status Correct(const ConstFrameView& in, const FrameView& out, FramePlace place, Report* report,
