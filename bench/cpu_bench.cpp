@@ -16,7 +16,7 @@
 #include "bench/instruction_sets.h"
 #include "bench/opencv_box.h"
 #include "bench/pipelines.h"
-#include "pipeline/frames/frame_difference.h"
+#include "pipeline/plan/frame_difference.h"
 
 namespace lumora::bench {
 namespace {

@@ -8,8 +8,8 @@
 #include "fuzz/support/input.h"
 #include "fuzz/support/require.h"
 #include "lumora/pipeline/pipeline.h"
-#include "pipeline/frames/frame_difference.h"
 #include "pipeline/frames/frame_memory.h"
+#include "pipeline/plan/frame_difference.h"
 
 namespace {
 

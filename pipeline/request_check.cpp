@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "lumora/pipeline/pipeline.h"
+#include "lumora/pipeline/device.h"
 #include "pipeline/faces/face_bounds.h"
 #include "pipeline/frames/frame_check.h"
 #include "pipeline/support/failure.h"

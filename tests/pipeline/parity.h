@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "lumora/pipeline/pipeline.h"
-#include "pipeline/frames/frame_difference.h"
 #include "pipeline/frames/frame_memory.h"
+#include "pipeline/plan/frame_difference.h"
 
 namespace lumora::test {
 

@@ -18,6 +18,9 @@ enum class Device {
   Cpu,   ///< the processor, without any driver
 };
 
+/// The largest number of threads that a pipeline works with.
+inline constexpr int kMostThreads = 256;
+
 /// How CPU and GPU share the memory of images.
 enum class BufferKind {
   None,            ///< nothing was shared

@@ -29,9 +29,6 @@
 
 namespace lumora {
 
-/// The largest number of threads that a pipeline works with.
-inline constexpr int kMostThreads = 256;
-
 /// What a pipeline is to work with.
 struct PipelineOptions {
   /// Auto: what the environment variable LUMORA_DEVICE names ("auto", "gl" or "cpu"), else gl where

@@ -12,8 +12,8 @@
 #include "pipeline/backends/gl/engine_host.h"
 #include "pipeline/faces/landmarks.h"
 #include "pipeline/faces/random_faces.h"
-#include "pipeline/frames/frame_difference.h"
 #include "pipeline/frames/frame_memory.h"
+#include "pipeline/plan/frame_difference.h"
 #include "pipeline/plan/frame_plan.h"
 
 namespace lumora::test {

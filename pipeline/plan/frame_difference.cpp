@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "pipeline/frames/frame_difference.h"
+#include "pipeline/plan/frame_difference.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Differences that are put into frames are found where they are.
-#include "pipeline/frames/frame_difference.h"
+#include "pipeline/plan/frame_difference.h"
 
 #include <gtest/gtest.h>
 

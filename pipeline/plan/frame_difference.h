@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // How far two results of one request are apart: those of two backends, chains or renderers.
-#ifndef LUMORA_PIPELINE_FRAMES_FRAME_DIFFERENCE_H_
-#define LUMORA_PIPELINE_FRAMES_FRAME_DIFFERENCE_H_
+#ifndef LUMORA_PIPELINE_PLAN_FRAME_DIFFERENCE_H_
+#define LUMORA_PIPELINE_PLAN_FRAME_DIFFERENCE_H_
 
 #include <array>
 #include <cstdint>
@@ -39,4 +39,4 @@ FrameDifference CompareResults(const ConstFrameView& in, const ConstFrameView& f
 
 }  // namespace lumora
 
-#endif  // LUMORA_PIPELINE_FRAMES_FRAME_DIFFERENCE_H_
+#endif  // LUMORA_PIPELINE_PLAN_FRAME_DIFFERENCE_H_
