@@ -13,7 +13,7 @@
 #ifndef LUMORA_GL_LOG_H_
 #define LUMORA_GL_LOG_H_
 
-#include "lumora/platform/log_channel.h"
+#include "lumora/platform/log.h"
 
 #define LUMORA_LOG_TAG(tag_text)                \
   namespace {                                   \

@@ -43,6 +43,23 @@ LUMORA_API unsigned char __korvolog_init_mask(const char* tag, int unused, unsig
 
 }  // extern "C"
 
+namespace lumora {
+
+/// A tag and its level mask.
+struct LogChannel {
+  const char* tag;  ///< null is a tag of its own
+  unsigned char mask = 0x80;
+
+  /// Whether `priority` is to be printed; asks the platform while the mask is unset.
+  bool Enables(LogPriority priority) {
+    unsigned char levels = __atomic_load_n(&mask, __ATOMIC_RELAXED);
+    if ((levels & 0x80) != 0) levels = __korvolog_init_mask(tag, -1, &mask);
+    return (levels & LevelBit(priority)) != 0;
+  }
+};
+
+}  // namespace lumora
+
 namespace lumora::platform {
 
 /// A function in the place of __android_log_print.

@@ -9,7 +9,7 @@
 #include "lumora/platform/linux/memory_object.h"
 #include "lumora/platform/linux/memory_object_proof.h"
 #include "lumora/platform/linux/staged.h"
-#include "lumora/platform/log_channel.h"
+#include "lumora/platform/log.h"
 #include "lumora/platform/out_of_memory.h"
 
 namespace lumora::platform {
