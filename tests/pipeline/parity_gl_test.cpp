@@ -107,22 +107,22 @@ class ParityTest : public ::testing::Test {
 constexpr Look kSlimming{1, 0, 0}, kWhitening{0, 1, 0}, kSaturating{0, 1, 1}, kEverything{1, 1, 1};
 
 TEST_F(ParityTest, OfSlimmedPreviews) {
-  CompareRandomly(kSlimming, Chain::Preview, 700, 1, 200);
+  CompareRandomly(kSlimming, Chain::Preview, 400, 1, 200);
 }
 TEST_F(ParityTest, OfSlimmedCaptures) {
-  CompareRandomly(kSlimming, Chain::Capture, 250, 2, 200);
+  CompareRandomly(kSlimming, Chain::Capture, 150, 2, 200);
 }
 TEST_F(ParityTest, OfWhitenedPreviews) {
   CompareRandomly(kWhitening, Chain::Preview, 300, 3, 160);
   CompareRandomly(kSaturating, Chain::Preview, 150, 4, 160);
 }
 TEST_F(ParityTest, OfWhitenedCaptures) {
-  CompareRandomly(kWhitening, Chain::Capture, 200, 5, 160);
-  CompareRandomly(kSaturating, Chain::Capture, 100, 6, 160);
+  CompareRandomly(kWhitening, Chain::Capture, 100, 5, 160);
+  CompareRandomly(kSaturating, Chain::Capture, 60, 6, 160);
 }
 TEST_F(ParityTest, OfEverythingAtOnce) {
-  CompareRandomly(kEverything, Chain::Preview, 300, 7, 160);
-  CompareRandomly(kEverything, Chain::Capture, 100, 8, 160);
+  CompareRandomly(kEverything, Chain::Preview, 150, 7, 160);
+  CompareRandomly(kEverything, Chain::Capture, 60, 8, 160);
 }
 
 TEST_F(ParityTest, ManyOfSlimmedFrames) {
