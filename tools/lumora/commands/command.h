@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The commands of the program. A new one is a new file in this folder, a line here and one in
-// `kCommands` of main.cpp.
+// `kCommands` of command_line.cpp.
 #ifndef LUMORA_TOOLS_COMMANDS_COMMAND_H_
 #define LUMORA_TOOLS_COMMANDS_COMMAND_H_
 

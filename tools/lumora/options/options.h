@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The options of a command, as the commands name them. The library that parses them is known to
-// main.cpp and to this folder alone: it takes seconds to compile.
+// command_line.cpp and to this folder alone: it takes seconds to compile.
 #ifndef LUMORA_TOOLS_OPTIONS_OPTIONS_H_
 #define LUMORA_TOOLS_OPTIONS_OPTIONS_H_
 
