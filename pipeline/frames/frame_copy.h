@@ -28,6 +28,12 @@ struct FramePlace {
   int top = 0;
 };
 
+/// Where a frame of width x height pixels has its middle in the middle of the engine's.
+inline FramePlace MiddlePlace(int width, int height) {
+  const auto offset = [](int size) { return (RoundUpTo32(size) - size) / 4 * 2; };
+  return {offset(width), offset(height)};
+}
+
 /// A frame as the engine takes it: NV21, tightly packed in one piece, both sides rounded up to
 /// multiples of 32. What lies beyond the caller's frame repeats its outermost columns and rows.
 class PaddedFrame {

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "pipeline/backends/backend.h"
-#include "pipeline/backends/cpu/kernels/instruction_set.h"
+#include "pipeline/backends/cpu/cpu_device.h"
 #include "pipeline/backends/cpu/rectification.h"
 #include "pipeline/backends/cpu/slimming.h"
 #include "pipeline/backends/cpu/whitening.h"
@@ -77,13 +77,7 @@ class CpuBackend final : public Backend {
     return Correct(cpu::LensRemap(in.width, in.height, cpu::CoefficientsOf(lens)), in, out, report);
   }
 
-  DeviceInfo Device() override {
-    DeviceInfo info;
-    info.device = lumora::Device::Cpu;
-    info.simd = cpu::InstructionSet();
-    info.threads = threads_;
-    return info;
-  }
+  DeviceInfo Device() override { return cpu::DeviceWith(threads_); }
 
  private:
   static void TellBlocks(const FramePlan& plan, const ConstFrameView& in, Report* report) {

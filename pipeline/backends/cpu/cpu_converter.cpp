@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "pipeline/backends/backend.h"
+#include "pipeline/backends/cpu/cpu_device.h"
 #include "pipeline/backends/cpu/kernels/colour_rows.h"
-#include "pipeline/backends/cpu/kernels/instruction_set.h"
 #include "pipeline/frames/frame_layout.h"
 #include "pipeline/frames/own_frame.h"
 #include "pipeline/support/spare.h"
@@ -66,13 +66,7 @@ class CpuConverter final : public ConverterBackend {
     return {};
   }
 
-  DeviceInfo Device() override {
-    DeviceInfo info;
-    info.device = lumora::Device::Cpu;
-    info.simd = cpu::InstructionSet();
-    info.threads = 1;
-    return info;
-  }
+  DeviceInfo Device() override { return cpu::DeviceWith(1); }
 
  private:
   /// Asks for no memory.

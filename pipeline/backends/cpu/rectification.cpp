@@ -26,11 +26,6 @@ RemapAxis AxisOf(int size, int first) {
   return {static_cast<float>(RoundUpTo32(size)), first, size - 1};
 }
 
-/// The pixels before a frame that lies in the middle of the engine's; even, as chroma asks.
-int MiddlePlace(int size) {
-  return (RoundUpTo32(size) - size) / 4 * 2;
-}
-
 /// A coordinate at the corners (0, 0), (1, 0), (0, 1) and (1, 1) of a frame.
 struct CornerValues {
   float left_top, right_top, left_bottom, right_bottom;
@@ -142,8 +137,7 @@ Remap KeystoneRemap(int width, int height, int degree) {
 }
 
 Remap LensRemap(int width, int height, const LensCoefficients& lens) {
-  const int left = MiddlePlace(width);
-  const int top = MiddlePlace(height);
+  const FramePlace place = MiddlePlace(width, height);
   const double padded_width = RoundUpTo32(width);
   const double padded_height = RoundUpTo32(height);
   // The engine shows a little less than the whole, so that the bent borders stay outside.
@@ -162,8 +156,8 @@ Remap LensRemap(int width, int height, const LensCoefficients& lens) {
   LensMap& map = remap.lens;
   map.middle_x = static_cast<float>(padded_width / 2);
   map.middle_y = static_cast<float>(padded_height / 2);
-  map.centre_x = map.middle_x - static_cast<float>(left);
-  map.centre_y = map.middle_y - static_cast<float>(top);
+  map.centre_x = map.middle_x - static_cast<float>(place.left);
+  map.centre_y = map.middle_y - static_cast<float>(place.top);
   map.share_x = static_cast<float>(scale * scale / (padded_width * padded_width));
   map.share_y = static_cast<float>(scale * scale / (padded_height * padded_height));
   const float given[] = {lens.k0, lens.k1, lens.k2, lens.k3};
@@ -172,8 +166,8 @@ Remap LensRemap(int width, int height, const LensCoefficients& lens) {
     map.k[i] = static_cast<float>(static_cast<double>(given[i]) / power * shown);
     power *= area;
   }
-  remap.columns = AxisOf(width, left);
-  remap.rows = AxisOf(height, top);
+  remap.columns = AxisOf(width, place.left);
+  remap.rows = AxisOf(height, place.top);
   remap.width = width;
   remap.height = height;
   return remap;

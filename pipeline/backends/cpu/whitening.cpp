@@ -131,12 +131,13 @@ void Whitening::DrawFace(const WhiteningJob& job, const WhiteningShifts& shifts,
     uint8_t* const samples = samples_.data() + 3 * offset;
     const RowPair memory = {{samples, samples + columns_}, samples + 2 * columns_};
     const int y = bounds.y + 2 * pair;
-    const RowSpan held = HeldBy(job.mask.RowAt(y), job.mask.RowAt(y + 1), bounds.width);
+    const MaskRow mask_rows[2] = {job.mask.RowAt(y), job.mask.RowAt(y + 1)};
+    const RowSpan held = HeldBy(mask_rows[0], mask_rows[1], bounds.width);
     if (held.begin >= held.end) return;
     const int groups = (held.end - held.begin + kWhitenColumns - 1) / kWhitenColumns;
     for (int row = 0; row < 2; ++row) {
-      MaskWeights(job.mask.RowAt(y + row), taps_,
-                  {held.begin, held.begin + groups * kWhitenColumns}, weights[row]);
+      MaskWeights(mask_rows[row], taps_, {held.begin, held.begin + groups * kWhitenColumns},
+                  weights[row]);
     }
     const PixelRectangle part = {bounds.x + held.begin, y, held.end - held.begin,
                                  std::min(2, bounds.y + bounds.height - y)};

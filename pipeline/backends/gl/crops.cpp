@@ -39,10 +39,6 @@ class Extent {
   int64_t right_ = INT64_MIN, bottom_ = INT64_MIN;
 };
 
-bool Share(const PixelRectangle& a, const PixelRectangle& b) {
-  return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
-}
-
 /// A side of the area around a reach from `begin` on.
 struct Side {
   int begin;
@@ -101,7 +97,7 @@ int CropSide(int length) {
 }
 
 bool Crop::Holds(const PixelRectangle& face) const {
-  return Share(reach, face);
+  return Meet(reach, face);
 }
 
 void LayCrops(const std::vector<PixelRectangle>& reaches, int width, int height,
@@ -115,7 +111,7 @@ void LayCrops(const std::vector<PixelRectangle>& reaches, int width, int height,
     // Whoever joins others may come to share pixels with those that were looked at before.
     for (auto other = crops->begin(); other != crops->end();) {
       const Crop both = around(Union(crop.reach, other->reach));
-      const bool together = reaches.size() > kMostApart || Share(crop.reach, other->reach) ||
+      const bool together = reaches.size() > kMostApart || Meet(crop.reach, other->reach) ||
                             CostOf(both.area) <= CostOf(crop.area) + CostOf(other->area);
       if (together) {
         crop = both;

@@ -21,12 +21,6 @@ void ClipBlocks(int width, int height, std::vector<PixelRect>* blocks) {
   blocks->erase(std::remove_if(blocks->begin(), blocks->end(), IsEmpty), blocks->end());
 }
 
-/// Where a frame has its middle in the middle of what the engine gets.
-FramePlace MiddlePlace(int width, int height) {
-  const auto offset = [](int size) { return (RoundUpTo32(size) - size) / 4 * 2; };
-  return {offset(width), offset(height)};
-}
-
 }  // namespace
 
 Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const FrameView& out,
