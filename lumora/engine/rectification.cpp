@@ -8,6 +8,7 @@
 #include "lumora/engine/internal/pass.h"
 #include "lumora/engine/internal/preview_frame.h"
 #include "lumora/engine/internal/target.h"
+#include "lumora/geometry/keystone.h"
 #include "lumora/gl/log.h"
 #include "lumora/gl/quad.h"
 #include "lumora/programs/rectification_programs.h"
@@ -42,23 +43,10 @@ int GPUBeautyFace::SetRectParameters(int degree) {
     LOGE("[%s] program or image is missing", "SetRectParameters");
     return 0;
   }
-  const float d = static_cast<float>(degree) / 100.0f;
-  const float h = d * 0.5f;
-  const auto set_corner = [program](int corner, float x, float y) {
-    program->m_fvQuad[corner][0] = x;
-    program->m_fvQuad[corner][1] = y;
-  };
-  // One side of the quadrilateral is shortened by d at both ends, both are moved in by half of it.
-  if (degree >= 0) {
-    set_corner(0, d - h, d);
-    set_corner(1, 1 - h, 0);
-    set_corner(2, d - h, 1 - d);
-    set_corner(3, 1 - h, 1);
-  } else {
-    set_corner(0, -h, 0);
-    set_corner(1, 1 + d - h, -d);
-    set_corner(2, -h, 1);
-    set_corner(3, 1 + d - h, 1 + d);
+  const lumora::Keystone quad = lumora::KeystoneOf(degree);
+  for (int corner = 0; corner < 4; ++corner) {
+    program->m_fvQuad[corner][0] = quad.x[corner];
+    program->m_fvQuad[corner][1] = quad.y[corner];
   }
   program->m_fDegree = std::clamp(static_cast<float>(degree), -3.0f, 3.0f);
   return 1;

@@ -2,14 +2,16 @@
 #include "pipeline/backends/cpu/rectification.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
-#include <iterator>
 #include <variant>
 
+#include "lumora/geometry/keystone.h"
 #include "lumora/geometry/lens.h"
 #include "lumora/geometry/rounding.h"
 #include "pipeline/frames/frame_layout.h"
 #include "pipeline/support/camera_lens.h"
+#include "pipeline/support/lens_share.h"
 #include "pipeline/support/number_bounds.h"
 
 namespace lumora::cpu {
@@ -26,17 +28,12 @@ RemapAxis AxisOf(int size, int first) {
   return {static_cast<float>(RoundUpTo32(size)), first, size - 1};
 }
 
-/// A coordinate at the corners (0, 0), (1, 0), (0, 1) and (1, 1) of a frame.
-struct CornerValues {
-  float left_top, right_top, left_bottom, right_bottom;
-};
-
-/// Between them, as pixels of `size`.
-QuadAxis AxisBetween(const CornerValues& at, int size, int width, int height) {
-  const double left_top = static_cast<double>(at.left_top);
-  const double across = static_cast<double>(at.right_top) - left_top;
-  const double down = static_cast<double>(at.left_bottom) - left_top;
-  const double both = static_cast<double>(at.right_bottom) - left_top - across - down;
+/// A coordinate between the corners of a Keystone, as pixels of `size`.
+QuadAxis AxisBetween(const float (&corners)[4], int size, int width, int height) {
+  const double left_top = static_cast<double>(corners[0]);
+  const double across = static_cast<double>(corners[1]) - left_top;
+  const double down = static_cast<double>(corners[2]) - left_top;
+  const double both = static_cast<double>(corners[3]) - left_top - across - down;
   return {static_cast<float>(left_top * size), static_cast<float>(across * size / width),
           static_cast<float>(down * size / height),
           static_cast<float>(both * size / width / height)};
@@ -119,16 +116,11 @@ void DrawChroma(const Remap& remap, const ConstFrameView& in, const FrameView& o
 }  // namespace
 
 Remap KeystoneRemap(int width, int height, int degree) {
-  // One side of the quadrilateral is shortened by d at both ends, both are moved in by half of it.
-  const float d = static_cast<float>(degree) / 100.0f;
-  const float h = d * 0.5f;
-  const bool left = degree >= 0;
-  const CornerValues x =
-      left ? CornerValues{d - h, 1 - h, d - h, 1 - h} : CornerValues{-h, 1 + d - h, -h, 1 + d - h};
-  const CornerValues y = left ? CornerValues{d, 0, 1 - d, 1} : CornerValues{0, -d, 1, 1 + d};
+  const Keystone quad = KeystoneOf(degree);
   Remap remap{};
   remap.kind = Remap::Kind::Quad;
-  remap.quad = {AxisBetween(x, width, width, height), AxisBetween(y, height, width, height)};
+  remap.quad = {AxisBetween(quad.x, width, width, height),
+                AxisBetween(quad.y, height, width, height)};
   remap.columns = AxisOf(width, 0);
   remap.rows = AxisOf(height, 0);
   remap.width = width;
@@ -146,10 +138,6 @@ Remap LensRemap(int width, int height, const LensCoefficients& lens) {
   const double shown = 1 - 2 * static_cast<double>(crop[0]);
   const double half_diagonal = static_cast<double>(kHalfDiagonal);
   const double scale = shown / half_diagonal;
-  // It measures the squared distance in its own frame; the polynomial is meant for the caller's.
-  const double share_x = width / padded_width;
-  const double share_y = height / padded_height;
-  const double area = (share_x * share_x + share_y * share_y) / 2;
 
   Remap remap{};
   remap.kind = Remap::Kind::Lens;
@@ -161,11 +149,10 @@ Remap LensRemap(int width, int height, const LensCoefficients& lens) {
   map.share_x = static_cast<float>(scale * scale / (padded_width * padded_width));
   map.share_y = static_cast<float>(scale * scale / (padded_height * padded_height));
   const float given[] = {lens.k0, lens.k1, lens.k2, lens.k3};
-  double power = 1;
-  for (size_t i = 0; i < std::size(given); ++i) {
-    map.k[i] = static_cast<float>(static_cast<double>(given[i]) / power * shown);
-    power *= area;
-  }
+  const std::array<double, 4> coefficients =
+      CoefficientsIn({width / padded_width, height / padded_height}, given);
+  std::transform(coefficients.begin(), coefficients.end(), map.k,
+                 [shown](double coefficient) { return static_cast<float>(coefficient * shown); });
   remap.columns = AxisOf(width, place.left);
   remap.rows = AxisOf(height, place.top);
   remap.width = width;

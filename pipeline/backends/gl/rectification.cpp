@@ -2,6 +2,7 @@
 #include "pipeline/backends/gl/rectification.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "lumora/programs/rectification_programs.h"
@@ -62,13 +63,9 @@ bool DrawRadial(EngineSetup& setup, const Lens& lens, const FrameShare& share) {
     const float* const k = program.m_fvKval;
     if (!IsUsable({k[0], k[1], k[2], k[3]})) SetCoefficients(LensCoefficients{}, program);
   }
-  // The engine measures the squared distance in its own, larger frame.
-  const double area = (share.x * share.x + share.y * share.y) / 2;
-  double power = 1;
-  for (float& coefficient : program.m_fvKval) {
-    coefficient = static_cast<float>(static_cast<double>(coefficient) / power);
-    power *= area;
-  }
+  const std::array<double, 4> coefficients = CoefficientsIn(share, program.m_fvKval);
+  std::transform(coefficients.begin(), coefficients.end(), program.m_fvKval,
+                 [](double coefficient) { return static_cast<float>(coefficient); });
   return engine.DrawRadialRectification() != 0;
 }
 

@@ -5,14 +5,9 @@
 
 #include "lumora/pipeline/lens.h"
 #include "pipeline/backends/gl/engine_setup.h"
+#include "pipeline/support/lens_share.h"
 
 namespace lumora {
-
-/// The sides of the caller's frame as shares of those of the engine's.
-struct FrameShare {
-  double x = 1;
-  double y = 1;
-};
 
 /// Draws the keystone correction from the input image to the first work image. The frame lies in
 /// the upper left. Returns whether the engine did.
