@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "pipeline/plan/capture_blocks.h"
+#include "pipeline/plan/drawn_blocks.h"
 
 #include <algorithm>
 
@@ -26,8 +26,8 @@ PixelRectangle SlimmedArea(const FACE_INFO_t& record, const WorkingSize& block) 
 
 }  // namespace
 
-void AddCaptureBlocks(const FramePlan& plan, int width, int height,
-                      std::vector<PixelRect>* blocks) {
+void AddDrawnBlocks(const FramePlan& plan, int width, int height, std::vector<PixelRect>* blocks) {
+  if (plan.chain == Chain::Preview) return blocks->push_back({0, 0, width, height});
   const int padded_width = RoundUpTo32(width), padded_height = RoundUpTo32(height);
   const WorkingSize block = CaptureWorkingSize(padded_width, padded_height);
   const auto add = [&](const PixelRectangle& area) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The blocks in which captures are drawn.
-#ifndef LUMORA_PIPELINE_PLAN_CAPTURE_BLOCKS_H_
-#define LUMORA_PIPELINE_PLAN_CAPTURE_BLOCKS_H_
+// What a chain takes in, for reports.
+#ifndef LUMORA_PIPELINE_PLAN_DRAWN_BLOCKS_H_
+#define LUMORA_PIPELINE_PLAN_DRAWN_BLOCKS_H_
 
 #include <vector>
 
@@ -10,10 +10,10 @@
 
 namespace lumora {
 
-/// Adds the blocks that the plan of a capture draws, in their order and cut at the frame of width x
-/// height pixels.
-void AddCaptureBlocks(const FramePlan& plan, int width, int height, std::vector<PixelRect>* blocks);
+/// Adds what is drawn of a frame of width x height pixels: all of it for a preview; the blocks of a
+/// capture in their order, cut at the frame.
+void AddDrawnBlocks(const FramePlan& plan, int width, int height, std::vector<PixelRect>* blocks);
 
 }  // namespace lumora
 
-#endif  // LUMORA_PIPELINE_PLAN_CAPTURE_BLOCKS_H_
+#endif  // LUMORA_PIPELINE_PLAN_DRAWN_BLOCKS_H_

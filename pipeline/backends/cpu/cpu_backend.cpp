@@ -9,7 +9,7 @@
 #include "pipeline/backends/cpu/whitening.h"
 #include "pipeline/backends/cpu/workers.h"
 #include "pipeline/frames/frame_copy.h"
-#include "pipeline/plan/capture_blocks.h"
+#include "pipeline/plan/drawn_blocks.h"
 #include "pipeline/plan/frame_plan.h"
 #include "pipeline/support/reported.h"
 #include "pipeline/support/spare.h"
@@ -43,7 +43,7 @@ class CpuBackend final : public Backend {
     // All of the memory first: nothing may fail any more once `out` is written.
     if (plan.whitens) desk.whitening.Prepare(plan, desk.workers);
     if (plan.slims) desk.slimming.Prepare(plan, in.width, in.height, desk.workers);
-    TellBlocks(plan, in, report);
+    AddDrawnBlocks(plan, in.width, in.height, &report->blocks);
     stopwatch.Lap();
     if (Overlap(in, out)) {
       CopyFrame(in, out);  // asks for memory, if at all, before it writes
@@ -80,14 +80,6 @@ class CpuBackend final : public Backend {
   DeviceInfo Device() override { return cpu::DeviceWith(threads_); }
 
  private:
-  static void TellBlocks(const FramePlan& plan, const ConstFrameView& in, Report* report) {
-    if (plan.chain == Chain::Capture) {
-      AddCaptureBlocks(plan, in.width, in.height, &report->blocks);
-    } else {
-      report->blocks.push_back({0, 0, in.width, in.height});
-    }
-  }
-
   Status Correct(const cpu::Remap& remap, const ConstFrameView& in, const FrameView& out,
                  Report* report) {
     const Spare<Desk>::Loan loan(desks_, threads_);

@@ -1,28 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pipeline/backends/gl/chains.h"
 
-#include <algorithm>
-
-#include "lumora/geometry/blocks.h"
 #include "pipeline/backends/gl/engine_faults.h"
 #include "pipeline/backends/gl/merge.h"
 #include "pipeline/plan/frame_plan.h"
 #include "pipeline/plan/warp_geometry.h"
 
 namespace lumora {
-namespace {
-
-/// Adds the blocks that the engine walks in a rectangle of a frame, which they may leave.
-void ReportBlocks(const android::GPUBeautyFace& engine, const PixelRect& area, Report* report) {
-  ForEachBlock(ClipToFrame(area, engine.m_nFullWidth, engine.m_nFullHeight), engine.m_nSrcWidth,
-               engine.m_nSrcHeight, [&](int x, int y) {
-                 report->blocks.push_back({x, y, engine.m_nSrcWidth, engine.m_nSrcHeight});
-                 return true;
-               });
-}
-
-}  // namespace
-
 Status WhitenCapture(const ChainFrame& chain, const FramePlan& plan) {
   if (plan.whitening.jobs.empty()) return {};
   android::GPUBeautyFace& engine = chain.setup.engine();
@@ -40,8 +24,6 @@ Status WhitenCapture(const ChainFrame& chain, const FramePlan& plan) {
                                                   EngineEffect(plan.whitening.effect)) != 0 &&
                       engine.CopyMemYUVfromSrcTextureLarge(work.luma(), work.chroma(), 0, 1) != 0;
     if (!done) return EngineRefused();
-    const android::FaceProcessRect& area = engine.m_rcFaceProcess[0];
-    ReportBlocks(engine, {area.X, area.Y, area.Width, area.Height}, &chain.report);
     Blend(work, {}, job.mask, &frame, &chain.memory.weights);
   }
   return {};
@@ -58,11 +40,6 @@ Status SlimCapture(const ChainFrame& chain, const FramePlan& plan) {
     FACE_INFO_t record = face.record;
     engine.FaceProcessLarge(work.luma(), work.chroma(), frame.width(), frame.height(), 0, &record,
                             1, kBeautyLevel);
-    ReportBlocks(
-        engine,
-        BlocksAroundFace(record.loc_x, record.loc_y, std::max(record.dist, record.chin_dist),
-                         engine.m_nSrcWidth, engine.m_nSrcHeight),
-        &chain.report);
     CopyCircle(work, face, &frame);
     // The engine reads every face from the plane textures: the next one has to find this one's
     // result there.

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "lumora/geometry/rectangle.h"
-#include "lumora/pipeline/report.h"
 #include "lumora/pipeline/status.h"
 #include "pipeline/backends/gl/crop_setups.h"
 #include "pipeline/backends/gl/crops.h"
@@ -36,7 +35,6 @@ struct ChainFrame {
   CropSetups& crop_setups;
   PaddedFrame& frame;
   ChainMemory& memory;
-  Report& report;
 };
 
 /// In one piece around the faces that are whitened, or in a few, each with a set-up in

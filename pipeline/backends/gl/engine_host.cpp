@@ -1,28 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pipeline/backends/gl/engine_host.h"
 
-#include <algorithm>
-
-#include "lumora/geometry/rectangle.h"
-#include "lumora/geometry/rounding.h"
 #include "pipeline/backends/gl/engine_faults.h"
 #include "pipeline/backends/gl/gl_state.h"
 #include "pipeline/backends/gl/merge.h"
 #include "pipeline/backends/gl/rectification.h"
+#include "pipeline/plan/drawn_blocks.h"
 #include "pipeline/plan/frame_plan.h"
 #include "pipeline/support/stopwatch.h"
 
 namespace lumora {
-namespace {
-
-/// Cuts rectangles at the borders of the caller's frame, which the engine's is larger than.
-void ClipBlocks(int width, int height, std::vector<PixelRect>* blocks) {
-  for (PixelRect& block : *blocks) block = CutToImage(block, width, height);
-  blocks->erase(std::remove_if(blocks->begin(), blocks->end(), IsEmpty), blocks->end());
-}
-
-}  // namespace
-
 Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const FrameView& out,
                          Report* report) {
   report = reports_.For(report);
@@ -35,8 +22,7 @@ Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const 
   if (status.ok()) {
     // Nothing may fail any more once `out` is written.
     report->buffer_kind = BufferKindHere();
-    if (plan.chain == Chain::Preview) report->blocks.push_back({0, 0, in.width, in.height});
-    ClipBlocks(in.width, in.height, &report->blocks);
+    AddDrawnBlocks(plan, in.width, in.height, &report->blocks);
     if (ChangesCirclesOnly(plan)) {
       CopyFrame(in, out);  // asks for memory, if at all, before it writes
       for (const FacePlan& face : plan.faces) StoreCircle(frame_, face, out);
@@ -51,7 +37,7 @@ Status EngineHost::Apply(const FramePlan& plan, const ConstFrameView& in, const 
 
 Status EngineHost::RunEffects(const FramePlan& plan, const ConstFrameView& in, Report* report) {
   const bool capture = plan.chain == Chain::Capture;
-  const ChainFrame frame = {setup_, crop_setups_, frame_, memory_, *report};
+  const ChainFrame frame = {setup_, crop_setups_, frame_, memory_};
   Stopwatch stopwatch;
   // A driver that failed may have left anything behind: the next frame finds a new set-up.
   const auto checked = [this](Status status) {
